@@ -1,0 +1,303 @@
+#include "graphics/PathData.h"
+
+#include "graphics/NumberText.h"
+#include "runtime/Exceptions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Vz {
+namespace {
+
+/// One letter of the grammar.
+struct TCommand {
+    char Letter; ///< the absolute form
+    TVerb Verb;
+    const char* Form; ///< a number for each letter: x and y of a point, X or Y alone, n plain, f a flag
+};
+constexpr TCommand Commands[] = {
+    {'M', TVerb::Move, "xy"},   {'L', TVerb::Line, "xy"},      {'H', TVerb::Line, "X"},
+    {'V', TVerb::Line, "Y"},    {'C', TVerb::Cubic, "xyxyxy"}, {'S', TVerb::Cubic, "xyxy"},
+    {'Q', TVerb::Quad, "xyxy"}, {'T', TVerb::Quad, "xy"},      {'A', TVerb::Arc, "nnnffxy"},
+    {'Z', TVerb::Close, ""},
+};
+
+const TCommand* FindCommand(char letter) {
+    for (const TCommand& command : Commands)
+        if (command.Letter == letter || command.Letter + ('a' - 'A') == letter) return &command;
+    return nullptr;
+}
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
+
+/// Reads path data (SVG 1.1, 8.3.9) into figures, up to the first fault. Steps with numbers beyond double's
+/// range are passed over.
+class TPathReader {
+public:
+    TPathReader(std::string_view text, TFigures& figures)
+        : FBegin(text.data())
+        , FText(FBegin)
+        , FEnd(FBegin + text.size())
+        , FFigures(figures) {}
+
+    /// True at the end, false at a fault, which Reason and Offset then tell.
+    bool Read() {
+        for (SkipBlanks(); FText != FEnd; SkipBlanks()) {
+            const TCommand* const command = FindCommand(*FText);
+            if (command == nullptr) return Fail("a command letter was expected");
+            if (!FHasMoved && command->Verb != TVerb::Move) return Fail("path data begins with M or m");
+            FHasMoved = true;
+            const bool isRelative = *FText++ >= 'a';
+            SkipBlanks();
+            if (!ReadSteps(*command, isRelative)) return false;
+        }
+        return true;
+    }
+
+    const char* Reason() const { return FReason; }
+    std::size_t Offset() const { return static_cast<std::size_t>(FText - FBegin); }
+
+private:
+    bool Fail(const char* reason) {
+        FReason = reason;
+        return false;
+    }
+
+    void SkipBlanks() {
+        while (FText != FEnd && IsBlank(*FText))
+            ++FText;
+    }
+
+    /// True where a comma was passed.
+    bool SkipSeparator() {
+        SkipBlanks();
+        if (FText == FEnd || *FText != ',') return false;
+        ++FText;
+        SkipBlanks();
+        return true;
+    }
+
+    bool StartsNumber() const {
+        return FText != FEnd &&
+               ((*FText >= '0' && *FText <= '9') || *FText == '.' || *FText == '-' || *FText == '+');
+    }
+
+    bool ReadSteps(const TCommand& command, bool isRelative) {
+        if (command.Verb == TVerb::Close) {
+            AddClose();
+            return true;
+        }
+        const TCommand* step = &command;
+        bool hasComma = false;
+        do {
+            double numbers[7];
+            if (!ReadNumbers(*step, isRelative, numbers)) return false;
+            Add(*step, numbers);
+            // Pairs that follow a moveto's first are linetos.
+            if (step->Verb == TVerb::Move) step = &Commands[1];
+            hasComma = SkipSeparator();
+        } while (hasComma || StartsNumber());
+        return true;
+    }
+
+    bool ReadNumbers(const TCommand& command, bool isRelative, double* numbers) {
+        for (const char* form = command.Form; *form != '\0'; ++form, ++numbers) {
+            if (form != command.Form) SkipSeparator();
+            if (*form == 'f') {
+                if (FText == FEnd || (*FText != '0' && *FText != '1'))
+                    return Fail("a flag, 0 or 1, was expected");
+                *numbers = *FText++ - '0';
+                continue;
+            }
+            const char* const end = ScanNumber(FText, FEnd, *numbers);
+            if (end == FText) return Fail("a number was expected");
+            FText = end;
+            if (isRelative && *form != 'n')
+                *numbers += *form == 'x' || *form == 'X' ? FCurrent.X : FCurrent.Y;
+        }
+        return true;
+    }
+
+    void Add(const TCommand& command, const double* n) {
+        switch (command.Letter) {
+        case 'H':
+            return AddStep(TVerb::Line, {n[0], FCurrent.Y});
+        case 'V':
+            return AddStep(TVerb::Line, {FCurrent.X, n[0]});
+        case 'S': {
+            const TPointD control = Reflected(TVerb::Cubic);
+            return AddStep(TVerb::Cubic, {control.X, control.Y, n[0], n[1], n[2], n[3]});
+        }
+        case 'T': {
+            const TPointD control = Reflected(TVerb::Quad);
+            return AddStep(TVerb::Quad, {control.X, control.Y, n[0], n[1]});
+        }
+        case 'A':
+            return AddStep(TVerb::Arc, {std::abs(n[0]), std::abs(n[1]), n[2], n[3], n[4], n[5], n[6]});
+        case 'C':
+            return AddStep(TVerb::Cubic, {n[0], n[1], n[2], n[3], n[4], n[5]});
+        case 'Q':
+            return AddStep(TVerb::Quad, {n[0], n[1], n[2], n[3]});
+        default:
+            return AddStep(command.Verb, {n[0], n[1]});
+        }
+    }
+
+    /// The last control point seen from the other side of the current point, where the step before was of
+    /// this kind.
+    TPointD Reflected(TVerb verb) const {
+        if (FLast != verb) return FCurrent;
+        return {2 * FCurrent.X - FControl.X, 2 * FCurrent.Y - FControl.Y};
+    }
+
+    void AddStep(TVerb verb, std::initializer_list<double> numbers) {
+        FLast = TVerb::Close;
+        if (!std::all_of(numbers.begin(), numbers.end(), [](double n) { return std::isfinite(n); })) return;
+        const double* const end = numbers.end();
+        // Only where the first moveto was passed over.
+        if (FFigures.IsEmpty() && verb != TVerb::Move) {
+            FCurrent = FStart = {end[-2], end[-1]};
+            return FFigures.MoveTo(end[-2], end[-1]);
+        }
+        FFigures.Verbs.push_back(verb);
+        FFigures.Numbers.insert(FFigures.Numbers.end(), numbers);
+        FCurrent = {end[-2], end[-1]};
+        FLast = verb;
+        if (verb == TVerb::Move) FStart = FCurrent;
+        if (verb == TVerb::Cubic || verb == TVerb::Quad) FControl = {end[-4], end[-3]};
+    }
+
+    void AddClose() {
+        FLast = TVerb::Close;
+        if (FFigures.IsEmpty()) return;
+        FFigures.Close();
+        FCurrent = FStart;
+    }
+
+    const char* FBegin;
+    const char* FText;
+    const char* FEnd;
+    TFigures& FFigures;
+    const char* FReason = "";
+    TPointD FStart, FCurrent, FControl;
+    TVerb FLast = TVerb::Close;
+    bool FHasMoved = false;
+};
+
+/// Lines and columns of a place in the text, both from 1, columns in characters.
+TSourcePlace PlaceOf(std::string_view text, std::size_t offset) {
+    TSourcePlace place{{}, 1, 1};
+    for (const char c : text.substr(0, offset)) {
+        if (c == '\n') {
+            ++place.Line;
+            place.Column = 1;
+        } else if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) {
+            ++place.Column;
+        }
+    }
+    return place;
+}
+
+/// Writes steps, each with as few characters as its numbers and the grammar allow.
+class TPathWriter {
+public:
+    std::string Text;
+
+    void Add(TVerb verb, const double* numbers) {
+        if (verb != FVerb || verb == TVerb::Move || verb == TVerb::Close) {
+            Text += "MLQCAZ"[static_cast<int>(verb)];
+            FNeedsBlank = false;
+        }
+        FVerb = verb;
+        for (int i = 0; i < NumberCount(verb); ++i)
+            AddNumber(numbers[i]);
+    }
+
+private:
+    void AddNumber(double number) {
+        const std::size_t begin = Text.size();
+        AppendNumber(Text, number);
+        const char first = Text[begin];
+        if (FNeedsBlank && first != '-' && !(first == '.' && FHasPoint)) Text.insert(begin, 1, ' ');
+        FNeedsBlank = true;
+        FHasPoint = Text.find_first_of(".e", begin) != std::string::npos;
+    }
+
+    TVerb FVerb = TVerb::Close;
+    bool FNeedsBlank = false;
+    bool FHasPoint =
+        false; ///< the number before has a point or an exponent, so that a point begins another one
+};
+
+} // namespace
+
+void TVZPathData::SetPathString(std::string_view text) {
+    TFigures figures;
+    TPathReader reader(text, figures);
+    if (!reader.Read())
+        throw EConvertError(std::string("path data: ") + reader.Reason(), PlaceOf(text, reader.Offset()));
+    SetFigures(std::move(figures));
+}
+
+bool TVZPathData::SetPathStringTolerant(std::string_view text) {
+    TFigures figures;
+    const bool isWhole = TPathReader(text, figures).Read();
+    SetFigures(std::move(figures));
+    return isWhole;
+}
+
+std::string TVZPathData::GetPathString() const {
+    TPathWriter writer;
+    writer.Text.reserve(FFigures.Numbers.size() * 6);
+    const double* numbers = FFigures.Numbers.data();
+    for (const TVerb verb : FFigures.Verbs) {
+        const double* const end = numbers + NumberCount(verb);
+        if (std::all_of(numbers, end, [](double n) { return std::isfinite(n); })) writer.Add(verb, numbers);
+        numbers = end;
+    }
+    return std::move(writer.Text);
+}
+
+void TVZPathData::Clear() { SetFigures({}); }
+
+void TVZPathData::ApplyMatrix(const TMatrix& matrix) {
+    const TAffine affine = TAffine::FromMatrix(matrix);
+    if (!affine.IsFinite() || affine == TAffine{} || FFigures.IsEmpty()) return;
+    FFigures.Transform(affine);
+    Changed();
+}
+
+void TVZPathData::Append(const TVZPathData& other) {
+    if (other.FFigures.IsEmpty()) return;
+    FFigures.Append(other.FFigures);
+    Changed();
+}
+
+void TVZPathData::Assign(const TPersistent& source) {
+    const auto* const other = dynamic_cast<const TVZPathData*>(&source);
+    if (other == nullptr) return TPersistent::Assign(source);
+    SetFigures(other->FFigures);
+}
+
+void TVZPathData::SetFigures(TFigures figures) {
+    if (figures == FFigures) return;
+    FFigures = std::move(figures);
+    FFigures.Verbs.shrink_to_fit();
+    FFigures.Numbers.shrink_to_fit();
+    Changed();
+}
+
+void TVZPathData::BeginUpdate() { ++FUpdateCount; }
+
+void TVZPathData::EndUpdate() {
+    if (FUpdateCount == 0 || --FUpdateCount > 0 || !FChanged) return;
+    Changed();
+}
+
+void TVZPathData::Changed() {
+    FChanged = FUpdateCount > 0;
+    if (!FChanged) Raise(OnChange, *this);
+}
+
+} // namespace Vz

@@ -1,0 +1,132 @@
+#include "graphics/RasterDevice.h"
+
+#include "graphics/RasterStateInternal.h"
+
+#include <algorithm>
+
+namespace Vz {
+
+namespace {
+
+/// A layer with an effect holds all of its bounds, for an effect may carry pixels over the edge of what is
+/// repainted; but not beyond a target's width and height around the target.
+TRect EffectBox(const TRect& bounds, const TRect& target)
+{
+    return Intersection(bounds, {-target.Right, -target.Bottom, 2 * target.Right, 2 * target.Bottom});
+}
+
+} // namespace
+
+void TRasterDevice::TGiveBack::operator()(TRasterState* state) const { TRasterState::GiveBack(state); }
+
+TRasterDevice::TRasterDevice(const TPixels& target)
+    : TRasterDevice(target, TRegion(target.Bounds()))
+{
+}
+
+TRasterDevice::TRasterDevice(const TPixels& target, const TRegion& region)
+    : FState(TRasterState::Take(target, region.Rects()))
+{
+}
+
+TRasterDevice::~TRasterDevice() = default;
+
+void TRasterDevice::Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice)
+{
+    if (!shape.Figures || !toDevice.IsInvertible() || FState->ActiveBox().IsEmpty()) return;
+    TPaintSource source;
+    if (!source.Prepare(paint, toDevice)) return;
+    FState->Coverage.SetShape(Flatten(shape, FlatteningScale(toDevice), FState->Polygons), toDevice);
+    FState->Fill(shape.Stroke ? TFillRule::NonZero : shape.Rule, source);
+}
+
+void TRasterDevice::DrawImage(const TPixels& image, const TAffine& toDevice, double opacity, TInterpolation mode)
+{
+    if (!image.Data || image.Width <= 0 || image.Height <= 0 || !toDevice.IsInvertible()) return;
+    int x = 0;
+    int y = 0;
+    if (IsWholeTranslation(toDevice, x, y)) {
+        TSurface picture;
+        picture.Pixels = image;
+        picture.Box = {x, y, x + image.Width, y + image.Height};
+        picture.Drawn = picture.Box;
+        picture.Opacity = OpacityByte(opacity);
+        if (picture.Opacity > 0) FState->LayDown(picture);
+        return;
+    }
+    TPaintSource source;
+    if (!source.PrepareImage(image, toDevice, opacity, mode)) return;
+    const double width = image.Width;
+    const double height = image.Height;
+    TPolygons& frame = FState->Polygons;
+    frame.Points.assign({{0, 0}, {width, 0}, {width, height}, {0, height}});
+    frame.Starts.assign({0, 4});
+    FState->Coverage.SetShape(frame, toDevice);
+    FState->Fill(TFillRule::NonZero, source);
+}
+
+void TRasterDevice::PushClip(std::span<const TClipShape> shapes) { FState->PushClip(shapes); }
+
+void TRasterDevice::PopClip() { FState->PopClip(); }
+
+void TRasterDevice::PushLayer(const TLayerStyle& style)
+{
+    const bool whole = style.Effect && style.Bounds;
+    TRect box = FState->ActiveBox();
+    if (style.Bounds) box = whole ? EffectBox(*style.Bounds, FState->Target) : Intersection(box, *style.Bounds);
+    TSurface& layer = FState->PushSurface(box, whole);
+    layer.Opacity = OpacityByte(style.Opacity);
+    layer.Blend = style.Blend;
+    layer.Effect = style.Effect;
+}
+
+void TRasterDevice::PopLayer()
+{
+    TSurface& layer = FState->Surface();
+    if (layer.Effect && !layer.Box.IsEmpty()) {
+        layer.Effect(layer.Pixels, {double(layer.Box.Left), double(layer.Box.Top)});
+        layer.Drawn = layer.Box;
+    }
+    FState->EndSurface([this](const TSurface& done) { FState->LayDown(done); });
+}
+
+void TRasterDevice::PushMask(TMaskKind kind)
+{
+    const TSurface& layer = FState->Surface();
+    FState->PushSurface(layer.Box, false).MaskKind = kind;
+}
+
+void TRasterDevice::PopMask()
+{
+    FState->EndSurface([this](const TSurface& done) { FState->ApplyMask(done); });
+}
+
+TRect TRasterDevice::GetClipBounds() const { return FState->ActiveBox(); }
+
+void TRasterDevice::Clear(TVZGPColor color)
+{
+    const TSurface& surface = FState->Surface();
+    for (const TRect& rect : surface.Rects)
+        for (int y = rect.Top; y < rect.Bottom; ++y)
+            std::fill_n(surface.At(rect.Left, y), rect.Width(), Premultiply(color));
+}
+
+void TRasterDevice::Copy(const TPixels& image, int x, int y)
+{
+    const TSurface& surface = FState->Surface();
+    const TRect box{x, y, x + image.Width, y + image.Height};
+    for (const TRect& rect : surface.Rects)
+        for (int line = rect.Top; line < rect.Bottom; ++line) {
+            const TRect inside = Intersection({rect.Left, line, rect.Right, line + 1}, box);
+            std::uint32_t* row = surface.At(rect.Left, line);
+            if (inside.IsEmpty()) {
+                std::fill_n(row, rect.Width(), 0u);
+                continue;
+            }
+            row = std::fill_n(row, inside.Left - rect.Left, 0u);
+            row = std::copy_n(image.Row(line - y) + (inside.Left - x), inside.Width(), row);
+            std::fill_n(row, rect.Right - inside.Right, 0u);
+        }
+}
+
+} // namespace Vz

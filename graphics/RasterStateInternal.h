@@ -1,0 +1,145 @@
+#pragma once
+
+#include "graphics/CoverageInternal.h"
+#include "graphics/PaintSourceInternal.h"
+#include "graphics/RasterDevice.h"
+
+#include <algorithm>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace Vz {
+
+/// Entries that are used as a stack and keep their memory when they are taken down.
+template <class T> class TKeptStack {
+public:
+    bool IsEmpty() const { return FDepth == 0; }
+    std::size_t Depth() const { return FDepth; }
+    T& Push()
+    {
+        if (FDepth == FEntries.size()) FEntries.push_back(std::make_unique<T>());
+        return *FEntries[FDepth++];
+    }
+    void Pop() { --FDepth; }
+    T& Top() { return *FEntries[FDepth - 1]; }
+    const T& Top() const { return *FEntries[FDepth - 1]; }
+    void Clear() { FDepth = 0; }
+    std::span<const std::unique_ptr<T>> Kept() const { return FEntries; }
+
+private:
+    std::vector<std::unique_ptr<T>> FEntries;
+    std::size_t FDepth = 0;
+};
+
+/// Coverage 0..255 of a box of device pixels.
+struct TCoverageMap {
+    TRect Box;
+    std::vector<std::uint8_t> Values;  ///< and TCoverage::Margin more
+    std::uint8_t* At(int x, int y)
+    {
+        return Values.data() + std::ptrdiff_t(y - Box.Top) * Box.Width() + (x - Box.Left);
+    }
+    const std::uint8_t* At(int x, int y) const { return const_cast<TCoverageMap*>(this)->At(x, y); }
+};
+
+/// A clip in force: nothing is painted outside of Box, and within it through Map where there is one.
+struct TClipLevel {
+    TRect Box;
+    const TCoverageMap* Map = nullptr;  ///< this level's, or that of one below
+    TCoverageMap Own;
+};
+
+/// Pixels that are drawn on: the target, a layer or a mask.
+struct TSurface {
+    TRect Box;                ///< device pixels that it holds
+    TPixels Pixels;
+    std::vector<TRect> Rects; ///< where drawing has an effect, in Box
+    TRect Drawn;              ///< around all that was drawn
+    /// The pixels of a layer; transparent between one use and the next.
+    std::vector<std::uint32_t> Store;
+    unsigned Opacity = 255;
+    TBlendMode Blend = TBlendMode::Normal;
+    std::function<void(const TPixels&, TPointD)> Effect;
+    TMaskKind MaskKind = TMaskKind::Alpha;
+
+    std::uint32_t* At(int x, int y) const { return Pixels.Row(y - Box.Top) + (x - Box.Left); }
+};
+
+/// A raster device's surfaces, clips and working memory.
+struct TRasterState {
+    /// A state at rest of this thread, or a new one, set up for a target.
+    static TRasterState* Take(const TPixels& target, std::span<const TRect> region);
+    /// Puts a state to rest, so that the next device of this thread allocates nothing.
+    static void GiveBack(TRasterState* state);
+
+    TSurface& Surface() { return Surfaces.Top(); }
+    const TClipLevel& Clip() const { return Clips.Top(); }
+    /// The box in which something can change.
+    TRect ActiveBox() const;
+
+    void PushClip(std::span<const TClipShape> shapes);
+    void PushClipBox(const TRect& box, const TCoverageMap* map);
+    void PopClip() { Clips.Pop(); }
+    /// Begins a surface that takes up what is drawn from here on; nothing clips it but its box.
+    TSurface& PushSurface(const TRect& box, bool whole);
+    /// Ends it: `action` gets it with the surface below in force; then what was drawn is forgotten.
+    template <class TAction> void EndSurface(TAction&& action);
+    void LayDown(const TSurface& layer);
+    void ApplyMask(const TSurface& mask);
+
+    /// Paints the coverage's shape.
+    void Fill(TFillRule rule, const TPaintSource& source);
+    /// Calls action(y, left, right) for each run of pixels of a box that can change.
+    template <class TAction> void EachRow(const TRect& box, TAction&& action);
+
+    TKeptStack<TSurface> Surfaces;
+    TKeptStack<TClipLevel> Clips;
+    TRect Target;
+    TCoverage Coverage;
+    TPolygons Polygons;
+    std::vector<std::uint8_t> CoverageRow;
+    std::vector<std::uint32_t> PixelRow;
+    std::vector<std::uint32_t> Scratch;
+
+private:
+    void SetUp(const TPixels& target, std::span<const TRect> region);
+    void FillBox(const TRect& box, TFillRule rule, const TPaintSource& source);
+    void FetchRows(const TFillJob& job, const TPaintSource& source);
+    void AddToClip(TCoverageMap& map, TFillRule rule);
+    void Forget(TSurface& layer);
+    void Shrink();
+
+    /// Counts memory that a layer or clip takes. Those that follow each other count twice, which is on the safe side.
+    void NoteUse(std::size_t bytes)
+    {
+        FLayerBytes += bytes;
+        FMostUsed = std::max(FMostUsed, FLayerBytes);
+    }
+    std::size_t HeldBytes() const;
+
+    std::size_t FLayerBytes = 0;
+    std::size_t FMostUsed = 0;
+    int FSpareUses = 0;  ///< devices on end that used much less than is held
+};
+
+template <class TAction> void TRasterState::EndSurface(TAction&& action)
+{
+    TSurface& ended = Surfaces.Top();
+    Surfaces.Pop();
+    Clips.Pop();
+    action(ended);
+    Forget(ended);
+}
+
+template <class TAction> void TRasterState::EachRow(const TRect& box, TAction&& action)
+{
+    const TRect open = Intersection(box, Clip().Box);
+    for (const TRect& rect : Surface().Rects) {
+        const TRect part = Intersection(rect, open);
+        for (int y = part.Top; y < part.Bottom; ++y)
+            action(y, part.Left, part.Right);
+    }
+}
+
+} // namespace Vz

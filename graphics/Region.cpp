@@ -1,0 +1,141 @@
+#include "graphics/Region.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Vz {
+
+namespace {
+
+/// Disjoint rectangles under construction, without memory of their own: a region is small.
+struct TPieces {
+    static constexpr std::size_t Most = 4 * TRegion::MaxRects;
+    std::array<TRect, Most> Rects;
+    std::size_t Count = 0;
+    bool TooMany = false;
+
+    void Add(const TRect& rect)
+    {
+        if (rect.IsEmpty()) return;
+        TooMany = TooMany || Count == Most;
+        if (!TooMany) Rects[Count++] = rect;
+    }
+    /// Adds what is left of `rect` when `hole` is taken out.
+    void AddWithout(const TRect& rect, const TRect& hole)
+    {
+        const TRect both = Intersection(rect, hole);
+        if (both.IsEmpty()) {
+            Add(rect);
+            return;
+        }
+        Add({rect.Left, rect.Top, rect.Right, both.Top});
+        Add({rect.Left, both.Top, both.Left, both.Bottom});
+        Add({both.Right, both.Top, rect.Right, both.Bottom});
+        Add({rect.Left, both.Bottom, rect.Right, rect.Bottom});
+    }
+};
+
+bool Encloses(const TRect& outer, const TRect& inner)
+{
+    return outer.Left <= inner.Left && outer.Top <= inner.Top && outer.Right >= inner.Right &&
+           outer.Bottom >= inner.Bottom;
+}
+
+/// One rectangle of a and b where they make one together.
+bool Join(TRect& a, const TRect& b)
+{
+    const bool below = a.Left == b.Left && a.Right == b.Right && (a.Bottom == b.Top || b.Bottom == a.Top);
+    const bool beside = a.Top == b.Top && a.Bottom == b.Bottom && (a.Right == b.Left || b.Right == a.Left);
+    if (below || beside) a = Union(a, b);
+    return below || beside;
+}
+
+void JoinNeighbours(std::vector<TRect>& rects)
+{
+    for (std::size_t i = 0; i < rects.size();) {
+        std::size_t j = i + 1;
+        while (j < rects.size() && !Join(rects[i], rects[j]))
+            ++j;
+        if (j == rects.size()) {
+            ++i;
+            continue;
+        }
+        rects.erase(rects.begin() + static_cast<std::ptrdiff_t>(j));
+        i = 0;
+    }
+}
+
+bool IsBefore(const TRect& a, const TRect& b) { return a.Top != b.Top ? a.Top < b.Top : a.Left < b.Left; }
+
+} // namespace
+
+TRect TRegion::Bounds() const
+{
+    TRect box;
+    for (const TRect& rect : FRects)
+        box = Union(box, rect);
+    return box;
+}
+
+bool TRegion::Contains(std::int32_t x, std::int32_t y) const
+{
+    return std::any_of(FRects.begin(), FRects.end(), [x, y](const TRect& r) {
+        return x >= r.Left && x < r.Right && y >= r.Top && y < r.Bottom;
+    });
+}
+
+bool TRegion::Intersects(const TRect& rect) const
+{
+    return std::any_of(FRects.begin(), FRects.end(),
+                       [&rect](const TRect& r) { return !Intersection(r, rect).IsEmpty(); });
+}
+
+void TRegion::Add(const TRect& rect)
+{
+    if (rect.IsEmpty()) return;
+    if (FRects.empty()) {
+        FRects.push_back(rect);
+        return;
+    }
+    std::erase_if(FRects, [&rect](const TRect& r) { return Encloses(rect, r); });
+    TPieces pieces;
+    pieces.Add(rect);
+    for (const TRect& old : FRects) {
+        TPieces rest;
+        for (std::size_t i = 0; i < pieces.Count; ++i)
+            rest.AddWithout(pieces.Rects[i], old);
+        rest.TooMany = rest.TooMany || pieces.TooMany;
+        pieces = rest;
+    }
+    if (pieces.TooMany) {
+        FRects.assign(1, Union(Bounds(), rect));
+        return;
+    }
+    FRects.insert(FRects.end(), pieces.Rects.begin(), pieces.Rects.begin() + static_cast<std::ptrdiff_t>(pieces.Count));
+    JoinNeighbours(FRects);
+    if (FRects.size() > MaxRects) FRects.assign(1, Bounds());
+    std::sort(FRects.begin(), FRects.end(), IsBefore);
+}
+
+void TRegion::Add(const TRegion& region)
+{
+    if (this == &region) return;
+    for (const TRect& rect : region.FRects)
+        Add(rect);
+}
+
+void TRegion::Intersect(const TRect& rect)
+{
+    for (TRect& own : FRects)
+        own = Intersection(own, rect);
+    std::erase_if(FRects, [](const TRect& r) { return r.IsEmpty(); });
+    std::sort(FRects.begin(), FRects.end(), IsBefore);
+}
+
+void TRegion::Offset(std::int32_t dx, std::int32_t dy)
+{
+    for (TRect& rect : FRects)
+        rect = {rect.Left + dx, rect.Top + dy, rect.Right + dx, rect.Bottom + dy};
+}
+
+} // namespace Vz

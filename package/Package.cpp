@@ -1,0 +1,58 @@
+#include "package/Package.h"
+
+#include "controls/Form.h"
+#include "runtime/ClassRegistry.h"
+#include "runtime/Exceptions.h"
+#include "svg/VZSVGControl.h"
+
+#include <iterator>
+#include <string>
+
+namespace Vz {
+
+namespace {
+
+constinit TPackageUnit Units[] = {
+    {"VZSVGControl"},          {"VZSVGGraphics"},      {"Vz.Tavro.Instruments"},  {"Vz.Tavro.Altimeters"},
+    {"Vz.Tavro.Barometers"},   {"Vz.Tavro.Batteries"}, {"Vz.Tavro.Clocks"},       {"Vz.Tavro.FuelGauges"},
+    {"Vz.Tavro.Compass"},      {"Vz.Tavro.Lights"},    {"Vz.Tavro.Speedometers"}, {"Vz.Tavro.Switches"},
+    {"Vz.Tavro.Thermometers"},
+};
+
+TPackageUnit& FindUnit(std::string_view name) {
+    for (TPackageUnit& unit : Units)
+        if (unit.Name == name) return unit;
+    throw EArgumentOutOfRange("there is no unit " + std::string(name));
+}
+
+bool Start(TPackageUnit& unit) { return unit.Nesting++ == 0; }
+bool Stop(TPackageUnit& unit) { return unit.Nesting > 0 && --unit.Nesting == 0; }
+
+void Tell(const TUnitNotice& notice, std::string_view name) {
+    if (notice) notice(name);
+}
+
+} // namespace
+
+void RegisterComponentClasses() {
+    // A new component class is one line here.
+    RegisterClass<TVZForm>();
+    RegisterClass<TVZSVGControl>();
+}
+
+std::span<const TPackageUnit> GetPackageUnits() { return Units; }
+
+bool StartUnit(std::string_view name) { return Start(FindUnit(name)); }
+bool StopUnit(std::string_view name) { return Stop(FindUnit(name)); }
+
+void StartPackage(const TUnitNotice& started) {
+    for (TPackageUnit& unit : Units)
+        if (Start(unit)) Tell(started, unit.Name);
+}
+
+void StopPackage(const TUnitNotice& stopped) {
+    for (auto unit = std::rbegin(Units); unit != std::rend(Units); ++unit)
+        if (Stop(*unit)) Tell(stopped, unit->Name);
+}
+
+} // namespace Vz

@@ -1,0 +1,204 @@
+#include "svg/Document.h"
+
+#include "runtime/AtomicFile.h"
+#include "runtime/Events.h"
+#include "svg/Reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+
+namespace Vz {
+
+namespace {
+
+/// Calls f for the element and all below it, in document order.
+template <class F> void ForTree(TSVGElement& element, F f) {
+    f(element);
+    for (const auto& child : element.Children())
+        ForTree(*child, f);
+}
+
+} // namespace
+
+TSVGDocument::TSVGDocument()
+    : TSVGViewElement(*this, TSVGTag::Svg) {}
+
+TSVGDocument::~TSVGDocument() { OnChange = nullptr; }
+
+std::unique_ptr<TSVGElement> TSVGDocument::NewAlike(TSVGDocument&) const {
+    return std::make_unique<TSVGDocument>();
+}
+
+// Content
+
+void TSVGDocument::LoadEmbedded(std::string_view text, int depth) {
+    FEmbeddingDepth = depth;
+    LoadFromText(text, "embedded SVG");
+}
+
+void TSVGDocument::LoadFromText(std::string_view text, std::string_view source) {
+    TSVGDocument fresh;
+    fresh.FEmbeddingDepth = FEmbeddingDepth;
+    ReadSvg(text, source, fresh);
+    TakeContent(fresh);
+}
+
+void TSVGDocument::LoadFromStream(std::istream& stream, std::string_view source) {
+    std::string text;
+    char buffer[1 << 16];
+    while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
+        text.append(buffer, static_cast<std::size_t>(stream.gcount()));
+        if (text.size() > MaxTextSize) break;
+    }
+    if (stream.bad()) throw EReadError("cannot be read", {std::string(source)});
+    LoadFromText(text, source);
+}
+
+void TSVGDocument::LoadFromFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw EReadError("cannot be opened", {path});
+    LoadFromStream(file, path);
+}
+
+void TSVGDocument::TakeContent(TSVGDocument& other) {
+    const bool enabled = GetEnabled();
+    BeginUpdate();
+    RemoveChildren();
+    SetId("");
+    FIds.clear();
+    CopyFrom(other);
+    FEnabled = enabled;
+    FDuplicateIds = other.FDuplicateIds;
+    FDiagnostics = std::move(other.FDiagnostics);
+    FChildren = std::move(other.FChildren);
+    FId = other.FId;
+    for (const auto& child : FChildren) {
+        child->FParent = this;
+        ForTree(*child, [this](TSVGElement& element) { element.FDocument = this; });
+    }
+    other.FIds.clear();
+    other.FChildren.clear();
+    ForTree(*this, [this](TSVGElement& element) {
+        if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
+    });
+    Changed(TSVGChangeKind::Structure);
+    EndUpdate();
+}
+
+void TSVGDocument::AssignContent(const TSVGDocument& source) {
+    TSVGDocument copy;
+    copy.CopyFrom(source);
+    copy.FId = source.FId;
+    copy.FDuplicateIds = source.FDuplicateIds;
+    copy.FChildren.reserve(source.FChildren.size());
+    for (const auto& child : source.FChildren) {
+        copy.FChildren.push_back(child->CloneInto(copy, true));
+        copy.FChildren.back()->FParent = &copy;
+    }
+    TakeContent(copy);
+}
+
+void TSVGDocument::SaveToFile(const std::string& path) const { WriteFileAtomically(path, WriteText()); }
+
+void TSVGDocument::AddDiagnostic(std::string text) {
+    constexpr std::size_t most = 200;
+    if (FDiagnostics.size() < most) FDiagnostics.push_back({FLine, FColumn, std::move(text)});
+}
+
+// Ids
+
+TSVGElement* TSVGDocument::FindElement(std::string_view id) const {
+    const auto at = FIds.find(id);
+    return at == FIds.end() ? nullptr : at->second;
+}
+
+void TSVGDocument::RaiseInvalidCast(std::string_view id, const TSVGElement& element) {
+    throw EInvalidCast("the element \"" + std::string(id) + "\" is a <" + std::string(element.GetTagName()) +
+                       ">, not of the class asked for");
+}
+
+void TSVGDocument::Register(TSVGElement& root) {
+    const bool inTree = &root == this || root.HasAncestor(this);
+    if (!inTree) return;
+    ForTree(root, [this](TSVGElement& element) {
+        if (!element.FId.empty() && !FIds.try_emplace(element.FId, &element).second) FDuplicateIds = true;
+    });
+    // The first in the document is the one that is found.
+    if (FDuplicateIds) {
+        FIds.clear();
+        ForTree(*this, [this](TSVGElement& element) {
+            if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
+        });
+    }
+}
+
+void TSVGDocument::Unregister(TSVGElement& root) {
+    bool lost = false;
+    ForTree(root, [&](TSVGElement& element) {
+        const auto at = element.FId.empty() ? FIds.end() : FIds.find(element.FId);
+        if (at != FIds.end() && at->second == &element) {
+            FIds.erase(at);
+            lost = true;
+        }
+    });
+    if (!lost || !FDuplicateIds) return;
+    // Another element may have waited behind the same id.
+    const auto leaving = [&](const TSVGElement& element) {
+        return &element == &root || element.HasAncestor(&root);
+    };
+    ForTree(*this, [&](TSVGElement& element) {
+        if (!element.FId.empty() && !leaving(element)) FIds.try_emplace(element.FId, &element);
+    });
+}
+
+void TSVGDocument::Notify(const TSVGChange& change) {
+    if (change.Kind != TSVGChangeKind::Place) ++FEpoch;
+    if (FUpdateCount > 0) {
+        FPending = true;
+        FPendingChange = change;
+    } else {
+        Raise(OnChange, change);
+    }
+}
+
+// Size and place
+
+namespace {
+
+/// A size of the outermost svg in pixels; nothing where it is given in per cent or not at all.
+std::optional<double> AbsoluteSize(const std::optional<TSVGLength>& length) {
+    if (!length || length->GetUnit() == TSVGUnit::Percent) return {};
+    const double size = length->Resolve(TAxis::Other, {});
+    return std::isfinite(size) && size > 0 ? std::optional(std::min(size, 1e6)) : std::nullopt;
+}
+
+constexpr double DefaultExtent = 100;
+
+} // namespace
+
+float TSVGDocument::GetWidth() const {
+    if (const auto width = AbsoluteSize(GetWidthLength())) return static_cast<float>(*width);
+    const auto& box = GetViewBox();
+    if (!box) return static_cast<float>(DefaultExtent);
+    const auto height = AbsoluteSize(GetHeightLength());
+    return static_cast<float>(height ? *height * box->Width / box->Height : box->Width);
+}
+
+float TSVGDocument::GetHeight() const {
+    if (const auto height = AbsoluteSize(GetHeightLength())) return static_cast<float>(*height);
+    const auto& box = GetViewBox();
+    if (!box) return static_cast<float>(DefaultExtent);
+    const auto width = AbsoluteSize(GetWidthLength());
+    return static_cast<float>(width ? *width * box->Height / box->Width : box->Height);
+}
+
+void TSVGDocument::FitToRect(const TRectF& rect) {
+    TSVGPreserveAspectRatio whole;
+    whole.SetAlign(FPlacement.GetAlign());
+    FDrawMatrix = ViewBoxMap({0, 0, GetWidth(), GetHeight()}, whole, rect.Width(), rect.Height())
+                      .Then(TAffine::Translation(rect.Left, rect.Top));
+}
+
+} // namespace Vz

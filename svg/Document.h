@@ -1,0 +1,147 @@
+#pragma once
+
+#include "graphics/Canvas.h"
+#include "runtime/Exceptions.h"
+#include "svg/Structure.h"
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Vz {
+
+enum class TPaintPass;
+
+/// A note of something in a document that was skipped.
+struct TSVGDiagnostic {
+    int Line = 0; ///< 1 first; 0: no place
+    int Column = 0;
+    std::string Text;
+};
+
+/// A live SVG document: the outermost svg element, which owns all elements, finds them by their ids, is read
+/// and written, fitted, drawn and asked what lies at a point. All edits of the picture are edits of its
+/// elements.
+class TSVGDocument final : public TSVGViewElement {
+public:
+    /// The deepest nesting of elements that is read; below it elements are skipped with a diagnostic.
+    static constexpr int MaxDepth = 512;
+    /// The largest text that is read, in bytes.
+    static constexpr std::size_t MaxTextSize = std::size_t{64} << 20;
+
+    /// An empty document.
+    TSVGDocument();
+    ~TSVGDocument() override;
+
+    // Content.
+
+    /// Replaces the content by that of an SVG text. `source` names it in errors. A text that is not
+    /// well-formed XML or has no svg root raises EReadError with line and column, and the content stays.
+    /// Saved colours, opacity and the alignments of the document itself stay, too.
+    void LoadFromText(std::string_view text, std::string_view source = "SVG");
+    void LoadFromStream(std::istream& stream, std::string_view source = "SVG");
+    void LoadFromFile(const std::string& path);
+    /// The deepest nesting of documents in documents, by data URI, that is read.
+    static constexpr int MaxEmbedding = 4;
+    int GetEmbeddingDepth() const { return FEmbeddingDepth; }
+    /// LoadFromText for a document that lies in another one, `depth` levels down.
+    void LoadEmbedded(std::string_view text, int depth);
+    /// Replaces the content by a copy of another document's.
+    void AssignContent(const TSVGDocument& source);
+    /// The live document as SVG: ids kept, style properties as attributes, the same picture in other viewers.
+    std::string WriteText() const;
+    void SaveToFile(const std::string& path) const;
+    /// What the last load skipped, at most 200 notes.
+    const std::vector<TSVGDiagnostic>& GetDiagnostics() const { return FDiagnostics; }
+
+    // Elements by id.
+
+    /// Null where there is none.
+    TSVGElement* FindElement(std::string_view id) const;
+    /// The element of that id as a T; null where there is none. Raises EInvalidCast where it is of another
+    /// class.
+    template <class T> T* Find(std::string_view id) const {
+        TSVGElement* const element = FindElement(id);
+        T* const typed = dynamic_cast<T*>(element);
+        if (element && !typed) RaiseInvalidCast(id, *element);
+        return typed;
+    }
+
+    // Size and place.
+
+    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100.
+    float GetWidth() const;
+    float GetHeight() const;
+    /// How FitToRect places the picture. Default xMidYMid.
+    TSVGPreserveAspectRatio& GetPreserveAspectRatio() { return FPlacement; }
+    /// How the view box is placed in the natural size where the file does not say. Default xMidYMid.
+    TSVGPreserveAspectRatio& GetViewPreserveAspectRatio() { return FViewPlacement; }
+    const TSVGPreserveAspectRatio& GetViewAspectRatio() const { return FViewPlacement; }
+    /// Places the picture into the rectangle; what GetDrawMatrix gives then maps natural pixels to it.
+    void FitToRect(const TRectF& rect);
+    const TAffine& GetDrawMatrix() const { return FDrawMatrix; }
+
+    // Drawing. `matrix` maps the natural picture to the canvas (GetDrawMatrix, or any).
+
+    void Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const;
+    void DrawElement(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    /// All that is painted before the element, or after it: with the element between them they make the
+    /// whole.
+    void DrawBefore(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    void DrawAfter(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    /// False where the three parts would not make the whole: an ancestor of the element is laid down as one
+    /// (opacity, mask, clip, filter, blending), or the element is drawn only through references.
+    bool CanDrawInParts(const TSVGGraphicElement& element) const;
+    /// Device pixels that DrawElement may touch.
+    TRectD GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const;
+    /// The topmost painted element at a point of the natural picture; null where there is none. What is drawn
+    /// through a use gives the use.
+    TSVGGraphicElement* ElementAt(TPointF point) const;
+
+    /// Asked before the document is drawn as a whole: `handled` comes as false; a handler that sets it drew
+    /// the picture itself, and the document draws nothing.
+    std::function<void(TObject& sender, const TMatrix& matrix, TVZGPCanvas& canvas, const TRectF& rect,
+                       bool& handled)>
+        OnDrawing;
+    /// Told after the document was drawn as a whole.
+    std::function<void(TObject& sender, const TMatrix& matrix, TVZGPCanvas& canvas, const TRectF& rect)>
+        OnDrawn;
+    /// Told once after each edit, or at the outermost EndUpdate, with the last change.
+    std::function<void(const TSVGChange& change)> OnChange;
+
+    /// Grows with every change that is not only one of place.
+    std::uint64_t GetEpoch() const { return FEpoch; }
+
+private:
+    friend class TSVGElement;
+    friend class TSVGReader;
+    [[noreturn]] static void RaiseInvalidCast(std::string_view id, const TSVGElement& element);
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void Register(TSVGElement& element);
+    void Unregister(TSVGElement& element);
+    void Notify(const TSVGChange& change);
+    void DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
+                  const TSVGGraphicElement& element) const;
+    void AddDiagnostic(std::string text);
+    /// Takes over the content of another document, which is empty afterwards.
+    void TakeContent(TSVGDocument& other);
+
+    std::unordered_map<std::string_view, TSVGElement*> FIds;
+    bool FDuplicateIds = false;
+    int FUpdateCount = 0;
+    bool FPending = false;
+    TSVGChange FPendingChange{};
+    std::uint64_t FEpoch = 1;
+    TSVGPreserveAspectRatio FPlacement;
+    TSVGPreserveAspectRatio FViewPlacement;
+    TAffine FDrawMatrix;
+    std::vector<TSVGDiagnostic> FDiagnostics;
+    int FEmbeddingDepth = 0;
+    int FLine = 0;
+    int FColumn = 0;
+};
+
+} // namespace Vz

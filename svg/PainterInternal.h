@@ -1,0 +1,147 @@
+#pragma once
+
+#include "svg/CompiledInternal.h"
+#include "svg/Document.h"
+#include "svg/Servers.h"
+#include "svg/Shapes.h"
+#include "svg/TextLayout.h"
+
+#include <deque>
+#include <span>
+
+namespace Vz {
+
+/// Which part of a document is painted.
+enum class TPaintPass { Whole, Before, Element, After };
+
+struct TPaintContext;
+
+/// What context-fill and context-stroke refer to: the shape that a marker stands on, or a use.
+struct TContextShape {
+    const TSVGGraphicElement* Element;
+    const TPaintContext* Inner; ///< what is in force inside of it
+};
+
+/// What is in force at a place of the tree.
+struct TPaintContext {
+    const TComputedStyle* Style = nullptr; ///< of the parent
+    TAffine Matrix;                        ///< the parent's units -> device
+    double ViewWidth = 0;                  ///< of the nearest viewport, in its units
+    double ViewHeight = 0;
+    bool Enabled = true;
+    bool Referenced = false;                 ///< reached through a reference: nothing is kept
+    const TSVGGraphicElement* Use = nullptr; ///< the outermost use on the way here
+    const TContextShape* Context = nullptr;
+    int Depth = 0;
+};
+
+/// Walks a document in painting order and hands what it paints to a device.
+class TSVGPainter {
+public:
+    /// Elements visited in one painting, references followed; beyond it nothing more is painted.
+    static constexpr int MaxVisits = 400000;
+    /// Elements within elements, references followed.
+    static constexpr int MaxDepth = 1200;
+
+    TSVGPainter(const TSVGDocument& document, IPaintDevice& device)
+        : FDocument(document)
+        , FDevice(device) {}
+
+    /// `matrix` maps the document's natural pixels to the device's.
+    void Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const TAffine& matrix);
+    /// What the step being drawn belongs to: the element, or the outermost use that it is drawn through.
+    const TSVGGraphicElement* GetCurrent() const { return FCurrent; }
+
+private:
+    /// What lays an element's drawing down as one.
+    struct TEffects {
+        double Opacity = 1;
+        const TSVGReferenced* Clip = nullptr;
+        const TSVGReferenced* Mask = nullptr;
+        const TComputedStyle* Style = nullptr;
+        bool IsEmpty = false; ///< nothing is painted
+        bool NeedsLayer() const;
+    };
+
+    // Painter.cpp: the walk.
+    TPaintContext RootContext(const TAffine& matrix, TComputedStyle& style) const;
+    void PaintChildren(const TSVGElement& parent, const TPaintContext& context);
+    void PaintPath(const TSVGElement& parent, const TPaintContext& context, std::size_t level);
+    void PaintElement(const TSVGGraphicElement& element, const TPaintContext& context);
+    void PaintContent(const TSVGGraphicElement& element, const TPaintContext& inner);
+    void PaintList(const TSVGGraphicElement& element, const TPaintContext& context,
+                   const TComputedStyle& style, const TAffine& matrix);
+    void PaintSteps(const TDrawList& list, const TAffine& matrix, bool keep);
+    /// Fill, stroke and markers in their order.
+    void PaintShape(const TSVGShape& shape, const TDrawList& list, const TPaintContext& inner);
+    bool PaintCompiled(const TSVGGraphicElement& element, const TPaintContext& context);
+    void PaintUse(const TSVGUse& use, const TPaintContext& inner);
+    void PaintView(const TSVGViewElement& view, const TPaintContext& inner,
+                   const std::optional<TSVGLength>& width, const std::optional<TSVGLength>& height,
+                   TPointD place);
+    void PaintImage(const TSVGImage& image, const TPaintContext& inner);
+    /// The context inside an element: its own transform and style on top.
+    TPaintContext Inside(const TSVGGraphicElement& element, const TPaintContext& context,
+                         const TComputedStyle& style) const;
+    bool Enter();
+
+    // PainterSteps.cpp: from elements to draw steps.
+    TDrawList MakeShapeList(const TSVGShape& shape, const TPaintContext& inner, double opacity);
+    TDrawList MakeTextList(const TSVGCustomText& text, const TPaintContext& inner);
+    void AddSteps(TDrawList& list, const TFigures* shared, TFigures own, const TComputedStyle& style,
+                  const TPaintContext& inner, double opacity);
+    std::optional<TPaint> ResolvePaint(const TComputedPaint& paint, double opacity, const TRectD& box,
+                                       const TComputedStyle& style, const TPaintContext& inner, bool& stable);
+    std::optional<TPaint> ContextPaint(bool stroke, double opacity, const TPaintContext& inner, bool& stable);
+    std::optional<TPaint> MakePattern(const TSVGReferenced& pattern, double opacity, const TRectD& box,
+                                      const TComputedStyle& style, const TPaintContext& inner);
+
+    // PainterEffects.cpp: clips, masks, layers.
+    TEffects FindEffects(const TSVGGraphicElement& element, const TComputedStyle& style) const;
+    /// Paints inside of the clip, mask and layer that the element asks for.
+    void WithEffects(const TEffects& effects, const TSVGGraphicElement& element, const TPaintContext& inner,
+                     const std::function<void(const TPaintContext&)>& paint);
+    TPaintContext ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
+                              const TPaintContext& inner, TComputedStyle& style) const;
+    bool CollectClip(const TSVGElement& parent, const TPaintContext& context, std::vector<TClipShape>& shapes,
+                     std::deque<TFigures>& figures, int depth);
+    /// PainterFilter.cpp: paints through the filter that the element's style names.
+    void PaintFiltered(const TSVGGraphicElement& element, const TPaintContext& inner,
+                       const std::function<void(const TPaintContext&)>& paint);
+    /// Paints what the clip path covers, opaque, as content of a mask.
+    void PaintClip(const TSVGReferenced& clip, const TPaintContext& context);
+    void PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element, const TPaintContext& inner);
+    const TSVGReferenced* FindReferenced(const std::shared_ptr<const std::string>& id, TSVGTag tag) const;
+    TRectD ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner) const;
+
+    // PainterMarkers.cpp
+    void PaintMarkers(const TSVGShape& shape, const TPaintContext& inner);
+    void PaintMarker(const TSVGReferenced& marker, const TSVGShape& shape, const TPaintContext& inner,
+                     TPointD at, double angleRad);
+
+    const TSVGDocument& FDocument;
+    IPaintDevice& FDevice;
+    TPaintPass FPass = TPaintPass::Whole;
+    std::vector<const TSVGElement*> FPath;   ///< from the root's child to the pivot
+    std::vector<const TSVGElement*> FActive; ///< references being followed
+    const TSVGGraphicElement* FCurrent = nullptr;
+    int FVisits = 0;
+};
+
+/// The box around what an element fills (strokes left out), in the units in which `matrix` puts the element's
+/// parent. `style` is the parent's.
+TRectD FillBounds(const TSVGGraphicElement& element, const TComputedStyle& style, const TAffine& matrix,
+                  double viewWidth, double viewHeight, bool ownTransform);
+
+/// The transform of an element to its parent's units, its origin taken into account.
+TAffine TransformOf(const TSVGGraphicElement& element, const TComputedStyle& style, double viewWidth,
+                    double viewHeight);
+
+/// A transform about the style's transform-origin, in a view of this size.
+TAffine AboutOrigin(const TAffine& transform, const TComputedStyle& style, double viewWidth,
+                    double viewHeight);
+
+/// True where opacity, mask, clip, filter or blending lays the element's drawing down as one.
+bool IsLayer(const TSVGGraphicElement& element, const TComputedStyle& style);
+
+} // namespace Vz

@@ -1,0 +1,393 @@
+#include "svg/Reader.h"
+
+#include "runtime/Exceptions.h"
+#include "svg/Document.h"
+#include "svg/ElementFactory.h"
+#include "svg/Scan.h"
+#include "svg/StyleSheet.h"
+#include "svg/TextElements.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <deque>
+#include <optional>
+
+namespace Vz {
+
+namespace {
+
+constexpr std::string_view SvgNamespace = "http://www.w3.org/2000/svg";
+constexpr std::string_view XLinkNamespace = "http://www.w3.org/1999/xlink";
+
+struct TAttribute {
+    std::string Name;
+    std::string Value;
+};
+
+/// What of an element's source the style sheet must see once it is complete.
+struct TPending final : IStyledElement {
+    TSVGElement* Element = nullptr;
+    std::string Type;
+    std::vector<TAttribute> Attributes;
+    const TPending* Above = nullptr;
+    const TPending* Before = nullptr;
+    const TPending* LastChild = nullptr;
+
+    std::string_view TypeName() const override { return Type; }
+    std::string_view Id() const override { return Attribute("id").value_or(std::string_view()); }
+    std::string_view Classes() const override { return Attribute("class").value_or(std::string_view()); }
+    std::optional<std::string_view> Attribute(std::string_view name) const override {
+        for (const TAttribute& a : Attributes)
+            if (a.Name == name) return a.Value;
+        return {};
+    }
+    const IStyledElement* Parent() const override { return Above; }
+    const IStyledElement* Previous() const override { return Before; }
+};
+
+bool IsCss(const char** attributes) {
+    for (; *attributes; attributes += 2)
+        if (std::string_view(attributes[0]) == "type" && *attributes[1])
+            return EqualsNoCase(Trimmed(attributes[1]), "text/css");
+    return true;
+}
+
+/// Parts of filters have attributes of their own that are called like style properties of other meaning.
+std::optional<TSVGStyleProperty> FilterPartProperty(std::string_view name) {
+    constexpr std::string_view styles[] = {"flood-color", "flood-opacity", "lighting-color",
+                                           "color-interpolation-filters"};
+    return std::ranges::find(styles, name) != std::end(styles) ? FindStyleProperty(name) : std::nullopt;
+}
+
+void CollectCharacters(const TSVGElement& element, std::string& text) {
+    if (const auto* const characters = dynamic_cast<const TSVGCharacters*>(&element))
+        text += characters->GetText();
+    for (const auto& child : element.Children())
+        CollectCharacters(*child, text);
+}
+
+} // namespace
+
+/// Builds a document from expat's events.
+class TSVGReader {
+public:
+    TSVGReader(std::string_view source, TSVGDocument& document, bool hasSheets)
+        : FSource(source)
+        , FDocument(document)
+        , FHasSheets(hasSheets) {}
+
+    void Run(std::string_view text);
+
+private:
+    /// An element that is open: what its content goes to.
+    struct TOpen {
+        TSVGElement* Element = nullptr; ///< null: skipped with all below it
+        TPending* Pending = nullptr;
+        std::size_t Namespaces = 0; ///< how many bindings there were before it
+        bool IsSheet = false;
+    };
+    struct TBinding {
+        std::string Prefix;
+        std::string Uri;
+    };
+
+    static TSVGReader& Self(void* data) { return *static_cast<TSVGReader*>(data); }
+    void Start(const char* name, const char** attributes);
+    void End();
+    void Text(std::string_view text);
+    [[noreturn]] void Fail(const std::string& reason) const;
+
+    void BindNamespaces(const char** attributes);
+    std::string_view UriOf(std::string_view prefix) const;
+    /// The name in SVG's own namespace (or in none); nothing for a foreign element.
+    std::optional<std::string_view> SvgName(std::string_view name) const;
+    TOpen OpenChild(std::string_view name, const char** attributes);
+    void StartElement(TOpen& open, std::string_view name, const char** attributes);
+    std::string_view LocalAttribute(std::string_view name) const;
+    void ApplyAttribute(TSVGElement& element, std::string_view name, std::string_view value);
+    void ApplyDeclarations(TSVGElement& element, const std::vector<TDeclaration>& declarations,
+                           bool important);
+    void ApplyStyleAttribute(TSVGElement& element, std::string_view text);
+    void ApplySheets();
+    void ResolveTextReferences();
+    void Note(std::string text) { FDocument.AddDiagnostic(std::move(text)); }
+
+    std::string_view FSource;
+    TSVGDocument& FDocument;
+    bool FHasSheets;
+    XML_Parser FParser = nullptr;
+    std::vector<TOpen> FOpen;
+    std::vector<TBinding> FBindings;
+    std::string FSheetText;
+    TStyleSheet FSheet;
+    std::deque<TPending> FPending;
+    std::vector<std::pair<TSVGCustomText*, std::string>> FTextReferences;
+    bool FHasRoot = false;
+    std::string FFault;
+};
+
+void TSVGReader::Fail(const std::string& reason) const {
+    throw EReadError(reason, {std::string(FSource), static_cast<int>(XML_GetCurrentLineNumber(FParser)),
+                              static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1});
+}
+
+void TSVGReader::Run(std::string_view text) {
+    FParser = XML_ParserCreate(nullptr);
+    if (!FParser) throw EReadError("not enough memory", {std::string(FSource)});
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> guard(FParser, XML_ParserFree);
+    XML_SetUserData(FParser, this);
+    XML_SetElementHandler(
+        FParser,
+        [](void* data, const XML_Char* name, const XML_Char** attributes) {
+            Self(data).Start(name, attributes);
+        },
+        [](void* data, const XML_Char*) { Self(data).End(); });
+    XML_SetCharacterDataHandler(FParser, [](void* data, const XML_Char* content, int length) {
+        Self(data).Text({content, static_cast<std::size_t>(length)});
+    });
+
+    // Expat takes lengths as int.
+    constexpr std::size_t piece = std::size_t{1} << 20;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t size = std::min(piece, text.size() - at);
+        const bool last = at + size == text.size();
+        if (XML_Parse(FParser, text.data() + at, static_cast<int>(size), last) != XML_STATUS_OK) {
+            if (!FFault.empty()) Fail(FFault);
+            Fail(std::string("not well-formed XML: ") + XML_ErrorString(XML_GetErrorCode(FParser)));
+        }
+        if (last) break;
+        at += size;
+    }
+    if (FHasSheets) ApplySheets();
+    ResolveTextReferences();
+}
+
+void TSVGReader::BindNamespaces(const char** attributes) {
+    for (; *attributes; attributes += 2) {
+        const std::string_view name = attributes[0];
+        if (name == "xmlns")
+            FBindings.push_back({"", attributes[1]});
+        else if (name.starts_with("xmlns:"))
+            FBindings.push_back({std::string(name.substr(6)), attributes[1]});
+    }
+}
+
+std::string_view TSVGReader::UriOf(std::string_view prefix) const {
+    for (auto at = FBindings.rbegin(); at != FBindings.rend(); ++at)
+        if (at->Prefix == prefix) return at->Uri;
+    // A prefix that nobody declared is taken by its usual name.
+    return prefix.empty() || prefix == "svg" ? SvgNamespace
+           : prefix == "xlink"               ? XLinkNamespace
+                                             : std::string_view();
+}
+
+std::optional<std::string_view> TSVGReader::SvgName(std::string_view name) const {
+    const std::size_t colon = name.find(':');
+    const std::string_view prefix = colon == name.npos ? std::string_view() : name.substr(0, colon);
+    const std::string_view uri = UriOf(prefix);
+    if (uri != SvgNamespace && !(uri.empty() && prefix.empty())) return {};
+    return colon == name.npos ? name : name.substr(colon + 1);
+}
+
+void TSVGReader::Start(const char* name, const char** attributes) {
+    FDocument.FLine = static_cast<int>(XML_GetCurrentLineNumber(FParser));
+    FDocument.FColumn = static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1;
+    const std::size_t namespaces = FBindings.size();
+    BindNamespaces(attributes);
+    const auto svgName = SvgName(name);
+    TOpen open;
+    if (!FHasRoot) {
+        FHasRoot = true;
+        if (svgName != "svg") {
+            FFault = "the root is <" + std::string(name) + ">, not <svg>";
+            XML_StopParser(FParser, XML_FALSE);
+            return;
+        }
+        open.Element = &FDocument;
+        StartElement(open, *svgName, attributes);
+    } else if (svgName && !FOpen.empty() && FOpen.back().Element && !FOpen.back().IsSheet) {
+        open = OpenChild(*svgName, attributes);
+    }
+    open.Namespaces = namespaces;
+    FOpen.push_back(open);
+}
+
+TSVGReader::TOpen TSVGReader::OpenChild(std::string_view name, const char** attributes) {
+    TOpen open;
+    if (name == "style") {
+        open.IsSheet = true;
+        open.Element = IsCss(attributes) ? FOpen.back().Element : nullptr;
+        FSheetText.clear();
+    } else if (FOpen.size() >= TSVGDocument::MaxDepth) {
+        Note("elements nested deeper than " + std::to_string(TSVGDocument::MaxDepth) + " are skipped");
+    } else if (auto element = MakeElement(name, *FOpen.back().Element)) {
+        open.Element = &FOpen.back().Element->AddChild(std::move(element));
+        StartElement(open, name, attributes);
+    } else {
+        Note("<" + std::string(name) + "> is skipped");
+    }
+    return open;
+}
+
+void TSVGReader::StartElement(TOpen& open, std::string_view name, const char** attributes) {
+    TSVGElement& element = *open.Element;
+    std::string_view style;
+    bool hasHref = false;
+    for (const char** a = attributes; *a; a += 2)
+        hasHref = hasHref || std::string_view(*a) == "href";
+    if (FHasSheets) {
+        TPending& pending = FPending.emplace_back();
+        pending.Element = &element;
+        pending.Type = name;
+        open.Pending = &pending;
+        if (TPending* const above = FOpen.empty() ? nullptr : FOpen.back().Pending) {
+            pending.Above = above;
+            pending.Before = above->LastChild;
+            above->LastChild = &pending;
+        }
+    }
+    for (const char** a = attributes; *a; a += 2) {
+        const std::string_view attribute = LocalAttribute(a[0]);
+        // A plain href goes before one of XLink (SVG 2, 16.1.6).
+        const bool isPrefixed = attribute == "href" && attribute.size() != std::string_view(a[0]).size();
+        if (attribute.empty() || (isPrefixed && hasHref)) continue;
+        if (open.Pending) open.Pending->Attributes.push_back({std::string(attribute), a[1]});
+        if (attribute == "style")
+            style = a[1];
+        else
+            ApplyAttribute(element, attribute, a[1]);
+    }
+    if (!style.empty() && !FHasSheets) ApplyStyleAttribute(element, style);
+}
+
+/// The attribute's name without the prefix of XLink; empty for one of a foreign namespace.
+std::string_view TSVGReader::LocalAttribute(std::string_view name) const {
+    const std::size_t colon = name.find(':');
+    if (colon == name.npos) return name == "xmlns" ? std::string_view() : name;
+    if (name == "xml:space") return name;
+    const std::string_view uri = UriOf(name.substr(0, colon));
+    return uri == XLinkNamespace && name.substr(colon + 1) == "href" ? "href" : std::string_view();
+}
+
+void TSVGReader::ApplyAttribute(TSVGElement& element, std::string_view name, std::string_view value) {
+    if (name == "id") {
+        element.SetId(value);
+        return;
+    }
+    if (name == "class") return;
+    if (name == "href" && element.GetTag() == TSVGTag::TRef) {
+        const std::string_view uri = Trimmed(value);
+        if (uri.starts_with('#'))
+            FTextReferences.emplace_back(static_cast<TSVGCustomText*>(&element), uri.substr(1));
+        return;
+    }
+    if (name == "xml:space") {
+        TStyleValue space;
+        space.Kind = TStyleValue::TKind::Keyword;
+        space.Word = value == "preserve" ? TKeyword::Pre : TKeyword::Normal;
+        element.PutStyle(TSVGStyleProperty::WhiteSpace, space);
+        return;
+    }
+    const auto property =
+        element.GetTag() == TSVGTag::FilterPart ? FilterPartProperty(name) : FindStyleProperty(name);
+    if (property && IsPresentationAttribute(*property)) {
+        if (auto parsed = ParseStyleValue(*property, value))
+            element.PutStyle(*property, std::move(*parsed));
+        else
+            Note(std::string(element.GetTagName()) + ": " + std::string(name) + ": cannot read \"" +
+                 std::string(value.substr(0, 40)) + "\"");
+        return;
+    }
+    element.ReadAttribute(name, value);
+}
+
+void TSVGReader::ApplyDeclarations(TSVGElement& element, const std::vector<TDeclaration>& declarations,
+                                   bool important) {
+    for (const TDeclaration& d : declarations)
+        if (d.Important == important) element.PutStyle(d.Property, d.Value);
+}
+
+void TSVGReader::ApplyStyleAttribute(TSVGElement& element, std::string_view text) {
+    std::vector<std::string> refused;
+    std::string transform;
+    const auto declarations = ParseDeclarations(text, &refused, &transform);
+    ApplyDeclarations(element, declarations, false);
+    ApplyDeclarations(element, declarations, true);
+    if (!transform.empty()) element.ReadAttribute("transform", transform);
+    for (const std::string& one : refused)
+        Note("style: cannot use \"" + one.substr(0, 60) + "\"");
+}
+
+/// The cascade (CSS 2.1, 6.4): attributes stand in the elements already; then the rules, weakest first, then
+/// the style attribute, then what is important among the rules, then in the attribute.
+void TSVGReader::ApplySheets() {
+    std::vector<TStyleSheet::TMatch> matches;
+    for (const TPending& pending : FPending) {
+        TSVGElement& element = *pending.Element;
+        FSheet.Match(pending, matches);
+        const std::string_view style = pending.Attribute("style").value_or(std::string_view());
+        const auto own = ParseDeclarations(style);
+        for (const auto& match : matches) {
+            ApplyDeclarations(element, *match.Declarations, false);
+            if (!match.Transform->empty()) element.ReadAttribute("transform", *match.Transform);
+        }
+        if (!style.empty()) ApplyStyleAttribute(element, style);
+        for (const auto& match : matches)
+            ApplyDeclarations(element, *match.Declarations, true);
+        ApplyDeclarations(element, own, true);
+    }
+}
+
+/// A tref stands for the characters of another element (SVG 1.1, 10.6).
+void TSVGReader::ResolveTextReferences() {
+    for (const auto& [element, id] : FTextReferences) {
+        std::string text;
+        if (const TSVGElement* const target = FDocument.FindElement(id);
+            target && !element->HasAncestor(target))
+            CollectCharacters(*target, text);
+        element->SetText(text);
+    }
+}
+
+void TSVGReader::End() {
+    if (FOpen.empty()) return;
+    if (FOpen.back().IsSheet && FOpen.back().Element) {
+        std::vector<std::string> notes;
+        FSheet.Add(FSheetText, &notes);
+        for (std::string& note : notes)
+            Note("style: " + note);
+    }
+    FBindings.resize(FOpen.back().Namespaces);
+    FOpen.pop_back();
+}
+
+void TSVGReader::Text(std::string_view text) {
+    if (FOpen.empty() || !FOpen.back().Element) return;
+    if (FOpen.back().IsSheet) {
+        FSheetText += text;
+        return;
+    }
+    TSVGElement& element = *FOpen.back().Element;
+    if (auto* const plain = dynamic_cast<TSVGPlainElement*>(&element);
+        plain && plain->GetTag() == TSVGTag::Title) {
+        plain->SetText(plain->GetText() + std::string(text));
+    } else if (dynamic_cast<TSVGCustomText*>(&element) && element.GetTag() != TSVGTag::TRef) {
+        const std::size_t count = element.GetChildCount();
+        auto* const last = count ? dynamic_cast<TSVGCharacters*>(&element.GetChild(count - 1)) : nullptr;
+        auto& characters = last ? *last : element.Add<TSVGCharacters>();
+        characters.SetText(characters.GetText() + std::string(text));
+    }
+}
+
+void ReadSvg(std::string_view text, std::string_view source, TSVGDocument& document) {
+    if (text.size() > TSVGDocument::MaxTextSize)
+        throw EReadError("larger than " + std::to_string(TSVGDocument::MaxTextSize >> 20) + " MiB",
+                         {std::string(source)});
+    const bool hasSheets = text.find("<style") != text.npos || text.find(":style") != text.npos;
+    document.BeginUpdate();
+    TSVGReader(source, document, hasSheets).Run(text);
+    document.EndUpdate();
+}
+
+} // namespace Vz

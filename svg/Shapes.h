@@ -1,0 +1,96 @@
+#pragma once
+
+#include "graphics/PathData.h"
+#include "svg/Element.h"
+
+namespace Vz {
+
+/// An element that draws one outline.
+class TSVGShape : public TSVGGraphicElement {
+public:
+    /// The outline in the element's units; percentages and relative units refer to the basis.
+    virtual TFigures MakeFigures(const TLengthBasis& basis) const = 0;
+    /// The length that the author says the path has (SVG 1.1, 8.4); 0: none.
+    double GetPathLength() const { return FPathLength; }
+
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    using TSVGGraphicElement::TSVGGraphicElement;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    double FPathLength = 0;
+};
+
+/// A path. Its data can be edited in place; each change tells the document.
+class TSVGPath final : public TSVGShape {
+public:
+    explicit TSVGPath(TSVGDocument& document);
+    TSVGTag GetTag() const override { return TSVGTag::Path; }
+
+    TVZPathData& GetData() { return FData; }
+    const TVZPathData& GetData() const { return FData; }
+    /// Copies the figures; null clears.
+    void SetData(const TVZPathData* data);
+
+    TFigures MakeFigures(const TLengthBasis& basis) const override;
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    TVZPathData FData;
+};
+
+/// A shape whose outline comes from a few lengths: rect, circle, ellipse or line.
+class TSVGBasicShape final : public TSVGShape {
+public:
+    /// The lengths by their names in SVG; which ones count depends on the tag.
+    enum class TPart : std::uint8_t { X, Y, Width, Height, RX, RY, CX, CY, R, X1, Y1, X2, Y2, Count };
+
+    TSVGBasicShape(TSVGDocument& document, TSVGTag tag);
+    TSVGTag GetTag() const override { return FTag; }
+
+    /// A length of the shape; an absent radius of a rect or ellipse ("auto") is negative.
+    TSVGLength GetLength(TPart part) const;
+    void SetLength(TPart part, TSVGLength value);
+
+    TFigures MakeFigures(const TLengthBasis& basis) const override;
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    TSVGTag FTag;
+    TSVGLength FLengths[6];
+};
+
+/// A polyline or a polygon.
+class TSVGPoly final : public TSVGShape {
+public:
+    TSVGPoly(TSVGDocument& document, TSVGTag tag);
+    TSVGTag GetTag() const override { return FTag; }
+    const std::vector<TPointD>& GetPoints() const { return FPoints; }
+
+    TFigures MakeFigures(const TLengthBasis& basis) const override;
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    TSVGTag FTag;
+    std::vector<TPointD> FPoints;
+};
+
+} // namespace Vz

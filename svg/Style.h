@@ -1,0 +1,119 @@
+#pragma once
+
+#include "graphics/Figures.h"
+#include "graphics/PaintDevice.h"
+#include "graphics/Text.h"
+#include "svg/Keywords.h"
+#include "svg/StyleProps.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Vz {
+
+/// The style properties that an element sets itself, each with its value, ordered by property. Copies share
+/// their content until one of them is edited.
+class TSVGStyleSet {
+public:
+    struct TEntry {
+        TSVGStyleProperty Property;
+        TStyleValue Value;
+        bool operator==(const TEntry&) const = default;
+    };
+
+    /// The element's own value; null where it sets none.
+    const TStyleValue* Find(TSVGStyleProperty property) const;
+    bool Contains(TSVGStyleProperty property) const { return Find(property) != nullptr; }
+    void Put(TSVGStyleProperty property, TStyleValue value);
+    /// True when there was one.
+    bool Remove(TSVGStyleProperty property);
+    bool IsEmpty() const { return !FEntries || FEntries->empty(); }
+    const std::vector<TEntry>& Entries() const;
+    bool operator==(const TSVGStyleSet& other) const { return Entries() == other.Entries(); }
+
+private:
+    std::vector<TEntry>& Edit();
+
+    std::shared_ptr<std::vector<TEntry>> FEntries;
+};
+
+/// A computed fill or stroke.
+struct TComputedPaint {
+    enum class TKind : std::uint8_t { None, Color, CurrentColor, Server, ContextFill, ContextStroke };
+    TKind Kind = TKind::None;
+    bool HasFallback = false; ///< Server: paint Color where the reference fails; else nothing
+    TVZGPColor Color = 0xFF000000;
+    std::shared_ptr<const std::string> Server; ///< id
+    bool operator==(const TComputedPaint& other) const;
+};
+
+/// The inherited properties of text, shared by all elements that do not change them.
+struct TComputedText {
+    TTextStyle Font;          ///< letter spacing's wish for no ligatures not yet applied
+    double LetterSpacing = 0; ///< user units
+    double WordSpacing = 0;
+    TKeyword Anchor = TKeyword::Start;
+    TKeyword Direction = TKeyword::Ltr;
+    TKeyword WritingMode = TKeyword::LrTb;
+    bool PreserveSpace = false; ///< xml:space or white-space
+    bool operator==(const TComputedText&) const = default;
+};
+
+/// All properties of an element after cascade and inheritance (SVG 1.1, 6).
+struct TComputedStyle {
+    // Inherited.
+    TVZGPColor Color = 0xFF000000;
+    TComputedPaint Fill{TComputedPaint::TKind::Color};
+    TComputedPaint Stroke;
+    double FillOpacity = 1;
+    double StrokeOpacity = 1;
+    double StrokeWidth = 1;
+    double DashOffset = 0;
+    double MiterLimit = 4;
+    std::shared_ptr<const std::vector<double>> Dashes; ///< null: solid
+    TFillRule FillRule = TFillRule::NonZero;
+    TFillRule ClipRule = TFillRule::NonZero;
+    TLineCap Cap = TLineCap::Butt;
+    TLineJoin Join = TLineJoin::Miter;
+    TKeyword Visibility = TKeyword::Visible;
+    TKeyword ImageRendering = TKeyword::Auto;
+    TKeyword ShapeRendering = TKeyword::Auto;
+    TKeyword ColorInterpolation = TKeyword::Srgb;
+    TKeyword ColorInterpolationFilters = TKeyword::LinearRgb;
+    TKeyword PointerEvents = TKeyword::Auto;
+    TKeyword DominantBaseline = TKeyword::Auto;
+    std::shared_ptr<const std::string> PaintOrder;                        ///< null: normal
+    std::shared_ptr<const std::string> MarkerStart, MarkerMid, MarkerEnd; ///< ids; null: none
+    std::shared_ptr<const TComputedText> Text;
+    double RootFontSize = 16;
+    // Not inherited.
+    std::shared_ptr<const std::string> ClipPath, Mask, Filter; ///< ids, Filter: the whole value; null: none
+    TVZGPColor StopColor = 0xFF000000;
+    double StopOpacity = 1;
+    TVZGPColor FloodColor = 0xFF000000;
+    double FloodOpacity = 1;
+    TVZGPColor LightingColor = 0xFFFFFFFF;
+    TKeyword Overflow = TKeyword::Hidden;
+    bool HasOverflow = false; ///< false: the element's own default holds
+    TKeyword AlignmentBaseline = TKeyword::Auto;
+    TKeyword MaskType = TKeyword::Luminance;
+    TKeyword Blend = TKeyword::Normal;
+    TKeyword Isolation = TKeyword::Auto;
+    bool NonScalingStroke = false;
+    std::shared_ptr<const std::string> TextDecoration; ///< null: none
+    TStyleValue BaselineShift{TStyleValue::TKind::Keyword, TKeyword::Baseline};
+    std::shared_ptr<const std::vector<TSVGLength>> TransformOrigin; ///< null: the origin
+
+    /// The initial values (SVG 1.1, property index), the initial font of 16 px serif.
+    static const TComputedStyle& Initial();
+};
+
+/// The style of an element with the given own properties below a parent of this style. `view` gives what
+/// percentages refer to; its font sizes are filled in here.
+TComputedStyle ComputeStyle(const TComputedStyle& parent, const TSVGStyleSet& own, TLengthBasis view);
+
+/// What lengths of an element of this style refer to.
+TLengthBasis BasisOf(const TComputedStyle& style, double viewWidth, double viewHeight);
+
+} // namespace Vz

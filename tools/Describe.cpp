@@ -1,0 +1,100 @@
+#include "Describe.h"
+
+#include "runtime/PropAccess.h"
+#include "runtime/PropText.h"
+
+#include <optional>
+#include <vector>
+
+namespace Vz::Tool {
+
+namespace {
+
+struct TRow {
+    std::string Name;
+    TValueType Type;
+    std::optional<std::string> Default;
+    std::optional<std::string> Value;
+    bool IsStored = false;
+};
+
+void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow>& rows) {
+    for (const TProp& prop : object.GetPropTable()) {
+        TRow& row = rows.emplace_back();
+        row.Name = prefix + std::string(prop.Name);
+        row.Type = prop.Type;
+        row.IsStored = IsPropStored(object, prop);
+        if (prop.Default.index() != 0) row.Default = ValueToText(prop.Default);
+        if (prop.Type.Kind == TValueKind::Event) continue;
+        if (prop.Type.Kind != TValueKind::Object)
+            row.Value = GetPropText({&object, &prop});
+        else if (TPersistent* const owned = prop.GetObject(object))
+            AppendRows(*owned, std::string(row.Name) + '.', rows);
+    }
+}
+
+std::vector<TRow> RowsOf(TComponent& fresh) {
+    std::vector<TRow> rows;
+    AppendRows(fresh, "", rows);
+    return rows;
+}
+
+/// A text in one line of tab-separated fields.
+std::string Field(const std::optional<std::string>& text) {
+    std::string field;
+    for (const char c : text.value_or(""))
+        if (c == '\n' || c == '\t' || c == '\r')
+            field += c == '\n' ? "\\n" : c == '\t' ? "\\t" : "\\r";
+        else
+            field += c;
+    return field;
+}
+
+std::string JsonText(std::string_view text) {
+    constexpr std::string_view hex = "0123456789abcdef";
+    std::string json = "\"";
+    for (const char c : text) {
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\')
+            json += {'\\', c};
+        else if (code < 0x20)
+            json += {'\\', 'u', '0', '0', hex[code >> 4], hex[code & 15]};
+        else
+            json += c;
+    }
+    return json + '"';
+}
+
+std::string JsonOrNull(const std::optional<std::string>& text) { return text ? JsonText(*text) : "null"; }
+
+std::string JsonMembers(const TEnumType& type) {
+    std::string json;
+    for (const std::string_view member : type.Members)
+        json += (json.empty() ? "" : ", ") + JsonText(member);
+    return ", \"members\": [" + json + ']';
+}
+
+} // namespace
+
+std::string DescribeAsLines(TComponent& fresh) {
+    std::string text;
+    for (const TRow& row : RowsOf(fresh))
+        text += row.Name + '\t' + std::string(row.Type.Name) + '\t' + Field(row.Default) + '\t' +
+                (row.IsStored ? "stored" : "-") + '\t' + Field(row.Value) + '\n';
+    return text;
+}
+
+std::string DescribeAsJson(TComponent& fresh) {
+    std::string json;
+    for (const TRow& row : RowsOf(fresh)) {
+        json += json.empty() ? "[\n" : ",\n";
+        json += "  {\"name\": " + JsonText(row.Name) + ", \"type\": " + JsonText(row.Type.Name) +
+                ", \"default\": " + JsonOrNull(row.Default) +
+                ", \"stored\": " + (row.IsStored ? "true" : "false") +
+                ", \"value\": " + JsonOrNull(row.Value) +
+                (row.Type.Members ? JsonMembers(*row.Type.Members) : "") + '}';
+    }
+    return json.empty() ? "[]\n" : json + "\n]\n";
+}
+
+} // namespace Vz::Tool

@@ -1,0 +1,26 @@
+#include "Edits.h"
+
+#include "controls/HeadlessHost.h"
+#include "runtime/PropAccess.h"
+
+namespace Vz::Tool {
+
+void Apply(const TEdit& edit, const TSource& source) {
+    switch (edit.Kind) {
+    case TEditKind::Set:
+        return SetPropText(source.GetComponent(), edit.Name, edit.Value);
+    case TEditKind::Click:
+        return THeadlessHost(source.GetControl()).Click(edit.X, edit.Y, edit.Button, edit.Shift);
+    case TEditKind::BeginUpdate:
+        return source.GetComponent().BeginUpdate();
+    case TEditKind::EndUpdate:
+        return source.GetComponent().EndUpdate();
+    }
+}
+
+void ApplyEdits(const TRequest& request, const TSource& source) {
+    for (const TEdit& edit : request.Edits)
+        Apply(edit, source);
+}
+
+} // namespace Vz::Tool

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Request.h"
+#include "Source.h"
+
+namespace Vz::Tool {
+
+/// Carries one edit out. Raises EConvertError and EPropertyError as SetPropText.
+void Apply(const TEdit& edit, const TSource& source);
+
+/// All edits of a request, in their order.
+void ApplyEdits(const TRequest& request, const TSource& source);
+
+} // namespace Vz::Tool
