@@ -28,7 +28,8 @@ endfunction()
 
 # The warnings that every source of the project is compiled with.
 function(tavro_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-unused-parameter)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-unused-parameter
+        -Wno-missing-field-initializers $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
     if(TAVRO_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

@@ -1,5 +1,6 @@
 #include "graphics/BlendModesInternal.h"
 
+#include "graphics/BlendColors.h"
 #include "graphics/RowOpsInternal.h"
 
 #include <algorithm>
@@ -22,20 +23,17 @@ float Overlay(float b, float s) { return HardLight(s, b); }
 float Darken(float b, float s) { return std::min(b, s); }
 float Lighten(float b, float s) { return std::max(b, s); }
 
-float ColorDodge(float b, float s)
-{
+float ColorDodge(float b, float s) {
     if (b == 0) return 0;
     return s >= 1 ? 1 : std::min(1.0f, b / (1 - s));
 }
 
-float ColorBurn(float b, float s)
-{
+float ColorBurn(float b, float s) {
     if (b >= 1) return 1;
     return s <= 0 ? 0 : 1 - std::min(1.0f, (1 - b) / s);
 }
 
-float SoftLight(float b, float s)
-{
+float SoftLight(float b, float s) {
     if (s <= 0.5f) return b - (1 - 2 * s) * b * (1 - b);
     const float d = b <= 0.25f ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
     return b + (2 * s - 1) * (d - b);
@@ -54,8 +52,7 @@ constexpr TChannelBlend ChannelBlends[] = {Multiply,  Screen,    Overlay,   Dark
 float Lum(const TRgb& c) { return 0.3f * c[0] + 0.59f * c[1] + 0.11f * c[2]; }
 float Sat(const TRgb& c) { return std::max({c[0], c[1], c[2]}) - std::min({c[0], c[1], c[2]}); }
 
-TRgb WithLum(TRgb c, float lum)
-{
+TRgb WithLum(TRgb c, float lum) {
     const float shift = lum - Lum(c);
     for (float& v : c)
         v += shift;
@@ -69,8 +66,7 @@ TRgb WithLum(TRgb c, float lum)
     return c;
 }
 
-TRgb WithSat(TRgb c, float sat)
-{
+TRgb WithSat(TRgb c, float sat) {
     const float least = std::min({c[0], c[1], c[2]});
     const float range = Sat(c);
     for (float& v : c)
@@ -78,30 +74,34 @@ TRgb WithSat(TRgb c, float sat)
     return c;
 }
 
-TRgb Blended(TBlendMode mode, const TRgb& b, const TRgb& s)
-{
+TRgb Blended(TBlendMode mode, const TRgb& b, const TRgb& s) {
     switch (mode) {
-    case TBlendMode::Normal: return s;
-    case TBlendMode::Hue: return WithLum(WithSat(s, Sat(b)), Lum(b));
-    case TBlendMode::Saturation: return WithLum(WithSat(b, Sat(s)), Lum(b));
-    case TBlendMode::Color: return WithLum(s, Lum(b));
-    case TBlendMode::Luminosity: return WithLum(b, Lum(s));
-    default: break;
+    case TBlendMode::Normal:
+        return s;
+    case TBlendMode::Hue:
+        return WithLum(WithSat(s, Sat(b)), Lum(b));
+    case TBlendMode::Saturation:
+        return WithLum(WithSat(b, Sat(s)), Lum(b));
+    case TBlendMode::Color:
+        return WithLum(s, Lum(b));
+    case TBlendMode::Luminosity:
+        return WithLum(b, Lum(s));
+    default:
+        break;
     }
-    const TChannelBlend blend = ChannelBlends[static_cast<int>(mode) - static_cast<int>(TBlendMode::Multiply)];
+    const TChannelBlend blend =
+        ChannelBlends[static_cast<int>(mode) - static_cast<int>(TBlendMode::Multiply)];
     return {blend(b[0], s[0]), blend(b[1], s[1]), blend(b[2], s[2])};
 }
 
-TRgb ColorOf(std::uint32_t pixel)
-{
+TRgb ColorOf(std::uint32_t pixel) {
     const float alpha = AlphaOf(pixel);
     if (alpha == 0) return {};
     const auto part = [alpha](unsigned v) { return std::min(v / alpha, 1.0f); };
     return {part(RedOf(pixel)), part(GreenOf(pixel)), part(BlueOf(pixel))};
 }
 
-std::uint32_t BlendPixel(TBlendMode mode, std::uint32_t under, std::uint32_t over)
-{
+std::uint32_t BlendPixel(TBlendMode mode, std::uint32_t under, std::uint32_t over) {
     const float sourceAlpha = AlphaOf(over) / 255.0f;
     const float backAlpha = AlphaOf(under) / 255.0f;
     const TRgb source = ColorOf(over);
@@ -109,8 +109,8 @@ std::uint32_t BlendPixel(TBlendMode mode, std::uint32_t under, std::uint32_t ove
     const TRgb mixed = Blended(mode, back, source);
     const float alpha = sourceAlpha + backAlpha - sourceAlpha * backAlpha;
     const auto channel = [&](int i) {
-        const float value = sourceAlpha * (1 - backAlpha) * source[i] + backAlpha * (1 - sourceAlpha) * back[i] +
-                            sourceAlpha * backAlpha * mixed[i];
+        const float value = sourceAlpha * (1 - backAlpha) * source[i] +
+                            backAlpha * (1 - sourceAlpha) * back[i] + sourceAlpha * backAlpha * mixed[i];
         return static_cast<unsigned>(std::clamp(value, 0.0f, alpha) * 255 + 0.5f);
     };
     return MakeColor(static_cast<unsigned>(alpha * 255 + 0.5f), channel(0), channel(1), channel(2));
@@ -119,18 +119,18 @@ std::uint32_t BlendPixel(TBlendMode mode, std::uint32_t under, std::uint32_t ove
 /// An sRGB channel 0..1 as the light it stands for (IEC 61966-2-1).
 double LinearLight(double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); }
 
-std::array<float, 256> MakeLightTable()
-{
+std::array<float, 256> MakeLightTable() {
     std::array<float, 256> table{};
     for (int i = 0; i < 256; ++i)
         table[i] = static_cast<float>(LinearLight(i / 255.0) * 255);
     return table;
 }
 
-float Luminance(float red, float green, float blue) { return 0.2125f * red + 0.7154f * green + 0.0721f * blue; }
+float Luminance(float red, float green, float blue) {
+    return 0.2125f * red + 0.7154f * green + 0.0721f * blue;
+}
 
-float LinearLuminance(std::uint32_t pixel)
-{
+float LinearLuminance(std::uint32_t pixel) {
     static const std::array<float, 256> light = MakeLightTable();
     const unsigned alpha = AlphaOf(pixel);
     if (alpha == 0) return 0;
@@ -141,9 +141,13 @@ float LinearLuminance(std::uint32_t pixel)
 
 } // namespace
 
-void BlendRowInMode(TBlendMode mode, std::uint32_t* row, int count, const std::uint32_t* pixels, unsigned opacity,
-                    const std::uint8_t* coverage)
-{
+std::array<float, 3> BlendColors(TBlendMode mode, const std::array<float, 3>& under,
+                                 const std::array<float, 3>& over) {
+    return Blended(mode, under, over);
+}
+
+void BlendRowInMode(TBlendMode mode, std::uint32_t* row, int count, const std::uint32_t* pixels,
+                    unsigned opacity, const std::uint8_t* coverage) {
     for (int i = 0; i < count; ++i) {
         std::uint32_t over = pixels[i];
         if (AlphaOf(over) == 0) continue;
@@ -153,8 +157,7 @@ void BlendRowInMode(TBlendMode mode, std::uint32_t* row, int count, const std::u
     }
 }
 
-void MaskCoverage(TMaskKind kind, const std::uint32_t* pixels, int count, std::uint8_t* coverage)
-{
+void MaskCoverage(TMaskKind kind, const std::uint32_t* pixels, int count, std::uint8_t* coverage) {
     for (int i = 0; i < count; ++i) {
         const std::uint32_t pixel = pixels[i];
         float value = AlphaOf(pixel);

@@ -7,14 +7,16 @@ namespace Vz {
 
 namespace {
 
-/// Device columns are shifted by this, so that all that can lie in a box is positive and truncation rounds down.
+/// Device columns are shifted by this, so that all that can lie in a box is positive and truncation rounds
+/// down.
 constexpr double Shift = 1 << 18;
 /// Mapped points are held within this; beyond it a double no longer tells subpixels apart.
 constexpr double Farthest = 1e11;
 
 double Held(double v) { return std::clamp(v, -Farthest, Farthest); }
 
-/// The nearest multiple of 1 / One. Sides that meet in a point then cover whole numbers that sum up to nothing.
+/// The nearest multiple of 1 / One. Sides that meet in a point then cover whole numbers that sum up to
+/// nothing.
 double Snapped(double y) { return std::floor(y * TCoverage::One + 0.5) / TCoverage::One; }
 
 template <class T> std::size_t Bytes(const std::vector<T>& v) { return v.size() * sizeof(T); }
@@ -22,8 +24,7 @@ template <class T> std::size_t Capacity(const std::vector<T>& v) { return v.capa
 
 } // namespace
 
-void TCoverage::SetShape(const TPolygons& polygons, const TAffine& toDevice)
-{
+void TCoverage::SetShape(const TPolygons& polygons, const TAffine& toDevice) {
     FPoints.clear();
     FStarts.assign(1, 0);
     FBounds = {};
@@ -53,8 +54,7 @@ void TCoverage::SetShape(const TPolygons& polygons, const TAffine& toDevice)
     FBounds.Right -= Shift;
 }
 
-TRect TCoverage::WholePixels() const
-{
+TRect TCoverage::WholePixels() const {
     if (FStarts.size() != 2 || FPoints.size() < 4 || FPoints.size() > 5) return {};
     if (FPoints.size() == 5 && FPoints.front() != FPoints.back()) return {};
     const auto isCorner = [this](const TPointD& p) {
@@ -75,8 +75,7 @@ TRect TCoverage::WholePixels() const
     return near ? PixelBounds(whole) : TRect{};
 }
 
-void TCoverage::Begin(const TRect& box)
-{
+void TCoverage::Begin(const TRect& box) {
     FBox = Intersection(box, PixelBounds(FBounds));
     FEdges.clear();
     FActive.clear();
@@ -98,8 +97,7 @@ void TCoverage::Begin(const TRect& box)
     }
 }
 
-void TCoverage::AddEdge(const TPointD& from, const TPointD& to)
-{
+void TCoverage::AddEdge(const TPointD& from, const TPointD& to) {
     if (from.Y == to.Y) return;
     const bool down = from.Y < to.Y;
     const TPointD& upper = down ? from : to;
@@ -117,8 +115,7 @@ void TCoverage::AddEdge(const TPointD& from, const TPointD& to)
     FEdges.push_back(edge);
 }
 
-std::span<const TCoverageRow> TCoverage::Next()
-{
+std::span<const TCoverageRow> TCoverage::Next() {
     for (; FBand < FBandCount;) {
         if (FBandCount > 1) TraceBand(FBand);
         const std::span<const TCoverageRow> rows = CloseBand();
@@ -128,15 +125,13 @@ std::span<const TCoverageRow> TCoverage::Next()
     return {};
 }
 
-void TCoverage::OpenBand(int band)
-{
+void TCoverage::OpenBand(int band) {
     FTop = FBox.Top + band * FBandHeight;
     FBottom = std::min(FTop + FBandHeight, FBox.Bottom);
     std::fill_n(FSpans.begin(), FBottom - FTop, TColumnSpan{FBox.Width(), -1, 0});
 }
 
-void TCoverage::TraceBand(int band)
-{
+void TCoverage::TraceBand(int band) {
     for (std::int32_t i = FFirstInBand[static_cast<std::size_t>(band)]; i >= 0;) {
         FActive.push_back(i);
         i = FEdges[static_cast<std::size_t>(i)].NextInBand;
@@ -148,8 +143,7 @@ void TCoverage::TraceBand(int band)
     });
 }
 
-std::span<const TCoverageRow> TCoverage::CloseBand()
-{
+std::span<const TCoverageRow> TCoverage::CloseBand() {
     const int width = FBox.Width();
     std::size_t count = 0;
     std::int32_t* steps = FSteps.data();
@@ -170,9 +164,9 @@ namespace {
 constexpr double Fine = 4294967296.0;
 constexpr std::int64_t FineHalf = std::int64_t{1} << 31;
 
-/// The height of a piece from its left end to the first column's border, to be rounded by taking off the places.
-std::int64_t FirstHeight(double left, double border, int height, double rate)
-{
+/// The height of a piece from its left end to the first column's border, to be rounded by taking off the
+/// places.
+std::int64_t FirstHeight(double left, double border, int height, double rate) {
     return static_cast<std::int64_t>(std::min((border - left) * rate, double(height)) * Fine) + FineHalf;
 }
 
@@ -184,13 +178,13 @@ int Passed(int height, double middle) { return static_cast<int>(height * middle 
 struct TPiece {
     double Left, Right;
     int Height;
-    double Rate;  ///< the height that falls on a column's width
+    double Rate; ///< the height that falls on a column's width
     int Sign;
 };
 
 /// The row that a piece is added to. Columns are shifted by Shift.
 struct TRowSteps {
-    std::int32_t* Steps;  ///< that of the box's first column
+    std::int32_t* Steps; ///< that of the box's first column
     TColumnSpan& Span;
     int BoxLeft, BoxRight;
 
@@ -198,8 +192,7 @@ struct TRowSteps {
     void AddWide(const TPiece& piece) const;
 };
 
-inline void TRowSteps::Add(const TPiece& piece) const
-{
+inline void TRowSteps::Add(const TPiece& piece) const {
     const auto [left, right, height, rate, sign] = piece;
     if (left >= BoxRight) return;
     Span.Sum += height * sign;
@@ -229,8 +222,7 @@ inline void TRowSteps::Add(const TPiece& piece) const
 }
 
 /// The same for a piece that crosses several columns or sticks out of the box.
-void TRowSteps::AddWide(const TPiece& piece) const
-{
+void TRowSteps::AddWide(const TPiece& piece) const {
     const auto [left, right, height, rate, sign] = piece;
     std::int32_t* steps = Steps - BoxLeft;
     const double border = std::floor(left) + 1;
@@ -262,7 +254,7 @@ void TRowSteps::AddWide(const TPiece& piece) const
         before = after;
     }
     const int rest = height - before;
-    const int passedOn = Passed(rest, std::max(right - column, 0.0) / 2);
+    const int passedOn = Passed(rest, std::clamp(right - column, 0.0, 1.0) / 2);
     steps[column] += sign * (passed + rest - passedOn);
     steps[column + 1] += sign * passedOn;
     Span.Last = std::max(Span.Last, column + 1 - BoxLeft);
@@ -271,8 +263,7 @@ void TRowSteps::AddWide(const TPiece& piece) const
 } // namespace
 
 /// Adds an edge's part in each row of the band.
-void TCoverage::Trace(const TEdge& edge)
-{
+void TCoverage::Trace(const TEdge& edge) {
     const auto [x0, y0, y1, slope, sign, next] = edge;
     const double rate = One / std::abs(slope);
     const double end = std::min(y1, double(FBottom));
@@ -286,16 +277,14 @@ void TCoverage::Trace(const TEdge& edge)
         const double nextY = std::min(FTop + row + 1.0, end);
         const double nextX = x0 + (nextY - y0) * slope;
         const int height = static_cast<int>((nextY - y) * One);
-        TRowSteps{steps, *span, boxLeft, boxRight}.Add({std::min(x, nextX), std::max(x, nextX), height, rate, sign});
+        TRowSteps{steps, *span, boxLeft, boxRight}.Add(
+            {std::min(x, nextX), std::max(x, nextX), height, rate, sign});
         y = nextY;
         x = nextX;
     }
 }
 
-std::size_t TCoverage::UsedBytes() const
-{
-    return Bytes(FPoints) + Bytes(FEdges) + Bytes(FActive);
-}
+std::size_t TCoverage::UsedBytes() const { return Bytes(FPoints) + Bytes(FEdges) + Bytes(FActive); }
 
 std::size_t TCoverage::HeldBytes() const { return Capacity(FPoints) + Capacity(FEdges) + Capacity(FActive); }
 

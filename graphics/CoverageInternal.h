@@ -9,13 +9,13 @@
 
 namespace Vz {
 
-/// A row of coverage in the making: entry i of Steps is by how much the winding changes from pixel X - 1 + i to pixel
-/// X + i, in units of 1 / TCoverage::One. Whoever reads a row leaves zeros behind.
+/// A row of coverage in the making: entry i of Steps is by how much the winding changes from pixel X - 1 + i
+/// to pixel X + i, in units of 1 / TCoverage::One. Whoever reads a row leaves zeros behind.
 struct TCoverageRow {
     std::int32_t* Steps = nullptr;
-    int X = 0;      ///< device column of Steps[0]
+    int X = 0; ///< device column of Steps[0]
     int Y = 0;
-    int Count = 0;  ///< columns up to where nothing changes any more
+    int Count = 0; ///< columns up to where nothing changes any more
 };
 
 /// Columns of a box touched in a row, and the winding behind the last.
@@ -23,9 +23,9 @@ struct TColumnSpan {
     int First, Last, Sum;
 };
 
-/// Turns polygons into rows of exact area coverage. An edge's part in a pixel is a whole number that depends on the
-/// edge and the pixel only, never on the box, so that a picture painted in pieces equals one painted at once.
-/// Windings count modulo 65536.
+/// Turns polygons into rows of exact area coverage. An edge's part in a pixel is a whole number that depends
+/// on the edge and the pixel only, never on the box, so that a picture painted in pieces equals one painted
+/// at once. Windings count modulo 65536.
 class TCoverage {
 public:
     static constexpr int One = 1 << 16;
@@ -36,12 +36,13 @@ public:
     void SetShape(const TPolygons& polygons, const TAffine& toDevice);
     /// The box around the mapped points.
     const TRectD& Bounds() const { return FBounds; }
-    /// The pixels that the shape covers wholly while it touches no other; empty where it is no such rectangle.
+    /// The pixels that the shape covers wholly while it touches no other; empty where it is no such
+    /// rectangle.
     TRect WholePixels() const;
     /// Begins with the rows of the shape in a box of device pixels.
     void Begin(const TRect& box);
-    /// The next rows that have coverage, at least one, from top to bottom; none after the last. They are good until
-    /// the next call.
+    /// The next rows that have coverage, at least one, from top to bottom; none after the last. They are good
+    /// until the next call.
     std::span<const TCoverageRow> Next();
     /// Bytes of working memory in use by the shape and the box at hand, and held.
     std::size_t UsedBytes() const;
@@ -55,8 +56,8 @@ private:
     /// A falling or rising side of a polygon; Y0 < Y1, both whole multiples of 1 / One.
     struct TEdge {
         double X0, Y0, Y1;
-        double Slope;            ///< of X by Y
-        int Sign;                ///< +1 where the polygon runs downwards here
+        double Slope; ///< of X by Y
+        int Sign;     ///< +1 where the polygon runs downwards here
         std::int32_t NextInBand;
     };
 
@@ -66,16 +67,16 @@ private:
     void TraceBand(int band);
     std::span<const TCoverageRow> CloseBand();
 
-    std::vector<TPointD> FPoints;  ///< columns are shifted
+    std::vector<TPointD> FPoints; ///< columns are shifted
     std::vector<std::uint32_t> FStarts;
     TRectD FBounds;
     TRect FBox;
-    int FStride = 0;      ///< entries of FSteps a row
+    int FStride = 0; ///< entries of FSteps a row
     int FBandHeight = 0;
     int FBandCount = 0;
     int FBand = 0;
-    int FTop = 0, FBottom = 0;  ///< rows of the band at hand
-    std::vector<TEdge> FEdges;  ///< empty where there is one band: its edges are traced at once
+    int FTop = 0, FBottom = 0; ///< rows of the band at hand
+    std::vector<TEdge> FEdges; ///< empty where there is one band: its edges are traced at once
     std::vector<std::int32_t> FFirstInBand;
     std::vector<std::int32_t> FActive;
     std::vector<std::int32_t> FSteps;

@@ -40,11 +40,13 @@ struct TFigures {
     /// A closed rectangle with corners rounded by rx and ry (0: sharp), in SVG's order of points
     /// (SVG 1.1, 9.2).
     void AddRect(double x, double y, double width, double height, double rx = 0, double ry = 0);
-    /// A closed ellipse of four arcs that starts at three o'clock and runs clockwise (SVG 2, 10.4).
+    /// A closed ellipse of four arcs that starts at three o'clock and runs clockwise (SVG 2, 10.4). Nothing
+    /// where a radius is not above 0.
     void AddEllipse(double cx, double cy, double rx, double ry);
     void Append(const TFigures& other);
     void Append(const TFigures& other, const TAffine& matrix);
-    /// Maps every step in place; an arc stays an arc of the mapped ellipse.
+    /// Maps every step in place; an arc stays an arc of the mapped ellipse (a straight line where the map is
+    /// flat).
     void Transform(const TAffine& matrix);
     /// The box around the curves themselves (not their control points), under the matrix. Lone Moves do not
     /// count unless nothing else is there.
@@ -54,9 +56,13 @@ struct TFigures {
 
 enum class TFillRule : std::uint8_t { NonZero, EvenOdd };
 enum class TLineCap : std::uint8_t { Butt, Round, Square };
+/// Miter becomes a bevel beyond the limit, MiterClip is cut off there. Arcs is drawn as MiterClip (FIXME: SVG
+/// 2, 13.5.4).
 enum class TLineJoin : std::uint8_t { Miter, MiterClip, Round, Bevel, Arcs };
 
-/// How a path is stroked (SVG 1.1, 11.4). Lengths are in the path's own units.
+/// How a path is stroked (SVG 1.1, 11.4). Lengths are in the path's own units. A sub-path without length is
+/// painted as its caps, round or square. Dashes that are out of range, or more than half a million, count as
+/// a solid line.
 struct TStrokeStyle {
     double Width = 1; ///< >= 0; 0 paints nothing
     TLineCap Cap = TLineCap::Butt;

@@ -446,7 +446,7 @@ void FlattenStroke(const TFigures& figures, const TStrokeStyle& style, double sc
     WalkFigures(figures, TCurveCutter<TStrokeOut>{fineness, out});
 
     const double sum = DashSum(style.Dashes);
-    const double dashes = sum > 0 ? out.Length / sum * static_cast<double>(style.Dashes.size() / 2) : 0;
+    const double dashes = sum > 0 ? out.Length / sum * static_cast<double>(style.Dashes.size()) / 2 : 0;
     const bool isDashed = sum > 0 && dashes <= DashLimit;
     const std::size_t cuts = isDashed ? 2 * static_cast<std::size_t>(dashes) : 0;
     TStroker stroker(style, width, scale, out.Vertices.size() + cuts, polygons);

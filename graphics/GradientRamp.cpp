@@ -11,8 +11,7 @@ namespace {
 double Unit(double value) { return value > 0 ? std::min(value, 1.0) : 0.0; }
 
 /// The colour between two stops at `part` 0..1 of the way, its alpha times `opacity`, premultiplied.
-std::uint32_t Between(TVZGPColor a, TVZGPColor b, double part, double opacity)
-{
+std::uint32_t Between(TVZGPColor a, TVZGPColor b, double part, double opacity) {
     const auto mix = [part](unsigned from, unsigned to) { return from + (double(to) - double(from)) * part; };
     const double alpha = mix(AlphaOf(a), AlphaOf(b)) * opacity;
     const auto channel = [alpha](double value) { return static_cast<unsigned>(value * alpha / 255 + 0.5); };
@@ -26,8 +25,7 @@ TGradientRamp::TGradientRamp(std::span<const TRampStop> stops, double opacity)
     : FStops(stops.begin(), stops.end())
     , FOpacity(Unit(opacity))
     , FTable(Size)
-    , FOpaque(true)
-{
+    , FOpaque(true) {
     if (FStops.empty()) FStops.push_back({});
     float least = 0;
     for (TRampStop& stop : FStops) {

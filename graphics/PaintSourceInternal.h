@@ -17,7 +17,7 @@ public:
     /// True where Fill does it; else the rows' pixels are to be fetched and laid down through the coverage.
     bool Fills() const { return FKind <= TKind::Focal; }
     void Fill(const TFillJob& job) const;
-    void Fetch(int x, int y, int count, std::uint32_t* pixels, std::vector<std::uint32_t>& scratch) const;
+    void Fetch(int x, int y, int count, std::uint32_t* pixels, TSampleScratch& scratch) const;
 
 private:
     enum class TKind : std::uint8_t { Solid, Linear, Radial, Focal, Cone, Image };
@@ -30,7 +30,7 @@ private:
     TKind FKind = TKind::Solid;
     std::uint32_t FPixel = 0;
     TRampWalk FWalk;
-    TPointD FAxis;  ///< Focal, Cone: from focus to centre, in radii
+    TPointD FAxis; ///< Focal, Cone: from focus to centre, in radii
     double FFocusRadius = 0;
     TImageSampler FSampler;
     unsigned FOpacity = 255;

@@ -10,8 +10,7 @@ namespace {
 
 /// A layer with an effect holds all of its bounds, for an effect may carry pixels over the edge of what is
 /// repainted; but not beyond a target's width and height around the target.
-TRect EffectBox(const TRect& bounds, const TRect& target)
-{
+TRect EffectBox(const TRect& bounds, const TRect& target) {
     return Intersection(bounds, {-target.Right, -target.Bottom, 2 * target.Right, 2 * target.Bottom});
 }
 
@@ -20,28 +19,27 @@ TRect EffectBox(const TRect& bounds, const TRect& target)
 void TRasterDevice::TGiveBack::operator()(TRasterState* state) const { TRasterState::GiveBack(state); }
 
 TRasterDevice::TRasterDevice(const TPixels& target)
-    : TRasterDevice(target, TRegion(target.Bounds()))
-{
-}
+    : TRasterDevice(target, TRegion(target.Bounds())) {}
 
 TRasterDevice::TRasterDevice(const TPixels& target, const TRegion& region)
-    : FState(TRasterState::Take(target, region.Rects()))
-{
-}
+    : FState(TRasterState::Take(target, region.Rects())) {}
 
 TRasterDevice::~TRasterDevice() = default;
 
-void TRasterDevice::Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice)
-{
-    if (!shape.Figures || !toDevice.IsInvertible() || FState->ActiveBox().IsEmpty()) return;
+void TRasterDevice::Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) {
+    if (!shape.Figures || !toDevice.IsInvertible()) return;
+    const TRect active = FState->ActiveBox();
+    if (active.IsEmpty()) return;
+    const TPolygons& polygons = Flatten(shape, FlatteningScale(toDevice), FState->Polygons);
+    if (Intersection(PixelBounds(toDevice(polygons.Bounds)), active).IsEmpty()) return;
     TPaintSource source;
     if (!source.Prepare(paint, toDevice)) return;
-    FState->Coverage.SetShape(Flatten(shape, FlatteningScale(toDevice), FState->Polygons), toDevice);
+    FState->Coverage.SetShape(polygons, toDevice);
     FState->Fill(shape.Stroke ? TFillRule::NonZero : shape.Rule, source);
 }
 
-void TRasterDevice::DrawImage(const TPixels& image, const TAffine& toDevice, double opacity, TInterpolation mode)
-{
+void TRasterDevice::DrawImage(const TPixels& image, const TAffine& toDevice, double opacity,
+                              TInterpolation mode) {
     if (!image.Data || image.Width <= 0 || image.Height <= 0 || !toDevice.IsInvertible()) return;
     int x = 0;
     int y = 0;
@@ -69,19 +67,18 @@ void TRasterDevice::PushClip(std::span<const TClipShape> shapes) { FState->PushC
 
 void TRasterDevice::PopClip() { FState->PopClip(); }
 
-void TRasterDevice::PushLayer(const TLayerStyle& style)
-{
+void TRasterDevice::PushLayer(const TLayerStyle& style) {
     const bool whole = style.Effect && style.Bounds;
     TRect box = FState->ActiveBox();
-    if (style.Bounds) box = whole ? EffectBox(*style.Bounds, FState->Target) : Intersection(box, *style.Bounds);
+    if (style.Bounds)
+        box = whole ? EffectBox(*style.Bounds, FState->Target) : Intersection(box, *style.Bounds);
     TSurface& layer = FState->PushSurface(box, whole);
     layer.Opacity = OpacityByte(style.Opacity);
     layer.Blend = style.Blend;
     layer.Effect = style.Effect;
 }
 
-void TRasterDevice::PopLayer()
-{
+void TRasterDevice::PopLayer() {
     TSurface& layer = FState->Surface();
     if (layer.Effect && !layer.Box.IsEmpty()) {
         layer.Effect(layer.Pixels, {double(layer.Box.Left), double(layer.Box.Top)});
@@ -90,29 +87,25 @@ void TRasterDevice::PopLayer()
     FState->EndSurface([this](const TSurface& done) { FState->LayDown(done); });
 }
 
-void TRasterDevice::PushMask(TMaskKind kind)
-{
+void TRasterDevice::PushMask(TMaskKind kind) {
     const TSurface& layer = FState->Surface();
     FState->PushSurface(layer.Box, false).MaskKind = kind;
 }
 
-void TRasterDevice::PopMask()
-{
+void TRasterDevice::PopMask() {
     FState->EndSurface([this](const TSurface& done) { FState->ApplyMask(done); });
 }
 
 TRect TRasterDevice::GetClipBounds() const { return FState->ActiveBox(); }
 
-void TRasterDevice::Clear(TVZGPColor color)
-{
+void TRasterDevice::Clear(TVZGPColor color) {
     const TSurface& surface = FState->Surface();
     for (const TRect& rect : surface.Rects)
         for (int y = rect.Top; y < rect.Bottom; ++y)
             std::fill_n(surface.At(rect.Left, y), rect.Width(), Premultiply(color));
 }
 
-void TRasterDevice::Copy(const TPixels& image, int x, int y)
-{
+void TRasterDevice::Copy(const TPixels& image, int x, int y) {
     const TSurface& surface = FState->Surface();
     const TRect box{x, y, x + image.Width, y + image.Height};
     for (const TRect& rect : surface.Rects)

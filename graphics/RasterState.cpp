@@ -9,7 +9,8 @@ namespace Vz {
 
 namespace {
 
-/// States at rest. Devices nest where one picture is drawn in the course of another; more than these are not kept.
+/// States at rest. Devices nest where one picture is drawn in the course of another; more than these are not
+/// kept.
 struct TPool {
     static constexpr std::size_t Most = 4;
     std::array<TRasterState*, Most> States{};
@@ -21,15 +22,14 @@ struct TPool {
 thread_local bool PoolGone = false;
 thread_local TPool Pool;
 
-TPool::~TPool()
-{
+TPool::~TPool() {
     PoolGone = true;
     for (std::size_t i = 0; i < Count; ++i)
         delete States[i];
 }
 
-// A state at rest keeps at most MostKept bytes, and gives them back when it has been used SpareUses times on end for
-// less than a quarter of them.
+// A state at rest keeps at most MostKept bytes, and gives them back when it has been used SpareUses times on
+// end for less than a quarter of them.
 constexpr std::size_t AlwaysKept = std::size_t{1} << 20;
 constexpr std::size_t MostKept = std::size_t{1} << 26;
 constexpr int SpareUses = 32;
@@ -38,15 +38,13 @@ template <class T> std::size_t Capacity(const std::vector<T>& v) { return v.capa
 
 } // namespace
 
-TRasterState* TRasterState::Take(const TPixels& target, std::span<const TRect> region)
-{
+TRasterState* TRasterState::Take(const TPixels& target, std::span<const TRect> region) {
     TRasterState* state = !PoolGone && Pool.Count > 0 ? Pool.States[--Pool.Count] : new TRasterState;
     state->SetUp(target, region);
     return state;
 }
 
-void TRasterState::GiveBack(TRasterState* state)
-{
+void TRasterState::GiveBack(TRasterState* state) {
     while (state->Surfaces.Depth() > 1) // a caller that gave up halfway
         state->EndSurface([](const TSurface&) {});
     state->Shrink();
@@ -56,8 +54,7 @@ void TRasterState::GiveBack(TRasterState* state)
         Pool.States[Pool.Count++] = state;
 }
 
-void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region)
-{
+void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region) {
     Surfaces.Clear();
     Clips.Clear();
     Target = target.Data ? target.Bounds() : TRect{};
@@ -74,8 +71,7 @@ void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region)
     if (PixelRow.size() < width) PixelRow.resize(width);
 }
 
-TRect TRasterState::ActiveBox() const
-{
+TRect TRasterState::ActiveBox() const {
     TRect box;
     for (const TRect& rect : Surfaces.Top().Rects)
         box = Union(box, Intersection(rect, Clip().Box));
@@ -84,15 +80,13 @@ TRect TRasterState::ActiveBox() const
 
 // Clips.
 
-void TRasterState::PushClipBox(const TRect& box, const TCoverageMap* map)
-{
+void TRasterState::PushClipBox(const TRect& box, const TCoverageMap* map) {
     TClipLevel& level = Clips.Push();
     level.Box = box;
     level.Map = map;
 }
 
-void TRasterState::PushClip(std::span<const TClipShape> shapes)
-{
+void TRasterState::PushClip(std::span<const TClipShape> shapes) {
     const TRect active = ActiveBox();
     const TCoverageMap* outer = Clip().Map;
     const auto setShape = [this](const TClipShape& clip) {
@@ -128,8 +122,7 @@ void TRasterState::PushClip(std::span<const TClipShape> shapes)
 }
 
 /// Adds the coverage's shape to a map as if it were painted there.
-void TRasterState::AddToClip(TCoverageMap& map, TFillRule rule)
-{
+void TRasterState::AddToClip(TCoverageMap& map, TFillRule rule) {
     Coverage.Begin(map.Box);
     for (auto rows = Coverage.Next(); !rows.empty(); rows = Coverage.Next())
         for (const TCoverageRow& row : rows) {
@@ -143,8 +136,7 @@ void TRasterState::AddToClip(TCoverageMap& map, TFillRule rule)
 
 // Surfaces.
 
-TSurface& TRasterState::PushSurface(const TRect& box, bool whole)
-{
+TSurface& TRasterState::PushSurface(const TRect& box, bool whole) {
     const TSurface& under = Surface();
     TSurface& layer = Surfaces.Push();
     layer.Box = box;
@@ -166,8 +158,7 @@ TSurface& TRasterState::PushSurface(const TRect& box, bool whole)
 }
 
 /// Makes a layer's pixels transparent again.
-void TRasterState::Forget(TSurface& layer)
-{
+void TRasterState::Forget(TSurface& layer) {
     const TRect& drawn = layer.Drawn;
     for (int y = drawn.Top; y < drawn.Bottom; ++y)
         std::fill_n(layer.At(drawn.Left, y), drawn.Width(), 0u);
@@ -175,8 +166,7 @@ void TRasterState::Forget(TSurface& layer)
 }
 
 /// Lays a layer (taken off the stack, its pixels still there) onto the surface in force.
-void TRasterState::LayDown(const TSurface& layer)
-{
+void TRasterState::LayDown(const TSurface& layer) {
     const TRowOps& ops = RowOps();
     const TCoverageMap* map = Clip().Map;
     TSurface& under = Surface();
@@ -198,8 +188,7 @@ void TRasterState::LayDown(const TSurface& layer)
     });
 }
 
-void TRasterState::ApplyMask(const TSurface& mask)
-{
+void TRasterState::ApplyMask(const TSurface& mask) {
     TSurface& under = Surface();
     const TRect box = Surfaces.Depth() > 1 ? under.Drawn : under.Box;
     for (const TRect& rect : under.Rects) {
@@ -215,8 +204,7 @@ void TRasterState::ApplyMask(const TSurface& mask)
 
 // Shapes.
 
-void TRasterState::Fill(TFillRule rule, const TPaintSource& source)
-{
+void TRasterState::Fill(TFillRule rule, const TPaintSource& source) {
     TSurface& surface = Surface();
     const TRect shape = Intersection(PixelBounds(Coverage.Bounds()), Clip().Box);
     for (const TRect& rect : surface.Rects) {
@@ -229,8 +217,7 @@ void TRasterState::Fill(TFillRule rule, const TPaintSource& source)
     }
 }
 
-void TRasterState::FillBox(const TRect& box, TFillRule rule, const TPaintSource& source)
-{
+void TRasterState::FillBox(const TRect& box, TFillRule rule, const TPaintSource& source) {
     const TSurface& surface = Surface();
     TFillJob job;
     job.Rule = rule;
@@ -254,8 +241,7 @@ void TRasterState::FillBox(const TRect& box, TFillRule rule, const TPaintSource&
 }
 
 /// Paints rows whose pixels are dear: only those that are covered are fetched.
-void TRasterState::FetchRows(const TFillJob& job, const TPaintSource& source)
-{
+void TRasterState::FetchRows(const TFillJob& job, const TPaintSource& source) {
     const TRowOps& ops = RowOps();
     const auto isCovered = [](std::uint8_t c) { return c != 0; };
     std::uint8_t* coverage = CoverageRow.data();
@@ -276,9 +262,9 @@ void TRasterState::FetchRows(const TFillJob& job, const TPaintSource& source)
 
 // Working memory.
 
-std::size_t TRasterState::HeldBytes() const
-{
-    std::size_t bytes = Coverage.HeldBytes() + Capacity(Polygons.Points) + Capacity(Scratch);
+std::size_t TRasterState::HeldBytes() const {
+    std::size_t bytes =
+        Coverage.HeldBytes() + Capacity(Polygons.Points) + Capacity(Scratch.Sums) + Capacity(Scratch.BoxSums);
     for (const auto& surface : Surfaces.Kept())
         bytes += Capacity(surface->Store);
     for (const auto& clip : Clips.Kept())
@@ -287,8 +273,7 @@ std::size_t TRasterState::HeldBytes() const
 }
 
 /// Gives memory back after a picture that was much greater than those that follow it.
-void TRasterState::Shrink()
-{
+void TRasterState::Shrink() {
     const std::size_t held = HeldBytes();
     const bool isSpare = held > AlwaysKept && held / 4 > FMostUsed;
     FSpareUses = isSpare ? FSpareUses + 1 : 0;

@@ -16,8 +16,7 @@ template <class T> class TKeptStack {
 public:
     bool IsEmpty() const { return FDepth == 0; }
     std::size_t Depth() const { return FDepth; }
-    T& Push()
-    {
+    T& Push() {
         if (FDepth == FEntries.size()) FEntries.push_back(std::make_unique<T>());
         return *FEntries[FDepth++];
     }
@@ -35,9 +34,8 @@ private:
 /// Coverage 0..255 of a box of device pixels.
 struct TCoverageMap {
     TRect Box;
-    std::vector<std::uint8_t> Values;  ///< and TCoverage::Margin more
-    std::uint8_t* At(int x, int y)
-    {
+    std::vector<std::uint8_t> Values; ///< and TCoverage::Margin more
+    std::uint8_t* At(int x, int y) {
         return Values.data() + std::ptrdiff_t(y - Box.Top) * Box.Width() + (x - Box.Left);
     }
     const std::uint8_t* At(int x, int y) const { return const_cast<TCoverageMap*>(this)->At(x, y); }
@@ -46,13 +44,13 @@ struct TCoverageMap {
 /// A clip in force: nothing is painted outside of Box, and within it through Map where there is one.
 struct TClipLevel {
     TRect Box;
-    const TCoverageMap* Map = nullptr;  ///< this level's, or that of one below
+    const TCoverageMap* Map = nullptr; ///< this level's, or that of one below
     TCoverageMap Own;
 };
 
 /// Pixels that are drawn on: the target, a layer or a mask.
 struct TSurface {
-    TRect Box;                ///< device pixels that it holds
+    TRect Box; ///< device pixels that it holds
     TPixels Pixels;
     std::vector<TRect> Rects; ///< where drawing has an effect, in Box
     TRect Drawn;              ///< around all that was drawn
@@ -100,7 +98,7 @@ struct TRasterState {
     TPolygons Polygons;
     std::vector<std::uint8_t> CoverageRow;
     std::vector<std::uint32_t> PixelRow;
-    std::vector<std::uint32_t> Scratch;
+    TSampleScratch Scratch;
 
 private:
     void SetUp(const TPixels& target, std::span<const TRect> region);
@@ -110,9 +108,9 @@ private:
     void Forget(TSurface& layer);
     void Shrink();
 
-    /// Counts memory that a layer or clip takes. Those that follow each other count twice, which is on the safe side.
-    void NoteUse(std::size_t bytes)
-    {
+    /// Counts memory that a layer or clip takes. Those that follow each other count twice, which is on the
+    /// safe side.
+    void NoteUse(std::size_t bytes) {
         FLayerBytes += bytes;
         FMostUsed = std::max(FMostUsed, FLayerBytes);
     }
@@ -120,11 +118,10 @@ private:
 
     std::size_t FLayerBytes = 0;
     std::size_t FMostUsed = 0;
-    int FSpareUses = 0;  ///< devices on end that used much less than is held
+    int FSpareUses = 0; ///< devices on end that used much less than is held
 };
 
-template <class TAction> void TRasterState::EndSurface(TAction&& action)
-{
+template <class TAction> void TRasterState::EndSurface(TAction&& action) {
     TSurface& ended = Surfaces.Top();
     Surfaces.Pop();
     Clips.Pop();
@@ -132,8 +129,7 @@ template <class TAction> void TRasterState::EndSurface(TAction&& action)
     Forget(ended);
 }
 
-template <class TAction> void TRasterState::EachRow(const TRect& box, TAction&& action)
-{
+template <class TAction> void TRasterState::EachRow(const TRect& box, TAction&& action) {
     const TRect open = Intersection(box, Clip().Box);
     for (const TRect& rect : Surface().Rects) {
         const TRect part = Intersection(rect, open);

@@ -14,15 +14,13 @@ struct TPieces {
     std::size_t Count = 0;
     bool TooMany = false;
 
-    void Add(const TRect& rect)
-    {
+    void Add(const TRect& rect) {
         if (rect.IsEmpty()) return;
         TooMany = TooMany || Count == Most;
         if (!TooMany) Rects[Count++] = rect;
     }
     /// Adds what is left of `rect` when `hole` is taken out.
-    void AddWithout(const TRect& rect, const TRect& hole)
-    {
+    void AddWithout(const TRect& rect, const TRect& hole) {
         const TRect both = Intersection(rect, hole);
         if (both.IsEmpty()) {
             Add(rect);
@@ -35,23 +33,20 @@ struct TPieces {
     }
 };
 
-bool Encloses(const TRect& outer, const TRect& inner)
-{
+bool Encloses(const TRect& outer, const TRect& inner) {
     return outer.Left <= inner.Left && outer.Top <= inner.Top && outer.Right >= inner.Right &&
            outer.Bottom >= inner.Bottom;
 }
 
 /// One rectangle of a and b where they make one together.
-bool Join(TRect& a, const TRect& b)
-{
+bool Join(TRect& a, const TRect& b) {
     const bool below = a.Left == b.Left && a.Right == b.Right && (a.Bottom == b.Top || b.Bottom == a.Top);
     const bool beside = a.Top == b.Top && a.Bottom == b.Bottom && (a.Right == b.Left || b.Right == a.Left);
     if (below || beside) a = Union(a, b);
     return below || beside;
 }
 
-void JoinNeighbours(std::vector<TRect>& rects)
-{
+void JoinNeighbours(std::vector<TRect>& rects) {
     for (std::size_t i = 0; i < rects.size();) {
         std::size_t j = i + 1;
         while (j < rects.size() && !Join(rects[i], rects[j]))
@@ -69,32 +64,34 @@ bool IsBefore(const TRect& a, const TRect& b) { return a.Top != b.Top ? a.Top < 
 
 } // namespace
 
-TRect TRegion::Bounds() const
-{
+TRect TRegion::Bounds() const {
     TRect box;
     for (const TRect& rect : FRects)
         box = Union(box, rect);
     return box;
 }
 
-bool TRegion::Contains(std::int32_t x, std::int32_t y) const
-{
+bool TRegion::Contains(std::int32_t x, std::int32_t y) const {
     return std::any_of(FRects.begin(), FRects.end(), [x, y](const TRect& r) {
         return x >= r.Left && x < r.Right && y >= r.Top && y < r.Bottom;
     });
 }
 
-bool TRegion::Intersects(const TRect& rect) const
-{
+bool TRegion::Intersects(const TRect& rect) const {
     return std::any_of(FRects.begin(), FRects.end(),
                        [&rect](const TRect& r) { return !Intersection(r, rect).IsEmpty(); });
 }
 
-void TRegion::Add(const TRect& rect)
-{
+void TRegion::Add(const TRect& rect) {
     if (rect.IsEmpty()) return;
     if (FRects.empty()) {
         FRects.push_back(rect);
+        return;
+    }
+    // Most of what becomes stale lies apart from the rest: many instruments, each with its own place.
+    const TRect around{rect.Left - 1, rect.Top - 1, rect.Right + 1, rect.Bottom + 1};
+    if (FRects.size() < MaxRects && !Intersects(around)) {
+        FRects.insert(std::upper_bound(FRects.begin(), FRects.end(), rect, IsBefore), rect);
         return;
     }
     std::erase_if(FRects, [&rect](const TRect& r) { return Encloses(rect, r); });
@@ -111,29 +108,27 @@ void TRegion::Add(const TRect& rect)
         FRects.assign(1, Union(Bounds(), rect));
         return;
     }
-    FRects.insert(FRects.end(), pieces.Rects.begin(), pieces.Rects.begin() + static_cast<std::ptrdiff_t>(pieces.Count));
+    FRects.insert(FRects.end(), pieces.Rects.begin(),
+                  pieces.Rects.begin() + static_cast<std::ptrdiff_t>(pieces.Count));
     JoinNeighbours(FRects);
     if (FRects.size() > MaxRects) FRects.assign(1, Bounds());
     std::sort(FRects.begin(), FRects.end(), IsBefore);
 }
 
-void TRegion::Add(const TRegion& region)
-{
+void TRegion::Add(const TRegion& region) {
     if (this == &region) return;
     for (const TRect& rect : region.FRects)
         Add(rect);
 }
 
-void TRegion::Intersect(const TRect& rect)
-{
+void TRegion::Intersect(const TRect& rect) {
     for (TRect& own : FRects)
         own = Intersection(own, rect);
     std::erase_if(FRects, [](const TRect& r) { return r.IsEmpty(); });
     std::sort(FRects.begin(), FRects.end(), IsBefore);
 }
 
-void TRegion::Offset(std::int32_t dx, std::int32_t dy)
-{
+void TRegion::Offset(std::int32_t dx, std::int32_t dy) {
     for (TRect& rect : FRects)
         rect = {rect.Left + dx, rect.Top + dy, rect.Right + dx, rect.Bottom + dy};
 }

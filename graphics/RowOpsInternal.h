@@ -9,15 +9,13 @@
 namespace Vz {
 
 /// value * by / 255, rounded to nearest, for both in 0..255.
-constexpr unsigned MulDiv255(unsigned value, unsigned by)
-{
+constexpr unsigned MulDiv255(unsigned value, unsigned by) {
     const unsigned t = value * by + 128;
     return (t + (t >> 8)) >> 8;
 }
 
 /// Every channel times by / 255, each rounded to nearest.
-constexpr std::uint32_t ScalePixel(std::uint32_t pixel, unsigned by)
-{
+constexpr std::uint32_t ScalePixel(std::uint32_t pixel, unsigned by) {
     const auto pair = [by](std::uint32_t two) {
         const std::uint32_t t = two * by + 0x00800080u;
         return ((t + ((t >> 8) & 0x00FF00FFu)) >> 8) & 0x00FF00FFu;
@@ -26,25 +24,22 @@ constexpr std::uint32_t ScalePixel(std::uint32_t pixel, unsigned by)
 }
 
 /// Channel by channel sum, held at 255.
-constexpr std::uint32_t AddPixels(std::uint32_t a, std::uint32_t b)
-{
+constexpr std::uint32_t AddPixels(std::uint32_t a, std::uint32_t b) {
     const auto pair = [](std::uint32_t x, std::uint32_t y) {
         const std::uint32_t sum = x + y;
         const std::uint32_t over = (sum >> 8) & 0x00010001u;
         return (sum | (over * 255u)) & 0x00FF00FFu;
     };
-    return pair(a & 0x00FF00FFu, b & 0x00FF00FFu) |
-           pair((a >> 8) & 0x00FF00FFu, (b >> 8) & 0x00FF00FFu) << 8;
+    return pair(a & 0x00FF00FFu, b & 0x00FF00FFu) | pair((a >> 8) & 0x00FF00FFu, (b >> 8) & 0x00FF00FFu) << 8;
 }
 
 /// A premultiplied pixel laid over another.
-constexpr std::uint32_t PixelOver(std::uint32_t over, std::uint32_t under)
-{
+constexpr std::uint32_t PixelOver(std::uint32_t over, std::uint32_t under) {
     return AddPixels(over, ScalePixel(under, 255 - (over >> 24)));
 }
 
-/// Where a gradient's ramp is read: its place at the centre of a device pixel. A linear gradient's ramp runs over the
-/// places' X 0..1, a radial one's over their distances 0..1 from (0, 0).
+/// Where a gradient's ramp is read: its place at the centre of a device pixel. A linear gradient's ramp runs
+/// over the places' X 0..1, a radial one's over their distances 0..1 from (0, 0).
 struct TRampWalk {
     TAffine ToRamp;
     TSpread Spread = TSpread::Pad;
@@ -63,21 +58,18 @@ struct TFocalWalk {
     float FocusRadius = 0, Growth = 1;
 };
 
-/// What stays the same along a row of a focal gradient: t^2 A - 2 t B + C = 0, A < 0, has B = p Axis + Offset and
-/// C = p p - Inner. Each implementation takes the solution in the form that does not cancel.
+/// What stays the same along a row of a focal gradient: t^2 A - 2 t B + C = 0, A < 0, has B = p Axis + Offset
+/// and C = p p - Inner. Each implementation takes the solution in the form that does not cancel.
 struct TFocalTerms {
     explicit TFocalTerms(const TFocalWalk& w)
         : A(w.AxisX * w.AxisX + w.AxisY * w.AxisY - w.Growth * w.Growth)
         , Offset(w.FocusRadius * w.Growth)
-        , Inner(w.FocusRadius * w.FocusRadius)
-    {
-    }
+        , Inner(w.FocusRadius * w.FocusRadius) {}
     float A, Offset, Inner;
 };
 
 /// The entry of the ramp at place t: the spread's rule, then the nearest entry. No number counts as 0.
-template <class T> int RampEntry(T t, TSpread spread)
-{
+template <class T> int RampEntry(T t, TSpread spread) {
     if (spread == TSpread::Repeat)
         t -= std::floor(t);
     else if (spread == TSpread::Reflect) {
@@ -95,19 +87,27 @@ template <class T> int RampEntry(T t, TSpread spread)
 struct TFillJob {
     std::span<const TCoverageRow> Rows;
     TFillRule Rule = TFillRule::NonZero;
-    int Right = 0;                       ///< device column up to which pixels may be touched
-    int Left = 0, Top = 0;               ///< device place of the first of Pixels
+    int Right = 0;         ///< device column up to which pixels may be touched
+    int Left = 0, Top = 0; ///< device place of the first of Pixels
     std::uint32_t* Pixels = nullptr;
     std::ptrdiff_t Stride = 0;
-    const std::uint8_t* Clip = nullptr;  ///< further coverage, readable as far as 8 behind its end; or null
+    const std::uint8_t* Clip = nullptr; ///< further coverage, readable as far as 8 behind its end; or null
     int ClipLeft = 0, ClipTop = 0;
     std::ptrdiff_t ClipStride = 0;
 
-    std::uint32_t* PixelsOf(const TCoverageRow& row) const { return Pixels + (row.Y - Top) * Stride + (row.X - Left); }
-    const std::uint8_t* ClipOf(const TCoverageRow& row) const
-    {
+    std::uint32_t* PixelsOf(const TCoverageRow& row) const {
+        return Pixels + (row.Y - Top) * Stride + (row.X - Left);
+    }
+    const std::uint8_t* ClipOf(const TCoverageRow& row) const {
         return Clip ? Clip + (row.Y - ClipTop) * ClipStride + (row.X - ClipLeft) : nullptr;
     }
+};
+
+/// Boxes of pixels side by side: each `Across` (at most 16) pixels wide and `Down` (at most 257) high.
+struct TPixelBoxes {
+    const std::uint32_t* Pixels = nullptr; ///< the first of the first box
+    std::ptrdiff_t Stride = 0;
+    int Across = 1, Down = 1;
 };
 
 /// The operations on rows of pixels, in one of several equal implementations: all give the same bytes.
@@ -123,9 +123,12 @@ struct TRowOps {
     /// coverage *= factor.
     void (*MultiplyCoverage)(std::uint8_t* coverage, const std::uint8_t* factor, int count);
     /// Lays pixels over the row, through coverage.
-    void (*BlendCovered)(std::uint32_t* row, int count, const std::uint32_t* pixels, const std::uint8_t* coverage);
+    void (*BlendCovered)(std::uint32_t* row, int count, const std::uint32_t* pixels,
+                         const std::uint8_t* coverage);
     /// Lays pixels over the row, all times opacity / 255.
     void (*BlendRow)(std::uint32_t* row, int count, const std::uint32_t* pixels, unsigned opacity);
+    /// The means of `count` boxes side by side. `sums` has room for 4 numbers a column of the boxes.
+    void (*Average)(std::uint32_t* pixels, int count, const TPixelBoxes& boxes, std::uint16_t* sums);
 };
 
 /// The implementation for any machine.

@@ -65,9 +65,8 @@ void TSVGDocument::LoadFromFile(const std::string& path) {
 void TSVGDocument::TakeContent(TSVGDocument& other) {
     const bool enabled = GetEnabled();
     BeginUpdate();
-    RemoveChildren();
-    SetId("");
     FIds.clear();
+    RemoveChildren();
     CopyFrom(other);
     FEnabled = enabled;
     FDuplicateIds = other.FDuplicateIds;
@@ -104,7 +103,10 @@ void TSVGDocument::SaveToFile(const std::string& path) const { WriteFileAtomical
 
 void TSVGDocument::AddDiagnostic(std::string text) {
     constexpr std::size_t most = 200;
-    if (FDiagnostics.size() < most) FDiagnostics.push_back({FLine, FColumn, std::move(text)});
+    if (FDiagnostics.size() >= most) return;
+    TSVGDiagnostic& note = FDiagnostics.emplace_back();
+    note.Text = std::move(text);
+    if (FReadPlace) FReadPlace(note);
 }
 
 // Ids
@@ -119,38 +121,74 @@ void TSVGDocument::RaiseInvalidCast(std::string_view id, const TSVGElement& elem
                        ">, not of the class asked for");
 }
 
-void TSVGDocument::Register(TSVGElement& root) {
-    const bool inTree = &root == this || root.HasAncestor(this);
-    if (!inTree) return;
-    ForTree(root, [this](TSVGElement& element) {
-        if (!element.FId.empty() && !FIds.try_emplace(element.FId, &element).second) FDuplicateIds = true;
-    });
-    // The first in the document is the one that is found.
-    if (FDuplicateIds) {
-        FIds.clear();
-        ForTree(*this, [this](TSVGElement& element) {
-            if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
-        });
-    }
+namespace {
+
+/// True where `a` stands before `b` in the document; both lie in it.
+bool StandsBefore(const TSVGElement& a, const TSVGElement& b) {
+    const auto path = [](const TSVGElement* at) {
+        std::vector<const TSVGElement*> steps;
+        for (; at; at = at->GetParent())
+            steps.push_back(at);
+        std::ranges::reverse(steps);
+        return steps;
+    };
+    const auto pathA = path(&a);
+    const auto pathB = path(&b);
+    const auto [atA, atB] = std::ranges::mismatch(pathA, pathB);
+    if (atA == pathA.end() || atB == pathB.end()) return atA == pathA.end() && atB != pathB.end();
+    const auto& siblings = (*atA)->GetParent()->Children();
+    if (siblings.back().get() == *atA) return false; // what is read comes last
+    const auto first = std::ranges::find_if(
+        siblings, [&](const auto& s) { return s.get() == *atA || s.get() == *atB; });
+    return first->get() == *atA;
 }
 
-void TSVGDocument::Unregister(TSVGElement& root) {
+} // namespace
+
+void TSVGDocument::ChangeId(TSVGElement& element, std::string_view id) {
+    const bool lost = DropId(element);
+    element.FId = id;
+    if (element.IsInTree()) TakeId(element);
+    if (lost) FindIdsAgain();
+}
+
+/// Where several elements have the same id the first in the document is the one that is found.
+void TSVGDocument::TakeId(TSVGElement& element) {
+    if (element.FId.empty()) return;
+    const auto [at, isNew] = FIds.try_emplace(element.FId, &element);
+    if (isNew) return;
+    FDuplicateIds = true;
+    if (!StandsBefore(element, *at->second)) return;
+    FIds.erase(at); // the key lies in the other element
+    FIds.emplace(element.FId, &element);
+}
+
+/// True where the id was found by this element.
+bool TSVGDocument::DropId(const TSVGElement& element) {
+    const auto at = element.FId.empty() ? FIds.end() : FIds.find(element.FId);
+    if (at == FIds.end() || at->second != &element) return false;
+    FIds.erase(at);
+    return true;
+}
+
+/// Another element may have waited behind an id that was dropped.
+void TSVGDocument::FindIdsAgain() {
+    if (!FDuplicateIds) return;
+    ForTree(*this, [this](TSVGElement& element) {
+        if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
+    });
+}
+
+void TSVGDocument::Register(TSVGElement& root) {
+    if (root.IsInTree()) ForTree(root, [this](TSVGElement& element) { TakeId(element); });
+}
+
+/// Forgets the ids of trees that were taken out of the document.
+void TSVGDocument::Unregister(std::span<const std::unique_ptr<TSVGElement>> roots) {
     bool lost = false;
-    ForTree(root, [&](TSVGElement& element) {
-        const auto at = element.FId.empty() ? FIds.end() : FIds.find(element.FId);
-        if (at != FIds.end() && at->second == &element) {
-            FIds.erase(at);
-            lost = true;
-        }
-    });
-    if (!lost || !FDuplicateIds) return;
-    // Another element may have waited behind the same id.
-    const auto leaving = [&](const TSVGElement& element) {
-        return &element == &root || element.HasAncestor(&root);
-    };
-    ForTree(*this, [&](TSVGElement& element) {
-        if (!element.FId.empty() && !leaving(element)) FIds.try_emplace(element.FId, &element);
-    });
+    for (const auto& root : roots)
+        ForTree(*root, [&](TSVGElement& element) { lost = DropId(element) || lost; });
+    if (lost) FindIdsAgain();
 }
 
 void TSVGDocument::Notify(const TSVGChange& change) {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -120,8 +121,12 @@ private:
     friend class TSVGReader;
     [[noreturn]] static void RaiseInvalidCast(std::string_view id, const TSVGElement& element);
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
-    void Register(TSVGElement& element);
-    void Unregister(TSVGElement& element);
+    void ChangeId(TSVGElement& element, std::string_view id);
+    void TakeId(TSVGElement& element);
+    bool DropId(const TSVGElement& element);
+    void FindIdsAgain();
+    void Register(TSVGElement& root);
+    void Unregister(std::span<const std::unique_ptr<TSVGElement>> roots);
     void Notify(const TSVGChange& change);
     void DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
                   const TSVGGraphicElement& element) const;
@@ -140,8 +145,8 @@ private:
     TAffine FDrawMatrix;
     std::vector<TSVGDiagnostic> FDiagnostics;
     int FEmbeddingDepth = 0;
-    int FLine = 0;
-    int FColumn = 0;
+    /// Fills in the place while a text is being read; empty at other times.
+    std::function<void(TSVGDiagnostic& note)> FReadPlace;
 };
 
 } // namespace Vz

@@ -8,6 +8,7 @@
 #include "svg/TransformText.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 namespace Vz {
@@ -48,9 +49,7 @@ bool TSVGElement::HasAncestor(const TSVGElement* element) const {
 
 void TSVGElement::SetId(std::string_view id) {
     if (id == FId) return;
-    FDocument->Unregister(*this);
-    FId = id;
-    FDocument->Register(*this);
+    FDocument->ChangeId(*this, id);
     Changed(TSVGChangeKind::Structure);
 }
 
@@ -69,7 +68,8 @@ TSVGElement& TSVGElement::InsertChild(std::size_t index, std::unique_ptr<TSVGEle
     if (index > FChildren.size())
         throw EArgumentOutOfRange("place " + std::to_string(index) + " of " +
                                   std::to_string(FChildren.size()));
-    if (!child || child->FDocument != FDocument || child->FParent)
+    if (!child || child->FDocument != FDocument || child->FParent || child.get() == this ||
+        HasAncestor(child.get()))
         throw EInvalidOperation("an element is added that is not a free one of the same document");
     TSVGElement& element = *child;
     FChildren.insert(FChildren.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
@@ -84,20 +84,20 @@ std::unique_ptr<TSVGElement> TSVGElement::Remove() {
     auto& siblings = FParent->FChildren;
     const auto at =
         std::find_if(siblings.begin(), siblings.end(), [this](const auto& s) { return s.get() == this; });
-    FDocument->Unregister(*this);
     std::unique_ptr<TSVGElement> self = std::move(*at);
     siblings.erase(at);
     TSVGElement* const parent = FParent;
     FParent = nullptr;
+    FDocument->Unregister({&self, 1});
     parent->Changed(TSVGChangeKind::Structure);
     return self;
 }
 
 void TSVGElement::RemoveChildren() {
     if (FChildren.empty()) return;
-    for (const auto& child : FChildren)
-        FDocument->Unregister(*child);
+    const auto removed = std::move(FChildren);
     FChildren.clear();
+    FDocument->Unregister(removed);
     Changed(TSVGChangeKind::Structure);
 }
 
@@ -132,12 +132,22 @@ void TSVGElement::BeginUpdate() { ++FDocument->FUpdateCount; }
 
 void TSVGElement::EndUpdate() {
     TSVGDocument& document = *FDocument;
+    assert(document.FUpdateCount > 0);
     if (--document.FUpdateCount > 0 || !document.FPending) return;
     document.FPending = false;
     Raise(document.OnChange, document.FPendingChange);
 }
 
-void TSVGElement::Changed(TSVGChangeKind kind) { FDocument->Notify({this, kind}); }
+void TSVGElement::Changed(TSVGChangeKind kind) {
+    if (IsInTree()) FDocument->Notify({this, kind});
+}
+
+bool TSVGElement::IsInTree() const {
+    const TSVGElement* top = this;
+    while (top->FParent)
+        top = top->FParent;
+    return top == FDocument;
+}
 
 void TSVGElement::PutStyle(TSVGStyleProperty property, TStyleValue value) {
     if (const TStyleValue* const own = FStyle.Find(property); own && *own == value) return;
@@ -151,13 +161,20 @@ void TSVGElement::SetSet(TSVGStyleProperty property, bool included) {
         return;
     }
     if (FStyle.Contains(property)) return;
-    if (const TStyleValue* const value = FindInherited(property)) PutStyle(property, *value);
+    if (const TStyleValue* const value = FindInherited(property))
+        PutStyle(property, TStyleValue(*value));
+    else if (auto initial = ParseStyleValue(property, "initial"))
+        PutStyle(property, std::move(*initial));
 }
 
 void TSVGElement::SetValue(const TSVGStyleSet& set) {
     if (set == FStyle) return;
-    FStyle = set;
+    BeginUpdate();
+    FStyle = {};
+    for (const auto& [property, value] : set.Entries())
+        PutStyle(property, value);
     Changed(TSVGChangeKind::Paint);
+    EndUpdate();
 }
 
 TComputedStyle TSVGElement::GetComputedStyle() const {
@@ -173,10 +190,11 @@ TComputedStyle TSVGElement::GetComputedStyle() const {
 }
 
 const TStyleValue* TSVGElement::FindInherited(TSVGStyleProperty property) const {
-    for (const TSVGElement* at = this; at; at = IsInherited(property) ? at->FParent : nullptr)
-        if (const TStyleValue* const own = at->FStyle.Find(property);
-            own && own->Kind != TStyleValue::TKind::Inherit)
-            return own;
+    for (const TSVGElement* at = this; at; at = at->FParent) {
+        const TStyleValue* const own = at->FStyle.Find(property);
+        if (own && own->Kind != TStyleValue::TKind::Inherit) return own;
+        if (!own && !IsInherited(property)) return nullptr;
+    }
     return nullptr;
 }
 

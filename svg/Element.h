@@ -91,7 +91,7 @@ public:
     const std::vector<std::unique_ptr<TSVGElement>>& Children() const { return FChildren; }
     /// Takes an element of the same document in as the last child, or before the child at `index`. Raises
     /// EArgumentOutOfRange for an index beyond the count, EInvalidOperation for an element of another
-    /// document.
+    /// document, of another parent, or that this one lies in.
     TSVGElement& AddChild(std::unique_ptr<TSVGElement> child);
     TSVGElement& InsertChild(std::size_t index, std::unique_ptr<TSVGElement> child);
     /// Creates an element of class T in this element's document as its last child.
@@ -110,7 +110,8 @@ public:
     /// Nested; the document tells its listener once at the outermost end. One count for the whole document.
     void BeginUpdate();
     void EndUpdate();
-    /// Tells the document that something of this element changed outside of its setters.
+    /// Tells the document that something of this element changed outside of its setters; nothing happens
+    /// while the element is in no tree.
     void Changed(TSVGChangeKind kind = TSVGChangeKind::Paint);
 
     /// The style properties that the element sets itself.
@@ -148,6 +149,7 @@ protected:
 
 private:
     friend class TSVGDocument;
+    bool IsInTree() const;
     std::unique_ptr<TSVGElement> CloneInto(TSVGDocument& document, bool withIds) const;
 
     TSVGDocument* FDocument;

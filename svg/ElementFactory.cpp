@@ -94,7 +94,9 @@ std::unique_ptr<TSVGElement> MakeElement(std::string_view name, TSVGElement& par
         return std::make_unique<TSVGPlainElement>(document, TSVGTag::Title, std::string(name));
     if (IsFilterPartName(name))
         return std::make_unique<TSVGPlainElement>(document, TSVGTag::FilterPart, std::string(name));
-    const bool inText = dynamic_cast<const TSVGCustomText*>(&parent) != nullptr;
+    const TSVGTag above = parent.GetTag();
+    const bool inText = above == TSVGTag::Text || above == TSVGTag::TSpan || above == TSVGTag::TextPath ||
+                        above == TSVGTag::TRef;
     const TMaker make = Find(inText ? std::span<const TRow>(TextRows) : std::span<const TRow>(Rows), name);
     return make ? make(document) : nullptr;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "svg/CompiledInternal.h"
+#include "svg/DeviceSwitchInternal.h"
 #include "svg/Document.h"
 #include "svg/Servers.h"
 #include "svg/Shapes.h"
@@ -108,6 +109,7 @@ private:
     /// PainterFilter.cpp: paints through the filter that the element's style names.
     void PaintFiltered(const TSVGGraphicElement& element, const TPaintContext& inner,
                        const std::function<void(const TPaintContext&)>& paint);
+    struct TFilterJob;
     /// Paints what the clip path covers, opaque, as content of a mask.
     void PaintClip(const TSVGReferenced& clip, const TPaintContext& context);
     void PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element, const TPaintContext& inner);
@@ -120,7 +122,7 @@ private:
                      TPointD at, double angleRad);
 
     const TSVGDocument& FDocument;
-    IPaintDevice& FDevice;
+    TDeviceSwitch FDevice;
     TPaintPass FPass = TPaintPass::Whole;
     std::vector<const TSVGElement*> FPath;   ///< from the root's child to the pivot
     std::vector<const TSVGElement*> FActive; ///< references being followed

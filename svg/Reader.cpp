@@ -53,6 +53,10 @@ bool IsCss(const char** attributes) {
     return true;
 }
 
+bool IsTextTag(TSVGTag tag) {
+    return tag == TSVGTag::Text || tag == TSVGTag::TSpan || tag == TSVGTag::TextPath;
+}
+
 /// Parts of filters have attributes of their own that are called like style properties of other meaning.
 std::optional<TSVGStyleProperty> FilterPartProperty(std::string_view name) {
     constexpr std::string_view styles[] = {"flood-color", "flood-opacity", "lighting-color",
@@ -96,6 +100,7 @@ private:
     void Start(const char* name, const char** attributes);
     void End();
     void Text(std::string_view text);
+    void FlushText();
     [[noreturn]] void Fail(const std::string& reason) const;
 
     void BindNamespaces(const char** attributes);
@@ -120,6 +125,7 @@ private:
     std::vector<TOpen> FOpen;
     std::vector<TBinding> FBindings;
     std::string FSheetText;
+    std::string FCharacters;
     TStyleSheet FSheet;
     std::deque<TPending> FPending;
     std::vector<std::pair<TSVGCustomText*, std::string>> FTextReferences;
@@ -137,6 +143,10 @@ void TSVGReader::Run(std::string_view text) {
     if (!FParser) throw EReadError("not enough memory", {std::string(FSource)});
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> guard(FParser, XML_ParserFree);
     XML_SetUserData(FParser, this);
+    FDocument.FReadPlace = [this](TSVGDiagnostic& note) {
+        note.Line = static_cast<int>(XML_GetCurrentLineNumber(FParser));
+        note.Column = static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1;
+    };
     XML_SetElementHandler(
         FParser,
         [](void* data, const XML_Char* name, const XML_Char** attributes) {
@@ -159,6 +169,7 @@ void TSVGReader::Run(std::string_view text) {
         if (last) break;
         at += size;
     }
+    FDocument.FReadPlace = nullptr;
     if (FHasSheets) ApplySheets();
     ResolveTextReferences();
 }
@@ -191,8 +202,7 @@ std::optional<std::string_view> TSVGReader::SvgName(std::string_view name) const
 }
 
 void TSVGReader::Start(const char* name, const char** attributes) {
-    FDocument.FLine = static_cast<int>(XML_GetCurrentLineNumber(FParser));
-    FDocument.FColumn = static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1;
+    FlushText();
     const std::size_t namespaces = FBindings.size();
     BindNamespaces(attributes);
     const auto svgName = SvgName(name);
@@ -352,6 +362,7 @@ void TSVGReader::ResolveTextReferences() {
 
 void TSVGReader::End() {
     if (FOpen.empty()) return;
+    FlushText();
     if (FOpen.back().IsSheet && FOpen.back().Element) {
         std::vector<std::string> notes;
         FSheet.Add(FSheetText, &notes);
@@ -364,20 +375,24 @@ void TSVGReader::End() {
 
 void TSVGReader::Text(std::string_view text) {
     if (FOpen.empty() || !FOpen.back().Element) return;
-    if (FOpen.back().IsSheet) {
+    const TSVGTag tag = FOpen.back().Element->GetTag();
+    if (FOpen.back().IsSheet)
         FSheetText += text;
-        return;
-    }
+    else if (tag == TSVGTag::Title || IsTextTag(tag))
+        FCharacters += text;
+}
+
+/// Hands the characters gathered so far to the element that is open.
+void TSVGReader::FlushText() {
+    if (FCharacters.empty()) return;
     TSVGElement& element = *FOpen.back().Element;
-    if (auto* const plain = dynamic_cast<TSVGPlainElement*>(&element);
-        plain && plain->GetTag() == TSVGTag::Title) {
-        plain->SetText(plain->GetText() + std::string(text));
-    } else if (dynamic_cast<TSVGCustomText*>(&element) && element.GetTag() != TSVGTag::TRef) {
-        const std::size_t count = element.GetChildCount();
-        auto* const last = count ? dynamic_cast<TSVGCharacters*>(&element.GetChild(count - 1)) : nullptr;
-        auto& characters = last ? *last : element.Add<TSVGCharacters>();
-        characters.SetText(characters.GetText() + std::string(text));
+    if (element.GetTag() == TSVGTag::Title) {
+        auto& title = static_cast<TSVGPlainElement&>(element);
+        title.SetText(title.GetText() + FCharacters);
+    } else {
+        element.Add<TSVGCharacters>().SetText(FCharacters);
     }
+    FCharacters.clear();
 }
 
 void ReadSvg(std::string_view text, std::string_view source, TSVGDocument& document) {

@@ -326,6 +326,9 @@ bool TSVGReferenced::ReadAttribute(std::string_view name, std::string_view value
         read = !FReference.empty();
     } else if (name == "x" || name == "y") {
         if ((read = length.Parse(value))) (name == "x" ? FOwnX : FOwnY) = length;
+    } else if (GetTag() == TSVGTag::Filter && (name == "width" || name == "height")) {
+        // Kept where it is negative, too: nothing is then painted through the filter (Filter Effects 1, 8.2).
+        if ((read = length.Parse(value))) name == "width" ? SetWidthLength(length) : SetHeightLength(length);
     } else if (name == "markerWidth" || name == "markerHeight") {
         return TSVGViewElement::ReadAttribute(name == "markerWidth" ? "width" : "height", value);
     } else if (name == "refX" || name == "refY") {

@@ -58,16 +58,21 @@ bool IsAligned(const TTextNode& node) {
 /// line is inherited as a word and applies once, where an element says no alignment of its own.
 void RaiseNodes(std::vector<TTextNode>& nodes, bool isVertical) {
     std::vector<double> shifts(nodes.size());
+    std::vector<TKeyword> dominant(nodes.size());
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         TTextNode& node = nodes[i];
-        const double shift = BaselineShift(node);
-        shifts[i] = std::isfinite(shift) ? shift : 0;
-        if (node.Parent >= 0) shifts[i] += shifts[static_cast<std::size_t>(node.Parent)];
+        dominant[i] = node.Style.DominantBaseline;
+        if (node.Parent >= 0) {
+            const auto parent = static_cast<std::size_t>(node.Parent);
+            const double shift = BaselineShift(node);
+            shifts[i] = shifts[parent] + (std::isfinite(shift) ? shift : 0);
+            if (dominant[i] == TKeyword::NoChange || dominant[i] == TKeyword::ResetSize)
+                dominant[i] = dominant[parent];
+        }
         const bool isAligned = !isVertical && IsAligned(node);
         if (isAligned) shifts[i] -= BaselineHeight(node.Style.AlignmentBaseline, node.Metrics);
         node.Raise = shifts[i];
-        if (!isVertical && !isAligned)
-            node.Raise -= BaselineHeight(node.Style.DominantBaseline, node.Metrics);
+        if (!isVertical && !isAligned) node.Raise -= BaselineHeight(dominant[i], node.Metrics);
     }
 }
 

@@ -44,7 +44,7 @@ public:
         , FView(view) {}
 
     void Add(const TSVGCustomText& element, const TComputedStyle& style, int parent);
-    /// Takes away the blanks that the end of the text takes along.
+    /// Takes away the blank that collapses at the end of the text.
     void TrimEnd();
 
 private:
@@ -55,7 +55,8 @@ private:
 
     TTextContent& FContent;
     TLengthBasis FView;
-    bool FSwallowsBlanks = true; ///< what collapses falls away here
+    bool FSwallowsBlanks = true; ///< a blank that collapses falls away here
+    bool FEndCollapses = false;  ///< the last character is such a blank
 };
 
 void TTextCollector::Add(const TSVGCustomText& element, const TComputedStyle& style, int parent) {
@@ -71,14 +72,11 @@ void TTextCollector::Add(const TSVGCustomText& element, const TComputedStyle& st
     node.Parent = parent;
     if (parent >= 0) node.Rail = FContent.Nodes[static_cast<std::size_t>(parent)].Rail;
     node.Begin = node.End = FContent.Characters.size();
-    if (!node.Rail && !AddRail(index)) {
-        // Without its path the element is not there, but the blanks around it do not become neighbours by
-        // that.
-        FSwallowsBlanks = FContent.Characters.empty();
-        return;
-    }
-    AddChildren(element, index);
+    const bool wasOnRail = node.Rail != nullptr;
+    if (wasOnRail || AddRail(index)) AddChildren(element, index);
     FContent.Nodes[index].End = FContent.Characters.size();
+    // What stands behind a textPath is a line of its own: its blanks do not collapse into those on the path.
+    if (!wasOnRail && element.GetTag() == TSVGTag::TextPath) FSwallowsBlanks = FContent.Characters.empty();
 }
 
 /// Gives a textPath's node its path; false where the path cannot be found (SVG 1.1, 10.13.2: then the element
@@ -132,7 +130,8 @@ void TTextCollector::AddCharacter(std::uint32_t code, std::size_t node) {
     const bool isBlank = code == ' ' || code == '\t' || code == '\n' || code == '\r';
     const bool collapses = isBlank && !FContent.Nodes[node].Style.Text->PreserveSpace;
     if (collapses && FSwallowsBlanks) return;
-    FSwallowsBlanks = collapses;
+    FSwallowsBlanks = isBlank;
+    FEndCollapses = collapses;
     TTextCharacter& made = FContent.Characters.emplace_back();
     made.Begin = FContent.Text.size();
     made.Code = isBlank ? ' ' : code;
@@ -143,7 +142,7 @@ void TTextCollector::AddCharacter(std::uint32_t code, std::size_t node) {
 
 void TTextCollector::TrimEnd() {
     auto& characters = FContent.Characters;
-    if (!FSwallowsBlanks || characters.empty() || characters.back().Code != ' ') return;
+    if (!FEndCollapses) return;
     FContent.Text.resize(characters.back().Begin);
     characters.pop_back();
     for (TTextNode& node : FContent.Nodes) {

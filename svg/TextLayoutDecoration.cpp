@@ -138,13 +138,12 @@ void TDecorator::AddBand(const std::vector<TPathPlace>& places, double across) {
 } // namespace
 
 void AppendDecoration(const TTextContent& content, const TTextLines& lines,
-                      std::span<const std::size_t> glyphs, TTextLineKind kind, double raise,
-                      TFigures& figures) {
-    const TTextNode& node = content.Nodes[lines.Glyphs[glyphs.front()].Node];
-    TStripe stripe = StripeOf(node.Metrics, kind);
-    const double middle = lines.IsVertical ? (node.Metrics.Ascent - node.Metrics.Descent) / 2 : 0;
-    stripe.Top += node.Raise - raise + middle;
-    stripe.Bottom += node.Raise - raise + middle;
+                      std::span<const std::size_t> glyphs, TTextLineKind kind, TFigures& figures) {
+    const TFontMetrics& font = content.Nodes[lines.Glyphs[glyphs.front()].Node].Metrics;
+    TStripe stripe = StripeOf(font, kind);
+    const double middle = lines.IsVertical ? (font.Ascent - font.Descent) / 2 : 0;
+    stripe.Top += middle;
+    stripe.Bottom += middle;
     TDecorator(content, lines, stripe, figures).Add(glyphs);
 }
 

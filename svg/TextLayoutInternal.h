@@ -107,10 +107,9 @@ bool IsVerticalMode(TKeyword writingMode);
 std::vector<TTextPiece> MakePieces(const TTextContent& content, TTextLines& lines);
 
 enum class TTextLineKind : std::uint8_t { Underline, Overline, LineThrough };
-/// Appends a line of decoration along glyphs of one element, given by their indices in visual order. `raise`
-/// is that of the element that declares the decoration.
+/// Appends a line of decoration along glyphs of one element, given by their indices in visual order. It
+/// follows their base line, and is as thick as their font says.
 void AppendDecoration(const TTextContent& content, const TTextLines& lines,
-                      std::span<const std::size_t> glyphs, TTextLineKind kind, double raise,
-                      TFigures& figures);
+                      std::span<const std::size_t> glyphs, TTextLineKind kind, TFigures& figures);
 
 } // namespace Vz

@@ -70,14 +70,16 @@ double TLengthAdjuster::LengthOf(const TTextNode& node, std::size_t first, std::
     return length;
 }
 
-/// lengthAdjust="spacing".
+/// lengthAdjust="spacing". The last piece gets a gap like the others, which parts it from what follows (SVG
+/// 2, 11.5).
 void TLengthAdjuster::Space(std::size_t first, std::size_t end, double missing) {
-    const auto endsPiece = [&](std::size_t i) { return FPiece[i] != FPiece[i + 1]; };
-    std::size_t seams = 0;
-    for (std::size_t i = first; i + 1 < end; ++i)
-        seams += endsPiece(i);
-    for (std::size_t i = first; i + 1 < end; ++i)
-        if (endsPiece(i)) Glyph(i).Gap += missing / static_cast<double>(seams);
+    const auto endsPiece = [&](std::size_t i) { return i + 1 == end || FPiece[i] != FPiece[i + 1]; };
+    std::size_t pieces = 0;
+    for (std::size_t i = first; i < end; ++i)
+        pieces += endsPiece(i);
+    if (pieces < 2) return;
+    for (std::size_t i = first; i < end; ++i)
+        if (endsPiece(i)) Glyph(i).Gap += missing / static_cast<double>(pieces - 1);
 }
 
 /// lengthAdjust="spacingAndGlyphs".

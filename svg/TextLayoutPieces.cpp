@@ -123,7 +123,7 @@ void TPieceMaker::AddLines(std::span<const std::size_t> glyphs, bool areAbove) {
         if (declarer == Undeclared || LineRows[row].IsAbove != areAbove) continue;
         const auto by = static_cast<std::size_t>(declarer);
         TFigures figures;
-        AppendDecoration(FContent, FLines, glyphs, LineRows[row].Kind, FContent.Nodes[by].Raise, figures);
+        AppendDecoration(FContent, FLines, glyphs, LineRows[row].Kind, figures);
         AddPiece(by, std::move(figures), FContent.Nodes[node].Style.Visibility);
     }
 }

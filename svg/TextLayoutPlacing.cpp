@@ -26,6 +26,7 @@ private:
     double AnchorShift() const;
     void PlaceOnLine(const TTextChunk& chunk);
     void PlaceOnRail(const TTextChunk& chunk, const TTextRail& rail);
+    void LeaveRail(const TTextChunk& chunk, const TTextRail& rail, double end);
     bool FindRailPlace(const TTextRail& rail, double distance, TPathPlace& place) const;
     void PlaceGlyph(TTextGlyph& glyph, double along, double across, const TAffine& line) const;
 
@@ -132,10 +133,22 @@ void TChunkPlacer::PlaceOnRail(const TTextChunk& chunk, const TTextRail& rail) {
         const TAffine line = Turn(place.Direction).Then(TAffine::Translation(place.Point.X, place.Point.Y));
         PlaceGlyph(glyph, -glyph.Advance / 2, glyph.Across, line);
     }
-    const double end = start + FShift.X + (FRightToLeft ? 0 : FEnd);
+    LeaveRail(chunk, rail, start + FShift.X + (FRightToLeft ? 0 : FEnd));
+}
+
+/// What follows begins where the last letter on the path ends; blanks behind that lie straight.
+void TChunkPlacer::LeaveRail(const TTextChunk& chunk, const TTextRail& rail, double end) {
     FOnRail = {end - rail.StartOffset, FOnRail.Y + FShift.Y};
-    const TPathPlace last = rail.Ruler.At(end);
-    FCurrent = {last.Point.X - last.Direction.Y * FOnRail.Y, last.Point.Y + last.Direction.X * FOnRail.Y};
+    double letterEnd = end;
+    for (std::size_t i = chunk.GlyphEnd; i > chunk.FirstGlyph && !FRightToLeft; --i) {
+        const TTextGlyph& glyph = FLines.Glyphs[i - 1];
+        if (FContent.Characters[glyph.Character].Code != ' ') break;
+        letterEnd = glyph.Along;
+    }
+    const TPathPlace last = rail.Ruler.At(letterEnd);
+    const TPointD rest = FLines.IsVertical ? TPointD{0, end - letterEnd} : TPointD{end - letterEnd, 0};
+    FCurrent = {last.Point.X - last.Direction.Y * FOnRail.Y + rest.X,
+                last.Point.Y + last.Direction.X * FOnRail.Y + rest.Y};
 }
 
 /// Finds a place on the path; false beyond its ends. A closed path goes on behind its seam for one round,

@@ -49,26 +49,23 @@ void TVZSVGControl::Construct() {
 // Document.
 
 void TVZSVGControl::LoadSVGResource(std::string_view name) {
-    FSVG->AssignContent(Prototype(name));
-    ContentReplaced();
+    ReplaceContent([&] { FSVG->AssignContent(Prototype(name)); });
 }
 
 void TVZSVGControl::LoadFromText(std::string_view text, std::string_view source) {
-    FSVG->LoadFromText(text, source);
-    ContentReplaced();
+    ReplaceContent([&] { FSVG->LoadFromText(text, source); });
 }
 
 void TVZSVGControl::LoadFromStream(std::istream& stream, std::string_view source) {
-    FSVG->LoadFromStream(stream, source);
-    ContentReplaced();
+    ReplaceContent([&] { FSVG->LoadFromStream(stream, source); });
 }
 
 void TVZSVGControl::LoadFromFile(const std::string& path) {
-    FSVG->LoadFromFile(path);
-    ContentReplaced();
+    ReplaceContent([&] { FSVG->LoadFromFile(path); });
 }
 
-void TVZSVGControl::ContentReplaced() {
+void TVZSVGControl::ReplaceContent(const std::function<void()>& load) {
+    load();
     FActiveSVGElement = nullptr;
     FSVG->SetEnabled(GetEnabled());
     FBuffersStale = true;

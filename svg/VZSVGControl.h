@@ -5,6 +5,7 @@
 #include "graphics/Transform.h"
 #include "svg/Document.h"
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -117,6 +118,10 @@ public:
 
 protected:
     void Construct() override;
+    /// All loading goes through here: runs `load`, which replaces the document's content or raises, and then
+    /// forgets the active element, marks the caches stale and invalidates. Overrides call it and add what
+    /// their class does.
+    virtual void ReplaceContent(const std::function<void()>& load);
     void DoPaint(TVZGPCanvas& controlCanvas) override;
     /// Only where the active element was and is, when nothing else can have changed since the last painting.
     void RequestRepaint() override;
@@ -141,7 +146,6 @@ private:
         float Opacity = 1;
     };
 
-    void ContentReplaced();
     void CheckActiveElement() const;
     TSizeF GetPictureSize(double factor) const;
     TAffine PlaceDocument(const TRectF& rect) const;

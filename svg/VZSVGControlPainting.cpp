@@ -100,6 +100,13 @@ TRect UsedPixels(const TPixels& pixels) {
     return used;
 }
 
+/// True when two rectangles had better be painted as the one around them: shapes are traced for each
+/// rectangle, which a few pixels more outweigh.
+bool IsOneAsGood(const TRect& a, const TRect& b, const TRect& both) {
+    const auto area = [](const TRect& r) { return double(r.Width()) * r.Height(); };
+    return area(both) <= 1.3 * (area(a) + area(b) - area(Intersection(a, b)));
+}
+
 void Erase(const TPixels& pixels, const TRect& box) {
     for (int y = box.Top; y < box.Bottom; ++y)
         std::fill_n(pixels.Row(y) + box.Left, box.Width(), 0u);
@@ -321,8 +328,12 @@ void TVZSVGControl::RequestRepaint() {
     // nothing does but what is painted from here on.
     const TRect now = ToControl(ElementPixels(total));
     const TRect stale[] = {FShown, now};
+    const TRect both = Union(FShown, now);
     FShown = now;
-    InvalidateRects(stale);
+    if (IsOneAsGood(stale[0], stale[1], both))
+        InvalidateRect(both);
+    else
+        InvalidateRects(stale);
 }
 
 } // namespace Vz

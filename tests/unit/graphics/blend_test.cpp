@@ -10,21 +10,19 @@ using namespace Vz;
 
 namespace {
 
-std::uint32_t Blend(TBlendMode mode, std::uint32_t under, std::uint32_t over, unsigned opacity = 255)
-{
+std::uint32_t Blend(TBlendMode mode, std::uint32_t under, std::uint32_t over, unsigned opacity = 255) {
     BlendRowInMode(mode, &under, 1, &over, opacity, nullptr);
     return under;
 }
 
 constexpr TBlendMode AllModes[] = {
-    TBlendMode::Normal,     TBlendMode::Multiply,   TBlendMode::Screen,    TBlendMode::Overlay,
-    TBlendMode::Darken,     TBlendMode::Lighten,    TBlendMode::ColorDodge, TBlendMode::ColorBurn,
-    TBlendMode::HardLight,  TBlendMode::SoftLight,  TBlendMode::Difference, TBlendMode::Exclusion,
-    TBlendMode::Hue,        TBlendMode::Saturation, TBlendMode::Color,      TBlendMode::Luminosity,
+    TBlendMode::Normal,    TBlendMode::Multiply,   TBlendMode::Screen,     TBlendMode::Overlay,
+    TBlendMode::Darken,    TBlendMode::Lighten,    TBlendMode::ColorDodge, TBlendMode::ColorBurn,
+    TBlendMode::HardLight, TBlendMode::SoftLight,  TBlendMode::Difference, TBlendMode::Exclusion,
+    TBlendMode::Hue,       TBlendMode::Saturation, TBlendMode::Color,      TBlendMode::Luminosity,
 };
 
-testing::AssertionResult Near(std::uint32_t a, std::uint32_t b)
-{
+testing::AssertionResult Near(std::uint32_t a, std::uint32_t b) {
     for (int shift = 0; shift < 32; shift += 8)
         if (std::abs(int(a >> shift & 255) - int(b >> shift & 255)) > 1)
             return testing::AssertionFailure() << std::hex << a << " is not near " << b;
@@ -33,8 +31,7 @@ testing::AssertionResult Near(std::uint32_t a, std::uint32_t b)
 
 } // namespace
 
-TEST(Blend, OfOpaqueColoursIsTheModesFormula)
-{
+TEST(Blend, OfOpaqueColoursIsTheModesFormula) {
     // Backdrop 0.8, 0.4, 0.2 and source 0.6, 0.2, 1.0, the results worked out by hand.
     const std::uint32_t under = 0xFFCC6633;
     const std::uint32_t over = 0xFF9933FF;
@@ -58,13 +55,13 @@ TEST(Blend, OfOpaqueColoursIsTheModesFormula)
     };
     for (const auto& c : cases) {
         const auto byte = [](double v) { return static_cast<unsigned>(v * 255 + 0.5); };
-        EXPECT_TRUE(Near(Blend(c.Mode, under, over), MakeColor(255, byte(c.Red), byte(c.Green), byte(c.Blue))))
+        EXPECT_TRUE(
+            Near(Blend(c.Mode, under, over), MakeColor(255, byte(c.Red), byte(c.Green), byte(c.Blue))))
             << int(c.Mode);
     }
 }
 
-TEST(Blend, OfHueAndLuminosityKeepsWhatItPromises)
-{
+TEST(Blend, OfHueAndLuminosityKeepsWhatItPromises) {
     std::mt19937 random(8);
     const auto lum = [](std::uint32_t c) { return 0.3 * RedOf(c) + 0.59 * GreenOf(c) + 0.11 * BlueOf(c); };
     for (int i = 0; i < 2000; ++i) {
@@ -78,8 +75,7 @@ TEST(Blend, OfHueAndLuminosityKeepsWhatItPromises)
     EXPECT_TRUE(Near(Blend(TBlendMode::Color, 0xFF808080, 0xFF808080), 0xFF808080));
 }
 
-TEST(Blend, OverNothingIsTheSourceAndOfNothingTheBackdrop)
-{
+TEST(Blend, OverNothingIsTheSourceAndOfNothingTheBackdrop) {
     for (const TBlendMode mode : AllModes) {
         EXPECT_EQ(Blend(mode, 0, 0x80402010), 0x80402010u);
         EXPECT_EQ(Blend(mode, 0x80402010, 0), 0x80402010u);
@@ -87,8 +83,7 @@ TEST(Blend, OverNothingIsTheSourceAndOfNothingTheBackdrop)
     }
 }
 
-TEST(Blend, OfHalfTransparentColoursMixesInProportion)
-{
+TEST(Blend, OfHalfTransparentColoursMixesInProportion) {
     // Both half transparent: a quarter backdrop alone, a quarter source alone, a quarter blended.
     const std::uint32_t under = Premultiply(0x80CC6633);
     const std::uint32_t over = Premultiply(0x809933FF);
@@ -96,13 +91,13 @@ TEST(Blend, OfHalfTransparentColoursMixesInProportion)
     const auto expected = [a](double b, double s, double mixed) {
         return static_cast<unsigned>((a * (1 - a) * (b + s) + a * a * mixed) * 255 + 0.5);
     };
-    const std::uint32_t result = MakeColor(static_cast<unsigned>((2 * a - a * a) * 255 + 0.5),
-                                           expected(0.8, 0.6, 0.48), expected(0.4, 0.2, 0.08), expected(0.2, 1, 0.2));
+    const std::uint32_t result =
+        MakeColor(static_cast<unsigned>((2 * a - a * a) * 255 + 0.5), expected(0.8, 0.6, 0.48),
+                  expected(0.4, 0.2, 0.08), expected(0.2, 1, 0.2));
     EXPECT_TRUE(Near(Blend(TBlendMode::Multiply, under, over), result));
 }
 
-TEST(Blend, GivesPremultipliedPixels)
-{
+TEST(Blend, GivesPremultipliedPixels) {
     std::mt19937 random(2);
     for (int i = 0; i < 20000; ++i) {
         const std::uint32_t under = Premultiply(static_cast<std::uint32_t>(random()));
@@ -114,8 +109,7 @@ TEST(Blend, GivesPremultipliedPixels)
     }
 }
 
-TEST(Blend, GoesThroughCoverageAndOpacity)
-{
+TEST(Blend, GoesThroughCoverageAndOpacity) {
     const std::uint8_t coverage[] = {0, 128, 255};
     const std::uint32_t over[] = {0xFF336699, 0xFF336699, 0xFF336699};
     std::uint32_t row[] = {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF};
@@ -125,9 +119,9 @@ TEST(Blend, GoesThroughCoverageAndOpacity)
     EXPECT_TRUE(Near(row[2], 0xFF99B2CC));
 }
 
-TEST(Mask, IsAlphaOrLuminance)
-{
-    const std::uint32_t pixels[] = {0xFFFFFFFF, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0x80808080, 0xFF808080, 0};
+TEST(Mask, IsAlphaOrLuminance) {
+    const std::uint32_t pixels[] = {0xFFFFFFFF, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF,
+                                    0x80808080, 0xFF808080, 0};
     const int alpha[] = {255, 255, 255, 255, 128, 255, 0};
     const int luminance[] = {255, 54, 182, 18, 128, 128, 0};
     const int linear[] = {255, 54, 182, 18, 128, 55, 0};

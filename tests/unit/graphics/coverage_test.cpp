@@ -12,8 +12,7 @@ namespace {
 
 using namespace Vz;
 
-TPolygons Polygons(std::initializer_list<std::vector<TPointD>> list)
-{
+TPolygons Polygons(std::initializer_list<std::vector<TPointD>> list) {
     TPolygons polygons;
     polygons.Starts.push_back(0);
     for (const auto& points : list) {
@@ -23,8 +22,7 @@ TPolygons Polygons(std::initializer_list<std::vector<TPointD>> list)
     return polygons;
 }
 
-std::vector<TPointD> Box(double left, double top, double right, double bottom)
-{
+std::vector<TPointD> Box(double left, double top, double right, double bottom) {
     return {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
 }
 
@@ -33,8 +31,7 @@ struct TPicture {
     TRect Box;
     std::vector<std::uint8_t> Values;
     int At(int x, int y) const { return Values[std::size_t((y - Box.Top) * Box.Width() + x - Box.Left)]; }
-    long Sum() const
-    {
+    long Sum() const {
         long sum = 0;
         for (const int v : Values)
             sum += v;
@@ -43,8 +40,7 @@ struct TPicture {
 };
 
 TPicture Cover(const TPolygons& polygons, const TRect& box, TFillRule rule = TFillRule::NonZero,
-               const TAffine& matrix = {})
-{
+               const TAffine& matrix = {}) {
     static TCoverage coverage; // kept, so that a row left unclean shows in the next case
     TPicture picture{box, std::vector<std::uint8_t>(std::size_t(box.Width()) * std::size_t(box.Height()))};
     std::vector<std::uint8_t> line(std::size_t(box.Width()) + 2 * TCoverage::Margin);
@@ -65,8 +61,7 @@ TPicture Cover(const TPolygons& polygons, const TRect& box, TFillRule rule = TFi
 }
 
 /// Star of `count` points on circles of changing radius, winding `turns` times.
-std::vector<TPointD> Star(std::mt19937& random, int count, int turns, double cx, double cy, double radius)
-{
+std::vector<TPointD> Star(std::mt19937& random, int count, int turns, double cx, double cy, double radius) {
     std::uniform_real_distribution<double> part(0.2, 1);
     std::vector<TPointD> points;
     for (int i = 0; i < count; ++i) {
@@ -77,8 +72,7 @@ std::vector<TPointD> Star(std::mt19937& random, int count, int turns, double cx,
     return points;
 }
 
-bool IsInside(const TPolygons& polygons, double x, double y, TFillRule rule)
-{
+bool IsInside(const TPolygons& polygons, double x, double y, TFillRule rule) {
     int winding = 0;
     for (std::size_t i = 0; i + 1 < polygons.Starts.size(); ++i) {
         const std::uint32_t first = polygons.Starts[i];
@@ -94,8 +88,7 @@ bool IsInside(const TPolygons& polygons, double x, double y, TFillRule rule)
 }
 
 /// Mean over count by count points a pixel, 0..255.
-double Sampled(const TPolygons& polygons, int x, int y, int count, TFillRule rule)
-{
+double Sampled(const TPolygons& polygons, int x, int y, int count, TFillRule rule) {
     int inside = 0;
     for (int j = 0; j < count; ++j)
         for (int i = 0; i < count; ++i)
@@ -105,8 +98,7 @@ double Sampled(const TPolygons& polygons, int x, int y, int count, TFillRule rul
 
 } // namespace
 
-TEST(Coverage, OfARectangleIsItsAreaInEachPixel)
-{
+TEST(Coverage, OfARectangleIsItsAreaInEachPixel) {
     const TPicture p = Cover(Polygons({Box(1.25, 1.5, 3.5, 3)}), {0, 0, 5, 4});
     EXPECT_EQ(p.At(0, 1), 0);
     EXPECT_EQ(p.At(1, 1), std::lround(0.75 * 0.5 * 255));
@@ -119,8 +111,7 @@ TEST(Coverage, OfARectangleIsItsAreaInEachPixel)
     EXPECT_EQ(p.At(2, 3), 0);
 }
 
-TEST(Coverage, OfATriangleIsItsAreaInEachPixel)
-{
+TEST(Coverage, OfATriangleIsItsAreaInEachPixel) {
     // Hypotenuse from (0,0) to (4,2): in row 0 the areas right of it below the line are these.
     const TPicture p = Cover(Polygons({{{0, 0}, {4, 2}, {0, 2}}}), {0, 0, 4, 2});
     const double areas[2][4] = {{0.75, 0.25, 0, 0}, {1, 1, 0.75, 0.25}};
@@ -129,8 +120,7 @@ TEST(Coverage, OfATriangleIsItsAreaInEachPixel)
             EXPECT_EQ(p.At(x, y), std::lround(areas[y][x] * 255)) << x << " " << y;
 }
 
-TEST(Coverage, OfAHairlineIsInProportion)
-{
+TEST(Coverage, OfAHairlineIsInProportion) {
     const TPicture upright = Cover(Polygons({Box(2.45, 0, 2.55, 4)}), {0, 0, 6, 4});
     for (int y = 0; y < 4; ++y)
         EXPECT_EQ(upright.At(2, y), std::lround(0.1 * 255));
@@ -139,22 +129,21 @@ TEST(Coverage, OfAHairlineIsInProportion)
     EXPECT_EQ(flat.At(3, 2), std::lround(0.02 * 255));
 }
 
-TEST(Coverage, NeighboursInOneShapeLeaveNoSeam)
-{
+TEST(Coverage, NeighboursInOneShapeLeaveNoSeam) {
     std::mt19937 random(5);
     std::uniform_real_distribution<double> place(2, 18);
     for (int i = 0; i < 200; ++i) {
         // A square cut by a random line from its upper to its lower side.
         const double a = place(random);
         const double b = place(random);
-        const TPicture p = Cover(Polygons({{{0, 0}, {a, 0}, {b, 20}, {0, 20}}, {{a, 0}, {20, 0}, {20, 20}, {b, 20}}}),
-                                 {0, 0, 20, 20});
+        const TPicture p =
+            Cover(Polygons({{{0, 0}, {a, 0}, {b, 20}, {0, 20}}, {{a, 0}, {20, 0}, {20, 20}, {b, 20}}}),
+                  {0, 0, 20, 20});
         EXPECT_EQ(p.Sum(), 400 * 255);
     }
 }
 
-TEST(Coverage, FollowsTheFillRule)
-{
+TEST(Coverage, FollowsTheFillRule) {
     const TPolygons twice = Polygons({Box(0, 0, 8, 8), Box(2, 2, 6, 6)});
     EXPECT_EQ(Cover(twice, {0, 0, 8, 8}, TFillRule::NonZero).At(4, 4), 255);
     EXPECT_EQ(Cover(twice, {0, 0, 8, 8}, TFillRule::EvenOdd).At(4, 4), 0);
@@ -164,8 +153,7 @@ TEST(Coverage, FollowsTheFillRule)
     EXPECT_EQ(Cover(Polygons({Box(0, 0, 8, 8), hole}), {0, 0, 8, 8}).At(4, 4), 0);
 }
 
-TEST(Coverage, IsWithinTheErrorOfFineSampling)
-{
+TEST(Coverage, IsWithinTheErrorOfFineSampling) {
     std::mt19937 random(11);
     double squares = 0;
     long count = 0;
@@ -182,8 +170,7 @@ TEST(Coverage, IsWithinTheErrorOfFineSampling)
     EXPECT_LT(std::sqrt(squares / double(count)), 0.6);
 }
 
-TEST(Coverage, SumsUpToTheArea)
-{
+TEST(Coverage, SumsUpToTheArea) {
     std::mt19937 random(3);
     for (int i = 0; i < 50; ++i) {
         const std::vector<TPointD> points = Star(random, 60, 1, 40, 40, 38);
@@ -198,10 +185,11 @@ TEST(Coverage, SumsUpToTheArea)
     }
 }
 
-TEST(Coverage, OfAPixelIsTheSameWithinAnyBox)
-{
+TEST(Coverage, OfAPixelIsTheSameWithinAnyBox) {
     std::mt19937 random(7);
-    const auto number = [&random](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    const auto number = [&random](int low, int high) {
+        return std::uniform_int_distribution(low, high)(random);
+    };
     for (int i = 0; i < 400; ++i) {
         const double size = std::exp2(number(0, 9));
         TPolygons shape = Polygons({Star(random, number(3, 40), number(1, 5), 16.3, 15.7, size),
@@ -219,18 +207,17 @@ TEST(Coverage, OfAPixelIsTheSameWithinAnyBox)
     }
 }
 
-TEST(Coverage, LeavesOutPolygonsThatAreNotFinite)
-{
+TEST(Coverage, LeavesOutPolygonsThatAreNotFinite) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinite = std::numeric_limits<double>::infinity();
-    const TPicture p = Cover(Polygons({{{0, 0}, {nan, 4}, {4, 4}}, Box(5, 5, 6, 6), {{0, 0}, {infinite, 0}, {0, 9}}}),
-                             {0, 0, 8, 8});
+    const TPicture p =
+        Cover(Polygons({{{0, 0}, {nan, 4}, {4, 4}}, Box(5, 5, 6, 6), {{0, 0}, {infinite, 0}, {0, 9}}}),
+              {0, 0, 8, 8});
     EXPECT_EQ(p.Sum(), 255);
     EXPECT_EQ(p.At(5, 5), 255);
 }
 
-TEST(Coverage, BearsFarCoordinates)
-{
+TEST(Coverage, BearsFarCoordinates) {
     const TPolygons huge = Polygons({{{-1e9, -1e9}, {1e9, -1e9}, {1e9, 1e9}, {-1e9, 1e9}}});
     EXPECT_EQ(Cover(huge, {0, 0, 9, 9}).Sum(), 81 * 255);
     const TPolygons slope = Polygons({{{-1e9, 1e9 + 5}, {1e9, -1e9 + 5}, {1e9, 1e9}}});
@@ -243,24 +230,21 @@ TEST(Coverage, BearsFarCoordinates)
     Cover(Polygons({Box(1, 1, 2, 2)}), {0, 0, 10, 10}, TFillRule::NonZero, {1e200, 0, 0, 1e200, 0, 0});
 }
 
-TEST(Coverage, OfNothingIsNothing)
-{
+TEST(Coverage, OfNothingIsNothing) {
     EXPECT_EQ(Cover({}, {0, 0, 4, 4}).Sum(), 0);
     EXPECT_EQ(Cover(Polygons({{}, {{1, 1}}, {{1, 1}, {3, 3}}}), {0, 0, 4, 4}).Sum(), 0);
     EXPECT_EQ(Cover(Polygons({{{0, 0}, {4, 4}, {2, 2}}}), {0, 0, 4, 4}).Sum(), 0);
     EXPECT_EQ(Cover(Polygons({Box(0, 0, 4, 4)}), {8, 8, 12, 12}).Sum(), 0);
 }
 
-TEST(Coverage, BearsAMillionEdges)
-{
+TEST(Coverage, BearsAMillionEdges) {
     std::mt19937 random(1);
     const TPicture p = Cover(Polygons({Star(random, 1000000, 1, 50, 50, 48)}), {0, 0, 100, 100});
     EXPECT_GT(p.At(50, 50), 250);
     EXPECT_EQ(p.At(0, 0), 0);
 }
 
-TEST(Coverage, KnowsARectangleOfWholePixels)
-{
+TEST(Coverage, KnowsARectangleOfWholePixels) {
     const auto whole = [](const TPolygons& polygons, const TAffine& matrix = {}) {
         TCoverage coverage;
         coverage.SetShape(polygons, matrix);

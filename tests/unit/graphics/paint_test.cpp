@@ -16,8 +16,7 @@ struct TPainted {
     std::vector<std::uint32_t> Store = std::vector<std::uint32_t>(Size * Size);
     TPixels Pixels{Store.data(), Size, Size, Size};
 
-    explicit TPainted(const TPaint& paint, const TAffine& matrix = {})
-    {
+    explicit TPainted(const TPaint& paint, const TAffine& matrix = {}) {
         TFigures figures;
         figures.MoveTo(-1000, -1000);
         figures.LineTo(1000, -1000);
@@ -33,8 +32,7 @@ struct TPainted {
 };
 
 /// From black at 0 to red at 1, opaque: the red of a pixel is 255 t.
-TPaint BlackToRed(TPaint::TKind kind)
-{
+TPaint BlackToRed(TPaint::TKind kind) {
     const TRampStop stops[] = {{0, 0xFF000000}, {1, 0xFFFF0000}};
     TPaint paint;
     paint.Kind = kind;
@@ -42,8 +40,7 @@ TPaint BlackToRed(TPaint::TKind kind)
     return paint;
 }
 
-double Spread(double t, TSpread spread)
-{
+double Spread(double t, TSpread spread) {
     if (spread == TSpread::Repeat) return t - std::floor(t);
     if (spread == TSpread::Reflect) return std::abs(t - 2 * std::round(t / 2));
     return std::clamp(t, 0.0, 1.0);
@@ -53,9 +50,9 @@ constexpr TSpread AllSpreads[] = {TSpread::Pad, TSpread::Reflect, TSpread::Repea
 
 } // namespace
 
-TEST(Ramp, InterpolatesBetweenStops)
-{
-    const TRampStop stops[] = {{0.25f, 0xFF000000}, {0.5f, 0xFF0000FF}, {0.5f, 0x00FF0000}, {0.75f, 0xFFFF0000}};
+TEST(Ramp, InterpolatesBetweenStops) {
+    const TRampStop stops[] = {
+        {0.25f, 0xFF000000}, {0.5f, 0xFF0000FF}, {0.5f, 0x00FF0000}, {0.75f, 0xFFFF0000}};
     const TGradientRamp ramp(stops, 1);
     const auto at = [&ramp](double t) { return ramp.Table()[int(t * (TGradientRamp::Size - 1) + 0.5)]; };
     EXPECT_EQ(at(0), 0xFF000000u);
@@ -69,8 +66,7 @@ TEST(Ramp, InterpolatesBetweenStops)
     EXPECT_FALSE(ramp.IsOpaque());
 }
 
-TEST(Ramp, ShowsTheOutermostStopsAtItsEnds)
-{
+TEST(Ramp, ShowsTheOutermostStopsAtItsEnds) {
     const TRampStop stops[] = {{0, 0xFFFF0000}, {0, 0xFF00FF00}, {1, 0xFF00FF00}, {1, 0xFF0000FF}};
     const TGradientRamp ramp(stops, 0.5);
     EXPECT_EQ(ramp.Table()[0], 0x80800000u);
@@ -82,8 +78,7 @@ TEST(Ramp, ShowsTheOutermostStopsAtItsEnds)
     EXPECT_EQ(one.Table()[500], 0xFFFF0000u);
 }
 
-TEST(Ramp, BearsAnything)
-{
+TEST(Ramp, BearsAnything) {
     const TRampStop stops[] = {{NAN, 0xFFFF0000}, {0.7f, 0xFF00FF00}, {0.2f, 0xFF0000FF}, {7, 0xFFFFFFFF}};
     const TGradientRamp ramp(stops, NAN);
     EXPECT_EQ(ramp.Opacity(), 0);
@@ -92,8 +87,7 @@ TEST(Ramp, BearsAnything)
     EXPECT_EQ(TGradientRamp({}, 1).Table()[5], 0u);
 }
 
-TEST(LinearPaint, RunsFromStartToEnd)
-{
+TEST(LinearPaint, RunsFromStartToEnd) {
     for (const TSpread spread : AllSpreads) {
         TPaint paint = BlackToRed(TPaint::TKind::Linear);
         paint.Start = {10, 12};
@@ -109,8 +103,7 @@ TEST(LinearPaint, RunsFromStartToEnd)
     }
 }
 
-TEST(LinearPaint, FollowsItsMatrixAndTheShapes)
-{
+TEST(LinearPaint, FollowsItsMatrixAndTheShapes) {
     TPaint paint = BlackToRed(TPaint::TKind::Linear);
     paint.Start = {0, 0};
     paint.End = {1, 0};
@@ -120,8 +113,7 @@ TEST(LinearPaint, FollowsItsMatrixAndTheShapes)
         EXPECT_NEAR(painted.RedAt(x, 9), 255 * std::clamp((x + 0.5 - 20) / 40, 0.0, 1.0), 1);
 }
 
-TEST(LinearPaint, WithoutLengthIsItsLastColour)
-{
+TEST(LinearPaint, WithoutLengthIsItsLastColour) {
     TPaint paint = BlackToRed(TPaint::TKind::Linear);
     paint.Start = paint.End = {10, 10};
     EXPECT_EQ(TPainted(paint).At(30, 30), 0xFFFF0000u);
@@ -129,8 +121,7 @@ TEST(LinearPaint, WithoutLengthIsItsLastColour)
     EXPECT_EQ(TPainted(paint).At(30, 30), 0xFFFF0000u);
 }
 
-TEST(LinearPaint, ThatCannotBePaintedPaintsNothing)
-{
+TEST(LinearPaint, ThatCannotBePaintedPaintsNothing) {
     TPaint paint = BlackToRed(TPaint::TKind::Linear);
     paint.End = {10, 0};
     paint.Matrix = {0, 0, 0, 0, 0, 0};
@@ -144,8 +135,7 @@ TEST(LinearPaint, ThatCannotBePaintedPaintsNothing)
     EXPECT_EQ(TPainted(paint).At(30, 30), 0u);
 }
 
-TEST(RadialPaint, RunsFromCentreToRim)
-{
+TEST(RadialPaint, RunsFromCentreToRim) {
     for (const TSpread spread : AllSpreads) {
         TPaint paint = BlackToRed(TPaint::TKind::Radial);
         paint.Center = paint.Focus = {30, 25};
@@ -161,15 +151,15 @@ TEST(RadialPaint, RunsFromCentreToRim)
     }
 }
 
-TEST(RadialPaint, RunsFromTheFocus)
-{
+TEST(RadialPaint, RunsFromTheFocus) {
     for (const double distance : {0.3, 0.8, 0.97})
         for (const double focusRadius : {0.0, 4.0}) {
             TPaint paint = BlackToRed(TPaint::TKind::Radial);
             paint.Center = {32, 32};
             paint.Radius = 28;
             paint.FocusRadius = focusRadius;
-            paint.Focus = {32 + (28 - focusRadius) * distance * 0.6, 32 + (28 - focusRadius) * distance * 0.8};
+            paint.Focus = {32 + (28 - focusRadius) * distance * 0.6,
+                           32 + (28 - focusRadius) * distance * 0.8};
             const TPainted painted(paint);
             for (int step = 1; step < 20; ++step)
                 for (int turn = 0; turn < 24; ++turn) {
@@ -189,13 +179,13 @@ TEST(RadialPaint, RunsFromTheFocus)
                         const bool inside = std::hypot(dx, dy) < focusRadius + middle * (28 - focusRadius);
                         (inside ? high : low) = middle;
                     }
-                    ASSERT_NEAR(painted.RedAt(x, y), 255 * std::min(low, 1.0), 2) << distance << " " << x << " " << y;
+                    ASSERT_NEAR(painted.RedAt(x, y), 255 * std::min(low, 1.0), 2)
+                        << distance << " " << x << " " << y;
                 }
         }
 }
 
-TEST(RadialPaint, WithItsFocusOnTheRimShowsTheLastColourBehindIt)
-{
+TEST(RadialPaint, WithItsFocusOnTheRimShowsTheLastColourBehindIt) {
     TPaint paint = BlackToRed(TPaint::TKind::Radial);
     paint.Center = {32, 32};
     paint.Radius = 20;
@@ -206,8 +196,7 @@ TEST(RadialPaint, WithItsFocusOnTheRimShowsTheLastColourBehindIt)
     EXPECT_NEAR(painted.RedAt(31, 32), 255 * 20.5 / 40, 3);
 }
 
-TEST(RadialPaint, WithItsFocusOutsidePaintsACone)
-{
+TEST(RadialPaint, WithItsFocusOutsidePaintsACone) {
     TPaint paint = BlackToRed(TPaint::TKind::Radial);
     paint.Center = {44, 32};
     paint.Radius = 10;
@@ -220,8 +209,7 @@ TEST(RadialPaint, WithItsFocusOutsidePaintsACone)
     EXPECT_NEAR(painted.RedAt(21, 32), 255 * 11.5 / 24, 3);
 }
 
-TEST(ImagePaint, RepeatsItsTile)
-{
+TEST(ImagePaint, RepeatsItsTile) {
     auto tile = std::make_shared<TVZGPBitmap>(3u, 2u);
     for (int i = 0; i < 6; ++i)
         tile->GetPixels().Data[i] = 0xFF000000u + unsigned(i) * 40;
@@ -229,7 +217,8 @@ TEST(ImagePaint, RepeatsItsTile)
     paint.Kind = TPaint::TKind::Image;
     paint.Image = tile;
     paint.Matrix = TAffine::Translation(-4, 5);
-    for (const TInterpolation mode : {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic}) {
+    for (const TInterpolation mode :
+         {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic}) {
         paint.Interpolation = mode;
         const TPainted painted(paint);
         for (int y = 0; y < Size; ++y)
@@ -247,8 +236,7 @@ TEST(ImagePaint, RepeatsItsTile)
     EXPECT_EQ(large.At(12, 8), 0xFF000000u);
 }
 
-TEST(ImagePaint, OfATinyTileIsItsMean)
-{
+TEST(ImagePaint, OfATinyTileIsItsMean) {
     auto tile = std::make_shared<TVZGPBitmap>(8u, 8u);
     for (int i = 0; i < 64; ++i)
         tile->GetPixels().Data[i] = (i + i / 8) % 2 ? 0xFFFFFFFFu : 0xFF000000u;
@@ -268,8 +256,7 @@ namespace {
 struct TDrawn {
     std::vector<std::uint32_t> Store = std::vector<std::uint32_t>(Size * Size);
     TPixels Pixels{Store.data(), Size, Size, Size};
-    TDrawn(const TPixels& image, const TAffine& matrix, TInterpolation mode, double opacity = 1)
-    {
+    TDrawn(const TPixels& image, const TAffine& matrix, TInterpolation mode, double opacity = 1) {
         TRasterDevice(Pixels).DrawImage(image, matrix, opacity, mode);
     }
     std::uint32_t At(int x, int y) const { return Store[std::size_t(y * Size + x)]; }
@@ -282,8 +269,7 @@ struct TPicture {
     template <class TRed>
     TPicture(int width, int height, TRed&& red)
         : Store(std::size_t(width * height))
-        , Pixels{Store.data(), width, height, width}
-    {
+        , Pixels{Store.data(), width, height, width} {
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
                 Pixels.Row(y)[x] = MakeColor(255, static_cast<unsigned>(red(x, y)), 0, 0);
@@ -292,10 +278,10 @@ struct TPicture {
 
 } // namespace
 
-TEST(DrawImage, ByWholePixelsIsACopy)
-{
+TEST(DrawImage, ByWholePixelsIsACopy) {
     const TPicture image(20, 20, [](int x, int y) { return (x * 37 + y * 91) % 256; });
-    for (const TInterpolation mode : {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic}) {
+    for (const TInterpolation mode :
+         {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic}) {
         const TDrawn drawn(image.Pixels, TAffine::Translation(-5, 50), mode);
         for (int y = 0; y < Size; ++y)
             for (int x = 0; x < Size; ++x)
@@ -304,8 +290,7 @@ TEST(DrawImage, ByWholePixelsIsACopy)
     EXPECT_EQ(TDrawn(image.Pixels, {}, TInterpolation::Nearest, 0.5).At(0, 0), 0x80000000u);
 }
 
-TEST(DrawImage, EnlargesSmoothly)
-{
+TEST(DrawImage, EnlargesSmoothly) {
     const TPicture image(8, 8, [](int x, int) { return x * 30; });
     for (const TInterpolation mode : {TInterpolation::Bilinear, TInterpolation::Bicubic}) {
         const TDrawn drawn(image.Pixels, TAffine::Scaling(8, 8), mode);
@@ -318,8 +303,7 @@ TEST(DrawImage, EnlargesSmoothly)
         ASSERT_EQ(RedOf(blocks.At(x, 30)), x / 8 * 30);
 }
 
-TEST(DrawImage, BicubicIsSharperThanBilinear)
-{
+TEST(DrawImage, BicubicIsSharperThanBilinear) {
     const TPicture edge(8, 8, [](int x, int) { return x < 4 ? 60 : 200; });
     const TDrawn linear(edge.Pixels, TAffine::Scaling(8, 8), TInterpolation::Bilinear);
     const TDrawn cubic(edge.Pixels, TAffine::Scaling(8, 8), TInterpolation::Bicubic);
@@ -327,8 +311,7 @@ TEST(DrawImage, BicubicIsSharperThanBilinear)
     EXPECT_LT(RedOf(cubic.At(26, 30)), 60); // the spline swings below before it rises
 }
 
-TEST(DrawImage, AveragesWhatItMakesSmaller)
-{
+TEST(DrawImage, AveragesWhatItMakesSmaller) {
     for (const int factor : {2, 3, 4, 8}) {
         const int size = 16 * factor;
         const TPicture image(size, size, [](int x, int y) { return (x * 57 + y * 131 + x * y) % 256; });
@@ -349,8 +332,7 @@ TEST(DrawImage, AveragesWhatItMakesSmaller)
     }
 }
 
-TEST(DrawImage, AveragesAnyFactorAndMirror)
-{
+TEST(DrawImage, AveragesAnyFactorAndMirror) {
     const TPicture ramp(100, 100, [](int x, int y) { return x + y; });
     for (const TAffine& matrix : {TAffine{0.37, 0, 0, 0.53, 4.2, 1.7}, TAffine{-0.37, 0, 0, 0.53, 50.2, 1.7},
                                   TAffine{0.3, 0.2, -0.2, 0.3, 25, 5}}) {
@@ -368,8 +350,7 @@ TEST(DrawImage, AveragesAnyFactorAndMirror)
     }
 }
 
-TEST(DrawImage, HasSmoothEdges)
-{
+TEST(DrawImage, HasSmoothEdges) {
     const TPicture white(10, 10, [](int, int) { return 255; });
     const TDrawn drawn(white.Pixels, TAffine::Translation(5.25, 5), TInterpolation::Bilinear);
     EXPECT_NEAR(AlphaOf(drawn.At(5, 8)), 191, 1);
@@ -378,9 +359,9 @@ TEST(DrawImage, HasSmoothEdges)
     EXPECT_EQ(AlphaOf(drawn.At(16, 8)), 0);
 }
 
-TEST(DrawImage, OfOnePixelFillsItsPlace)
-{
+TEST(DrawImage, OfOnePixelFillsItsPlace) {
     const TPicture dot(1, 1, [](int, int) { return 200; });
-    for (const TInterpolation mode : {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic})
+    for (const TInterpolation mode :
+         {TInterpolation::Nearest, TInterpolation::Bilinear, TInterpolation::Bicubic})
         EXPECT_EQ(TDrawn(dot.Pixels, TAffine::Scaling(40, 40), mode).At(20, 35), 0xFFC80000u);
 }

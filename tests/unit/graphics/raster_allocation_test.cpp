@@ -15,8 +15,7 @@ std::atomic<long> Allocations{0};
 
 } // namespace
 
-void* operator new(std::size_t size)
-{
+void* operator new(std::size_t size) {
     ++Allocations;
     if (void* memory = std::malloc(size ? size : 1)) return memory;
     throw std::bad_alloc();
@@ -35,8 +34,7 @@ public:
     explicit TFrame(int size)
         : FSize(size)
         , FStore(std::size_t(size) * std::size_t(size))
-        , FLayer(FStore)
-    {
+        , FLayer(FStore) {
         const double s = size / 100.0;
         FFigures.MoveTo(10 * s, 10 * s);
         FFigures.LineTo(90 * s, 30 * s);
@@ -52,8 +50,7 @@ public:
         FShape.Cache = &FCache;
     }
 
-    void Paint(double angle)
-    {
+    void Paint(double angle) {
         FRegion.Clear();
         FRegion.Add(TRect{0, 0, FSize / 2, FSize});
         FRegion.Add(TRect{FSize / 3, FSize / 4, FSize, FSize});
@@ -92,8 +89,7 @@ private:
 
 } // namespace
 
-TEST(RasterAllocation, AFrameLikeTheOneBeforeNeedsNone)
-{
+TEST(RasterAllocation, AFrameLikeTheOneBeforeNeedsNone) {
     TFrame frame(200);
     frame.Paint(0.1);
     frame.Paint(0.11);
@@ -103,8 +99,7 @@ TEST(RasterAllocation, AFrameLikeTheOneBeforeNeedsNone)
     EXPECT_EQ(Allocations - before, 0);
 }
 
-TEST(RasterAllocation, SmallAndGreatFramesInTurnNeedNone)
-{
+TEST(RasterAllocation, SmallAndGreatFramesInTurnNeedNone) {
     TFrame small(40);
     TFrame great(300);
     const auto both = [&] {
@@ -119,8 +114,7 @@ TEST(RasterAllocation, SmallAndGreatFramesInTurnNeedNone)
     EXPECT_EQ(Allocations - before, 0);
 }
 
-TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack)
-{
+TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack) {
     TFrame small(40);
     TFrame great(1000);
     great.Paint(0.2);
@@ -135,8 +129,7 @@ TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack)
     EXPECT_TRUE(needsMemory());
 }
 
-TEST(RasterAllocation, ThreadsPaintEachForItself)
-{
+TEST(RasterAllocation, ThreadsPaintEachForItself) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([i] {
@@ -148,8 +141,7 @@ TEST(RasterAllocation, ThreadsPaintEachForItself)
         thread.join();
 }
 
-TEST(RasterAllocation, ADeviceMayOutliveItsThread)
-{
+TEST(RasterAllocation, ADeviceMayOutliveItsThread) {
     std::vector<std::uint32_t> store(100);
     std::unique_ptr<TRasterDevice> device;
     std::thread([&] { device = std::make_unique<TRasterDevice>(TPixels{store.data(), 10, 10, 10}); }).join();

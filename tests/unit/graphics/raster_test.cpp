@@ -16,15 +16,13 @@ struct TBitmap {
     TPixels Pixels;
     std::vector<std::uint32_t> Store;
     TBitmap(int width, int height, std::uint32_t color = 0)
-        : Store(std::size_t(width) * std::size_t(height), color)
-    {
+        : Store(std::size_t(width) * std::size_t(height), color) {
         Pixels = {Store.data(), width, height, width};
     }
     std::uint32_t At(int x, int y) const { return Pixels.Row(y)[x]; }
 };
 
-TFigures Rect(double x, double y, double width, double height)
-{
+TFigures Rect(double x, double y, double width, double height) {
     TFigures figures;
     figures.MoveTo(x, y);
     figures.LineTo(x + width, y);
@@ -34,22 +32,19 @@ TFigures Rect(double x, double y, double width, double height)
     return figures;
 }
 
-TPaint Solid(TVZGPColor color)
-{
+TPaint Solid(TVZGPColor color) {
     TPaint paint;
     paint.Color = color;
     return paint;
 }
 
-void Fill(IPaintDevice& device, const TFigures& figures, const TPaint& paint, const TAffine& matrix = {})
-{
+void Fill(IPaintDevice& device, const TFigures& figures, const TPaint& paint, const TAffine& matrix = {}) {
     TShape shape;
     shape.Figures = &figures;
     device.Draw(shape, paint, matrix);
 }
 
-void ClipTo(IPaintDevice& device, const TFigures& figures, const TAffine& matrix = {})
-{
+void ClipTo(IPaintDevice& device, const TFigures& figures, const TAffine& matrix = {}) {
     TClipShape clip;
     clip.Shape.Figures = &figures;
     clip.Matrix = matrix;
@@ -57,8 +52,7 @@ void ClipTo(IPaintDevice& device, const TFigures& figures, const TAffine& matrix
 }
 
 /// Every channel differs by at most `slack`.
-testing::AssertionResult Near(std::uint32_t a, std::uint32_t b, int slack)
-{
+testing::AssertionResult Near(std::uint32_t a, std::uint32_t b, int slack) {
     for (int shift = 0; shift < 32; shift += 8)
         if (std::abs(int(a >> shift & 255) - int(b >> shift & 255)) > slack)
             return testing::AssertionFailure() << std::hex << a << " is not near " << b;
@@ -67,8 +61,7 @@ testing::AssertionResult Near(std::uint32_t a, std::uint32_t b, int slack)
 
 } // namespace
 
-TEST(Raster, FillsPixelsByTheirCoverage)
-{
+TEST(Raster, FillsPixelsByTheirCoverage) {
     TBitmap bitmap(6, 4, 0xFFFFFFFF);
     TRasterDevice device(bitmap.Pixels);
     Fill(device, Rect(1, 1, 2.5, 2), Solid(0xFF000000));
@@ -80,8 +73,7 @@ TEST(Raster, FillsPixelsByTheirCoverage)
     EXPECT_EQ(bitmap.At(1, 3), 0xFFFFFFFF);
 }
 
-TEST(Raster, LaysColoursOverEachOther)
-{
+TEST(Raster, LaysColoursOverEachOther) {
     TBitmap bitmap(1, 1);
     TRasterDevice device(bitmap.Pixels);
     Fill(device, Rect(0, 0, 1, 1), Solid(0x80FF0000));
@@ -92,8 +84,7 @@ TEST(Raster, LaysColoursOverEachOther)
     EXPECT_EQ(bitmap.At(0, 0), 0xFF00FF00);
 }
 
-TEST(Raster, PaintsNothingFromWhatIsNotFiniteOrFlat)
-{
+TEST(Raster, PaintsNothingFromWhatIsNotFiniteOrFlat) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinite = std::numeric_limits<double>::infinity();
     TBitmap bitmap(8, 8);
@@ -111,8 +102,7 @@ TEST(Raster, PaintsNothingFromWhatIsNotFiniteOrFlat)
         EXPECT_EQ(pixel, 0u);
 }
 
-TEST(Raster, ChangesOnlyTheRegion)
-{
+TEST(Raster, ChangesOnlyTheRegion) {
     TBitmap bitmap(10, 10);
     TRegion region(TRect{1, 1, 3, 3});
     region.Add(TRect{5, 5, 20, 7});
@@ -126,8 +116,7 @@ TEST(Raster, ChangesOnlyTheRegion)
             EXPECT_EQ(bitmap.At(x, y), region.Contains(x, y) ? 0xFFFFFFFFu : 0u) << x << " " << y;
 }
 
-TEST(Raster, ClearsAndCopiesTheRegion)
-{
+TEST(Raster, ClearsAndCopiesTheRegion) {
     TBitmap bitmap(6, 6, 0x11111111);
     TBitmap image(3, 3);
     for (int i = 0; i < 9; ++i)
@@ -150,8 +139,7 @@ TEST(Raster, ClearsAndCopiesTheRegion)
     EXPECT_EQ(bitmap.At(1, 1), 0u);
 }
 
-TEST(Raster, ClipsByShapes)
-{
+TEST(Raster, ClipsByShapes) {
     TBitmap bitmap(8, 4);
     TRasterDevice device(bitmap.Pixels);
     ClipTo(device, Rect(1, 1, 4.5, 2));
@@ -170,8 +158,7 @@ TEST(Raster, ClipsByShapes)
     EXPECT_EQ(bitmap.At(3, 3), 0u);
 }
 
-TEST(Raster, ClipsByTheUnionOfShapes)
-{
+TEST(Raster, ClipsByTheUnionOfShapes) {
     TBitmap bitmap(8, 2);
     TRasterDevice device(bitmap.Pixels);
     const TFigures left = Rect(0, 0, 2.5, 2);
@@ -188,8 +175,7 @@ TEST(Raster, ClipsByTheUnionOfShapes)
         EXPECT_EQ(bitmap.At(x, 1), expected[x]) << x;
 }
 
-TEST(Raster, ClipOfNothingHidesAll)
-{
+TEST(Raster, ClipOfNothingHidesAll) {
     TBitmap bitmap(4, 4);
     TRasterDevice device(bitmap.Pixels);
     device.PushClip({});
@@ -202,8 +188,7 @@ TEST(Raster, ClipOfNothingHidesAll)
     EXPECT_EQ(bitmap.At(1, 1), 0u);
 }
 
-TEST(Raster, LaysALayerDownAsOne)
-{
+TEST(Raster, LaysALayerDownAsOne) {
     TBitmap bitmap(4, 1, 0xFF000000);
     TRasterDevice device(bitmap.Pixels);
     TLayerStyle style;
@@ -217,8 +202,7 @@ TEST(Raster, LaysALayerDownAsOne)
     EXPECT_TRUE(Near(bitmap.At(3, 0), 0xFF008000, 1));
 }
 
-TEST(Raster, LayersStartTransparentEachTime)
-{
+TEST(Raster, LayersStartTransparentEachTime) {
     TBitmap bitmap(4, 4, 0xFF000000);
     TRasterDevice device(bitmap.Pixels);
     const TRect bounds{1, 1, 3, 3};
@@ -234,8 +218,7 @@ TEST(Raster, LayersStartTransparentEachTime)
     EXPECT_EQ(bitmap.At(3, 3), 0xFF0000FFu);
 }
 
-TEST(Raster, MasksALayer)
-{
+TEST(Raster, MasksALayer) {
     struct TCase {
         TMaskKind Kind;
         TVZGPColor Color;
@@ -261,8 +244,7 @@ TEST(Raster, MasksALayer)
     }
 }
 
-TEST(Raster, AMaskIsNotClippedByTheClipInForce)
-{
+TEST(Raster, AMaskIsNotClippedByTheClipInForce) {
     TBitmap bitmap(4, 1);
     TRasterDevice device(bitmap.Pixels);
     device.PushLayer({});
@@ -277,8 +259,7 @@ TEST(Raster, AMaskIsNotClippedByTheClipInForce)
     EXPECT_EQ(bitmap.At(3, 0), 0u);
 }
 
-TEST(Raster, RunsALayersEffect)
-{
+TEST(Raster, RunsALayersEffect) {
     TBitmap bitmap(6, 6);
     const TRect bounds{2, 1, 9, 4};
     TRasterDevice device(bitmap.Pixels, TRegion(TRect{3, 0, 5, 6}));
@@ -303,8 +284,7 @@ TEST(Raster, RunsALayersEffect)
     EXPECT_EQ(bitmap.At(4, 4), 0u);
 }
 
-TEST(Raster, DevicesNest)
-{
+TEST(Raster, DevicesNest) {
     TBitmap outer(4, 4);
     TBitmap inner(4, 4);
     TRasterDevice device(outer.Pixels);
@@ -320,8 +300,7 @@ TEST(Raster, DevicesNest)
     EXPECT_EQ(outer.At(3, 3), 0u);
 }
 
-TEST(Raster, ACallerMayLeaveThingsPushed)
-{
+TEST(Raster, ACallerMayLeaveThingsPushed) {
     TBitmap bitmap(4, 4);
     for (int i = 0; i < 3; ++i) {
         TRasterDevice device(bitmap.Pixels);
@@ -345,8 +324,7 @@ namespace {
 class TScene {
 public:
     explicit TScene(unsigned seed)
-        : FRandom(seed)
-    {
+        : FRandom(seed) {
         FTile = std::make_shared<TVZGPBitmap>(7u, 5u);
         const TPixels pixels = FTile->GetPixels();
         for (int y = 0; y < 5; ++y)
@@ -354,8 +332,7 @@ public:
                 pixels.Row(y)[x] = Premultiply(static_cast<std::uint32_t>(FRandom()));
     }
 
-    void Paint(IPaintDevice& device, int depth = 0)
-    {
+    void Paint(IPaintDevice& device, int depth = 0) {
         const int steps = Number(2, 5);
         for (int i = 0; i < steps; ++i)
             Step(device, depth, depth < 3 ? Number(0, 7) : Number(0, 3));
@@ -365,12 +342,13 @@ private:
     int Number(int low, int high) { return std::uniform_int_distribution(low, high)(FRandom); }
     double Real(double low, double high) { return std::uniform_real_distribution(low, high)(FRandom); }
 
-    void Step(IPaintDevice& device, int depth, int kind)
-    {
+    void Step(IPaintDevice& device, int depth, int kind) {
         switch (kind) {
         case 0:
         case 1:
-        case 2: Fill(device, Figures(), Paint(), Matrix()); break;
+        case 2:
+            Fill(device, Figures(), Paint(), Matrix());
+            break;
         case 3:
             device.DrawImage(FTile->GetPixels(),
                              Number(0, 1) ? TAffine::Translation(Number(0, 60), Number(0, 60)) : Matrix(),
@@ -382,7 +360,9 @@ private:
             device.PopClip();
             break;
         case 5:
-        case 6: PaintLayer(device, depth); break;
+        case 6:
+            PaintLayer(device, depth);
+            break;
         default: {
             const TFigures figures = Figures();
             TClipShape shapes[2];
@@ -397,8 +377,7 @@ private:
         }
     }
 
-    void PaintLayer(IPaintDevice& device, int depth)
-    {
+    void PaintLayer(IPaintDevice& device, int depth) {
         TLayerStyle style;
         style.Opacity = Number(0, 1) ? 1 : Real(0, 1);
         style.Blend = Number(0, 1) ? TBlendMode::Normal : static_cast<TBlendMode>(Number(0, 15));
@@ -417,14 +396,12 @@ private:
     }
 
     /// Moves all pixels: what lies outside of a piece that is repainted comes into it.
-    static void Smear(const TPixels& pixels, TPointD)
-    {
+    static void Smear(const TPixels& pixels, TPointD) {
         for (int y = 0; y < pixels.Height; ++y)
             std::rotate(pixels.Row(y), pixels.Row(y) + pixels.Width / 3, pixels.Row(y) + pixels.Width);
     }
 
-    TFigures Figures()
-    {
+    TFigures Figures() {
         TFigures figures;
         figures.MoveTo(Real(-10, 80), Real(-10, 80));
         const int count = Number(2, 9);
@@ -434,15 +411,13 @@ private:
         return figures;
     }
 
-    TAffine Matrix()
-    {
+    TAffine Matrix() {
         const TAffine turn = TAffine::Rotation(Number(0, 1) ? 0 : Real(0, 6.3));
         const double scale = Real(0.2, 3);
         return turn.Then({scale, 0, 0, scale * Real(0.5, 1.5), Real(-10, 50), Real(-10, 50)});
     }
 
-    TPaint Paint()
-    {
+    TPaint Paint() {
         TPaint paint;
         paint.Kind = static_cast<TPaint::TKind>(Number(0, 3));
         paint.Color = static_cast<std::uint32_t>(FRandom());
@@ -468,9 +443,10 @@ private:
     std::shared_ptr<TVZGPBitmap> FTile;
 };
 
-TRegion RandomRegion(std::mt19937& random, int size)
-{
-    const auto number = [&random](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+TRegion RandomRegion(std::mt19937& random, int size) {
+    const auto number = [&random](int low, int high) {
+        return std::uniform_int_distribution(low, high)(random);
+    };
     TRegion region;
     const int count = number(1, 5);
     for (int i = 0; i < count; ++i) {
@@ -483,8 +459,7 @@ TRegion RandomRegion(std::mt19937& random, int size)
 
 } // namespace
 
-TEST(Raster, APictureInPiecesEqualsTheWhole)
-{
+TEST(Raster, APictureInPiecesEqualsTheWhole) {
     constexpr int size = 70;
     std::mt19937 random(99);
     for (unsigned seed = 0; seed < 300; ++seed) {
@@ -506,8 +481,7 @@ TEST(Raster, APictureInPiecesEqualsTheWhole)
     }
 }
 
-TEST(Raster, APictureIsTheSameWithAndWithoutVectorInstructions)
-{
+TEST(Raster, APictureIsTheSameWithAndWithoutVectorInstructions) {
     if (!VectorRowOps()) GTEST_SKIP() << "this machine has none";
     constexpr int size = 70;
     for (unsigned seed = 1000; seed < 1200; ++seed) {
@@ -523,8 +497,7 @@ TEST(Raster, APictureIsTheSameWithAndWithoutVectorInstructions)
     }
 }
 
-TEST(Raster, EveryPixelStaysPremultiplied)
-{
+TEST(Raster, EveryPixelStaysPremultiplied) {
     constexpr int size = 70;
     for (unsigned seed = 2000; seed < 2100; ++seed) {
         TBitmap bitmap(size, size);
@@ -533,6 +506,7 @@ TEST(Raster, EveryPixelStaysPremultiplied)
             TScene(seed).Paint(device);
         }
         for (const std::uint32_t pixel : bitmap.Store)
-            ASSERT_LE(std::max({RedOf(pixel), GreenOf(pixel), BlueOf(pixel)}), AlphaOf(pixel)) << "scene " << seed;
+            ASSERT_LE(std::max({RedOf(pixel), GreenOf(pixel), BlueOf(pixel)}), AlphaOf(pixel))
+                << "scene " << seed;
     }
 }

@@ -13,22 +13,19 @@ constexpr int Size = 24;
 /// The pixels of a region, one by one.
 struct TPixelSet {
     bool Has[Size][Size] = {};
-    void Add(const TRect& r)
-    {
+    void Add(const TRect& r) {
         for (int y = std::max(r.Top, 0); y < std::min(r.Bottom, Size); ++y)
             for (int x = std::max(r.Left, 0); x < std::min(r.Right, Size); ++x)
                 Has[y][x] = true;
     }
-    void Keep(const TRect& r)
-    {
+    void Keep(const TRect& r) {
         for (int y = 0; y < Size; ++y)
             for (int x = 0; x < Size; ++x)
                 Has[y][x] = Has[y][x] && x >= r.Left && x < r.Right && y >= r.Top && y < r.Bottom;
     }
 };
 
-void ExpectDisjointAndOrdered(const TRegion& region)
-{
+void ExpectDisjointAndOrdered(const TRegion& region) {
     const auto rects = region.Rects();
     EXPECT_LE(rects.size(), TRegion::MaxRects);
     for (std::size_t i = 0; i < rects.size(); ++i) {
@@ -43,10 +40,11 @@ void ExpectDisjointAndOrdered(const TRegion& region)
 
 } // namespace
 
-TEST(Region, HasTheAddedPixels)
-{
+TEST(Region, HasTheAddedPixels) {
     std::mt19937 random(4);
-    const auto number = [&random](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    const auto number = [&random](int low, int high) {
+        return std::uniform_int_distribution(low, high)(random);
+    };
     for (int round = 0; round < 500; ++round) {
         TRegion region;
         TPixelSet pixels;
@@ -70,8 +68,7 @@ TEST(Region, HasTheAddedPixels)
     }
 }
 
-TEST(Region, JoinsWhatMakesARectangle)
-{
+TEST(Region, JoinsWhatMakesARectangle) {
     TRegion region(TRect{0, 0, 4, 4});
     region.Add(TRect{4, 0, 8, 4});
     region.Add(TRect{0, 4, 8, 6});
@@ -81,8 +78,7 @@ TEST(Region, JoinsWhatMakesARectangle)
     EXPECT_EQ(region.Rects().size(), 1u);
 }
 
-TEST(Region, OfTooManyRectanglesIsTheBoxAround)
-{
+TEST(Region, OfTooManyRectanglesIsTheBoxAround) {
     TRegion region;
     for (int i = 0; i < 16; ++i)
         region.Add(TRect{3 * i, 3 * i, 3 * i + 1, 3 * i + 1});
@@ -99,8 +95,7 @@ TEST(Region, OfTooManyRectanglesIsTheBoxAround)
     ExpectDisjointAndOrdered(comb);
 }
 
-TEST(Region, AnswersQuestions)
-{
+TEST(Region, AnswersQuestions) {
     TRegion region;
     EXPECT_TRUE(region.IsEmpty());
     EXPECT_TRUE(region.Bounds().IsEmpty());

@@ -16,8 +16,7 @@ class RowOps : public testing::Test {
 protected:
     static constexpr int Guard = 16;
 
-    void SetUp() override
-    {
+    void SetUp() override {
         if (!VectorRowOps()) GTEST_SKIP() << "this machine has no vector instructions that we use";
     }
 
@@ -26,18 +25,20 @@ protected:
     std::uint32_t Bits() { return static_cast<std::uint32_t>(FRandom()); }
 
     /// Mostly pixels as they should be, some transparent, some opaque, some that are no premultiplied pixels.
-    std::uint32_t Pixel()
-    {
+    std::uint32_t Pixel() {
         switch (Number(0, 4)) {
-        case 0: return 0;
-        case 1: return Bits() | 0xFF000000u;
-        case 2: return Bits();
-        default: return Premultiply(Bits());
+        case 0:
+            return 0;
+        case 1:
+            return Bits() | 0xFF000000u;
+        case 2:
+            return Bits();
+        default:
+            return Premultiply(Bits());
         }
     }
 
-    std::vector<std::uint32_t> Pixels(int count)
-    {
+    std::vector<std::uint32_t> Pixels(int count) {
         std::vector<std::uint32_t> pixels(std::size_t(count) + Guard);
         const bool isPlain = Number(0, 3) == 0;
         const std::uint32_t plain = Pixel();
@@ -46,8 +47,7 @@ protected:
         return pixels;
     }
 
-    std::vector<std::uint8_t> Coverage(int count)
-    {
+    std::vector<std::uint8_t> Coverage(int count) {
         std::vector<std::uint8_t> coverage(std::size_t(count) + Guard);
         const int kind = Number(0, 3);
         for (std::uint8_t& value : coverage)
@@ -56,8 +56,7 @@ protected:
     }
 
     /// Steps of windings that go up and down.
-    std::vector<std::int32_t> Steps(int count)
-    {
+    std::vector<std::int32_t> Steps(int count) {
         std::vector<std::int32_t> steps(std::size_t(count) + TCoverage::Margin);
         for (int i = 0; i < count; ++i)
             if (Number(0, 2) == 0)
@@ -68,12 +67,11 @@ protected:
 
     TSpread Spread() { return static_cast<TSpread>(Number(0, 2)); }
 
-    TRampWalk Walk()
-    {
+    TRampWalk Walk() {
         TRampWalk walk;
         const double scale = std::exp2(Number(-12, 4));
-        walk.ToRamp = {Real(-scale, scale), Real(-scale, scale), Real(-scale, scale), Real(-scale, scale),
-                       Real(-3, 3),         Real(-3, 3)};
+        walk.ToRamp = {Real(-scale, scale), Real(-scale, scale), Real(-scale, scale),
+                       Real(-scale, scale), Real(-3, 3),         Real(-3, 3)};
         if (Number(0, 30) == 0) walk.ToRamp.E = std::numeric_limits<double>::quiet_NaN();
         if (Number(0, 30) == 0) walk.ToRamp.A = 1e300;
         walk.Spread = Spread();
@@ -83,8 +81,7 @@ protected:
     }
 
     /// Fills the same row twice and compares all that was touched.
-    void ExpectSameFill(const std::function<void(const TRowOps&, const TFillJob&)>& fill)
-    {
+    void ExpectSameFill(const std::function<void(const TRowOps&, const TFillJob&)>& fill) {
         const int count = Number(1, 90);
         const int room = count + Number(0, 12);
         const auto steps = Steps(count);
@@ -108,7 +105,8 @@ protected:
             job.Pixels = pixelsAfter[i].data();
             fill(*ops[i], job);
         }
-        // Beyond the steps the winding may go on: nothing is said of what lies there, but beyond the room all stays.
+        // Beyond the steps the winding may go on: nothing is said of what lies there, but beyond the room all
+        // stays.
         pixelsAfter[0].erase(pixelsAfter[0].begin() + count, pixelsAfter[0].begin() + room);
         pixelsAfter[1].erase(pixelsAfter[1].begin() + count, pixelsAfter[1].begin() + room);
         ASSERT_EQ(stepsAfter[0], stepsAfter[1]);
@@ -117,7 +115,8 @@ protected:
             ASSERT_EQ(step, 0);
     }
 
-    static constexpr TRampStop Stops[] = {{0, 0xFF103050}, {0.3f, 0xFFFFFFFF}, {0.3f, 0x80FF0000}, {1, 0xFF00FF00}};
+    static constexpr TRampStop Stops[] = {
+        {0, 0xFF103050}, {0.3f, 0xFFFFFFFF}, {0.3f, 0x80FF0000}, {1, 0xFF00FF00}};
     TGradientRamp FRamp{Stops, 1};
     std::mt19937 FRandom{12345};
 };
@@ -126,32 +125,28 @@ constexpr int Rounds = 3000;
 
 } // namespace
 
-TEST_F(RowOps, FillSolidAlike)
-{
+TEST_F(RowOps, FillSolidAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const std::uint32_t pixel = Pixel();
         ExpectSameFill([pixel](const TRowOps& ops, const TFillJob& job) { ops.FillSolid(job, pixel); });
     }
 }
 
-TEST_F(RowOps, FillLinearAlike)
-{
+TEST_F(RowOps, FillLinearAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const TRampWalk walk = Walk();
         ExpectSameFill([&walk](const TRowOps& ops, const TFillJob& job) { ops.FillLinear(job, walk); });
     }
 }
 
-TEST_F(RowOps, FillRadialAlike)
-{
+TEST_F(RowOps, FillRadialAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const TRampWalk walk = Walk();
         ExpectSameFill([&walk](const TRowOps& ops, const TFillJob& job) { ops.FillRadial(job, walk); });
     }
 }
 
-TEST_F(RowOps, FillFocalAlike)
-{
+TEST_F(RowOps, FillFocalAlike) {
     for (int i = 0; i < Rounds; ++i) {
         TFocalWalk focal{Walk(), float(Real(-0.7, 0.7)), float(Real(-0.7, 0.7)), 0, 1};
         if (Number(0, 1)) {
@@ -162,8 +157,7 @@ TEST_F(RowOps, FillFocalAlike)
     }
 }
 
-TEST_F(RowOps, ResolveAlike)
-{
+TEST_F(RowOps, ResolveAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const int count = Number(1, 90);
         const auto rule = Number(0, 1) ? TFillRule::EvenOdd : TFillRule::NonZero;
@@ -180,8 +174,7 @@ TEST_F(RowOps, ResolveAlike)
     }
 }
 
-TEST_F(RowOps, MultiplyCoverageAlike)
-{
+TEST_F(RowOps, MultiplyCoverageAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const int count = Number(0, 90);
         auto a = Coverage(count);
@@ -193,8 +186,7 @@ TEST_F(RowOps, MultiplyCoverageAlike)
     }
 }
 
-TEST_F(RowOps, BlendAlike)
-{
+TEST_F(RowOps, BlendAlike) {
     for (int i = 0; i < Rounds; ++i) {
         const int count = Number(0, 90);
         const auto pixels = Pixels(count);
@@ -211,8 +203,25 @@ TEST_F(RowOps, BlendAlike)
     }
 }
 
-TEST(PixelArithmetic, RoundsToNearest)
-{
+TEST_F(RowOps, AverageAlike) {
+    for (int i = 0; i < Rounds; ++i) {
+        TPixelBoxes boxes;
+        boxes.Across = Number(1, 16);
+        boxes.Down = Number(1, 16);
+        const int count = Number(1, 20);
+        boxes.Stride = count * boxes.Across + Number(0, 5);
+        const auto pixels = Pixels(int(boxes.Stride) * boxes.Down);
+        boxes.Pixels = pixels.data();
+        std::vector<std::uint16_t> sums(std::size_t(count * boxes.Across * 4));
+        std::vector<std::uint32_t> a(std::size_t(count), 1u);
+        std::vector<std::uint32_t> b(std::size_t(count), 2u);
+        PortableRowOps().Average(a.data(), count, boxes, sums.data());
+        VectorRowOps()->Average(b.data(), count, boxes, sums.data());
+        ASSERT_EQ(a, b);
+    }
+}
+
+TEST(PixelArithmetic, RoundsToNearest) {
     for (unsigned a = 0; a < 256; ++a)
         for (unsigned b = 0; b < 256; ++b) {
             const auto exact = static_cast<unsigned>(a * b / 255.0 + 0.5);
@@ -221,8 +230,7 @@ TEST(PixelArithmetic, RoundsToNearest)
         }
 }
 
-TEST(PixelArithmetic, SumsAreHeldAtFull)
-{
+TEST(PixelArithmetic, SumsAreHeldAtFull) {
     EXPECT_EQ(AddPixels(0x01020304, 0x10203040), 0x11223344u);
     EXPECT_EQ(AddPixels(0xFF80FF80, 0x01800180), 0xFFFFFFFFu);
 }

@@ -1,0 +1,218 @@
+// From an artwork's text to its picture: reading, cloning, first painting and frames in which one element turns. All
+// is measured in turn in one run; the counters are medians, and ratios to the time that expat takes to read the text
+// with empty handlers (E) or to a plain copy of the frame.
+
+#include "Timing.h"
+
+#include "controls/Form.h"
+#include "controls/HeadlessHost.h"
+#include "graphics/RasterDevice.h"
+#include "svg/VZSVGControl.h"
+
+#include <benchmark/benchmark.h>
+#include <expat.h>
+#include <malloc.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <numbers>
+#include <sstream>
+
+namespace {
+
+using namespace Vz;
+using Bench::Median;
+using Bench::Timed;
+
+struct TArtwork {
+    const char* File;
+    const char* Moving; ///< id of the element that turns
+    float Center;       ///< of the turn, x and y
+};
+constexpr TArtwork Artworks[] = {{"SpeedometerSVG.svg", "NeedleGroup", 200}, {"CircularGaugeSVG.svg", "Hands", 100}};
+
+std::string ReadArtwork(const TArtwork& artwork) {
+    std::ifstream file(std::string(TAVRO_SOURCE_DIR "/resources/") + artwork.File, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void ReadWithExpat(const std::string& text) {
+    const XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetElementHandler(
+        parser, [](void*, const char*, const char**) {}, [](void*, const char*) {});
+    XML_SetCharacterDataHandler(parser, [](void*, const char*, int) {});
+    XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1);
+    XML_ParserFree(parser);
+}
+
+TRectF Square(int size) { return VZRect(0, 0, static_cast<float>(size), static_cast<float>(size)); }
+
+/// Reading, cloning and first painting, in E.
+void Load(benchmark::State& state) {
+    const TArtwork& artwork = Artworks[state.range(0)];
+    const std::string text = ReadArtwork(artwork);
+    TSVGDocument prototype;
+    prototype.LoadFromText(text);
+    std::vector<double> expat, parse, clone, paint[3];
+    constexpr int sizes[] = {200, 400, 1000};
+    TVZGPBitmap bitmaps[3];
+    for (int i = 0; i < 3; ++i)
+        bitmaps[i].SetSize(static_cast<unsigned>(sizes[i]), static_cast<unsigned>(sizes[i]));
+    for (auto _ : state) {
+        expat.push_back(Timed([&] { ReadWithExpat(text); }));
+        parse.push_back(Timed([&] {
+            TSVGDocument document;
+            document.LoadFromText(text);
+        }));
+        clone.push_back(Timed([&] {
+            TSVGDocument document;
+            document.AssignContent(prototype);
+        }));
+        for (int i = 0; i < 3; ++i)
+            paint[i].push_back(Timed([&] {
+                TRasterDevice device(bitmaps[i].GetPixels());
+                TVZGPCanvas canvas(device);
+                prototype.FitToRect(Square(sizes[i]));
+                prototype.Draw(canvas, prototype.GetDrawMatrix(), Square(sizes[i]));
+            }));
+    }
+    const double e = Median(expat);
+    state.counters["E_us"] = e;
+    state.counters["parse_E"] = Median(parse) / e;
+    state.counters["clone_E"] = Median(clone) / e;
+    state.counters["paint200_E"] = Median(paint[0]) / e;
+    state.counters["paint400_E"] = Median(paint[1]) / e;
+    state.counters["paint1000_E"] = Median(paint[2]) / e;
+    state.SetLabel(artwork.File);
+}
+BENCHMARK(Load)->Arg(0)->Arg(1)->Iterations(60)->Unit(benchmark::kMillisecond);
+
+/// One frame: the element turns, and the stale region, or all, is painted again. In plain copies of the frame.
+void Frame(benchmark::State& state) {
+    const TArtwork& artwork = Artworks[state.range(0)];
+    const int size = static_cast<int>(state.range(1));
+    const auto control = TVZSVGControl::Create();
+    control->LoadFromText(ReadArtwork(artwork));
+    control->SetBounds(0, 0, size, size);
+    auto* const moving = control->GetDocument().Find<TSVGGraphicElement>(artwork.Moving);
+    control->SetActiveSVGElement(moving);
+    THeadlessHost host(*control);
+    host.Paint();
+    const std::size_t pixels = static_cast<std::size_t>(size) * static_cast<std::size_t>(size);
+    std::vector<std::uint32_t> from(pixels, 1), to(pixels);
+    double angleDeg = -100;
+    const auto turn = [&] {
+        angleDeg = angleDeg > 100 ? -100 : angleDeg + 0.7;
+        control->GetDocument().BeginUpdate();
+        moving->SetMatrix(CreateRotationVZMatrix({artwork.Center, artwork.Center},
+                                                 static_cast<float>(angleDeg * std::numbers::pi / 180)));
+        control->GetDocument().EndUpdate();
+        control->Invalidate();
+    };
+    std::vector<double> copy, edit, stale, whole;
+    for (auto _ : state) {
+        copy.push_back(Timed([&] { std::memcpy(to.data(), from.data(), pixels * sizeof from[0]); }));
+        benchmark::DoNotOptimize(to.data());
+        stale.push_back(Timed([&] {
+            turn();
+            host.PaintStale();
+        }));
+        edit.push_back(Timed(turn));
+        whole.push_back(Timed([&] { host.Paint(); }));
+    }
+    state.counters["copy_us"] = Median(copy);
+    state.counters["edit_us"] = Median(edit);
+    state.counters["stale_us"] = Median(stale);
+    state.counters["stale_copies"] = Median(stale) / Median(copy);
+    state.counters["whole_us"] = Median(whole);
+    state.counters["whole_copies"] = Median(whole) / Median(copy);
+    state.SetLabel(artwork.File);
+}
+BENCHMARK(Frame)->ArgsProduct({{0, 1}, {200, 400, 1000}})->Iterations(300)->Unit(benchmark::kMicrosecond);
+
+/// Bytes that a document takes, in sizes of its text: bare, and after it was painted in parts once.
+void Memory(benchmark::State& state) {
+    const TArtwork& artwork = Artworks[state.range(0)];
+    const std::string text = ReadArtwork(artwork);
+    TSVGDocument prototype;
+    prototype.LoadFromText(text);
+    constexpr int count = 200;
+    std::vector<std::unique_ptr<TSVGDocument>> documents;
+    documents.reserve(count);
+    const auto inUse = [] { return static_cast<double>(mallinfo2().uordblks); };
+    TVZGPBitmap bitmap(200, 200);
+    for (auto _ : state) {
+        documents.clear();
+        const double before = inUse();
+        for (int i = 0; i < count; ++i) {
+            documents.push_back(std::make_unique<TSVGDocument>());
+            documents.back()->LoadFromText(text);
+        }
+        const double read = inUse();
+        for (const auto& document : documents) {
+            TVZGPCanvas& canvas = bitmap.GetCanvas();
+            document->FitToRect(Square(200));
+            document->DrawElement(canvas, document->GetDrawMatrix(),
+                                  *document->Find<TSVGGraphicElement>(artwork.Moving));
+        }
+        const double painted = inUse();
+        documents.clear();
+        const double cleared = inUse();
+        for (int i = 0; i < count; ++i) {
+            documents.push_back(std::make_unique<TSVGDocument>());
+            documents.back()->AssignContent(prototype);
+        }
+        const double size = static_cast<double>(text.size()) * count;
+        state.counters["read_texts"] = (read - before) / size;
+        state.counters["painted_texts"] = (painted - before) / size;
+        state.counters["cloned_texts"] = (inUse() - cleared) / size;
+    }
+    state.SetLabel(artwork.File);
+}
+BENCHMARK(Memory)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+/// Many controls, all moving: microseconds that one of them takes.
+void Many(benchmark::State& state) {
+    const int count = static_cast<int>(state.range(0));
+    constexpr int size = 200;
+    const std::string text = ReadArtwork(Artworks[0]);
+    TSVGDocument prototype;
+    prototype.LoadFromText(text);
+    const auto form = TVZForm::Create();
+    constexpr int columns = 25;
+    form->SetBounds(0, 0, size * std::min(count, columns), size * ((count + columns - 1) / columns));
+    std::vector<TVZSVGControl*> controls;
+    std::vector<TSVGGraphicElement*> needles;
+    for (int i = 0; i < count; ++i) {
+        auto& control = TVZSVGControl::Create(*form);
+        control.SetParent(form.get());
+        control.GetDocument().AssignContent(prototype);
+        control.SetBounds(size * (i % columns), size * (i / columns), size, size);
+        needles.push_back(control.GetDocument().Find<TSVGGraphicElement>("NeedleGroup"));
+        control.SetActiveSVGElement(needles.back());
+        controls.push_back(&control);
+    }
+    THeadlessHost host(*form);
+    host.Paint();
+    float angle = 0;
+    std::vector<double> each;
+    for (auto _ : state) {
+        angle += 0.01F;
+        each.push_back(Timed([&] {
+            for (int i = 0; i < count; ++i) {
+                needles[static_cast<std::size_t>(i)]->SetMatrix(CreateRotationVZMatrix({200, 200}, angle));
+                controls[static_cast<std::size_t>(i)]->Invalidate();
+            }
+            host.PaintStale();
+        }) / count);
+    }
+    state.counters["each_us"] = Median(each);
+}
+BENCHMARK(Many)->Arg(1)->Arg(16)->Arg(100)->Iterations(60)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,246 @@
+#pragma once
+
+#include "instruments/ColorFunctions.h"
+#include "instruments/Decoration.h"
+#include "svg/Font.h"
+#include "svg/Servers.h"
+#include "svg/Shapes.h"
+#include "svg/TextElements.h"
+#include "svg/VZSVGControl.h"
+
+#include <functional>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace Vz {
+
+/// The look of an artwork: with its decorative detail, or plain.
+enum class TSVGDesign : std::uint8_t { sdDetailed, sdSimple };
+
+template <> struct EnumNames<TSVGDesign> {
+    static constexpr std::string_view Name = "TSVGDesign";
+    static constexpr std::string_view Members[] = {"sdDetailed", "sdSimple"};
+};
+
+/// Where a colour stands in an artwork.
+enum class TColorPlace : std::uint8_t { Fill, Stroke, FirstStop, LastStop };
+
+class TVZSVGCustomInstrument;
+
+/// Base of all instruments: loads its artwork when it is created, expresses every property as an edit of that
+/// live document, and offers what all instruments share. An instrument's own source says in tables which
+/// element shows what.
+///
+/// A class names its artwork by GetSVGResourceName, reads the artwork's colours in LoadSVGProperties, and
+/// rebuilds all that it owns in DoInitializeGauge, which runs once after construction and at the end of each
+/// update batch.
+class TVZSVGCustomInstrument : public TVZSVGControl {
+public:
+    using TVZSVGControl::TVZSVGControl;
+
+    // Update batches. While one is open InitializeGauge does nothing; the outermost end runs it once. Not
+    // balanced against misuse: an end too many makes the count negative, which counts as no batch.
+
+    void BeginUpdate() override;
+    void EndUpdate() override;
+    bool IsUpdating() const { return FUpdateCount > 0; }
+
+    // The steps that bring the artwork into line with the properties; each is one document update.
+
+    virtual void DoEnableGradients(bool enable) {}
+    virtual void DoInitializeGauge();
+    virtual void DoUpdateDesign() {}
+    virtual void DoUpdateLight() {}
+    virtual void DoUpdateParts() {}
+    virtual void UpdateDecoration();
+    virtual void UpdateDesign();
+    virtual void InitializeGauge();
+    /// Reads what the artwork itself defines into the fields.
+    virtual void LoadSVGProperties();
+    virtual void UpdateGradients();
+    virtual void UpdateLight();
+    /// Rewrites the numbers that the instrument shows.
+    virtual void UpdateNumbers() {}
+    virtual void UpdateParts();
+    virtual std::string GetSVGResourceName() const { return {}; }
+    virtual void UpdateDecorationFill();
+    virtual void UpdateDecorationStroke();
+    void DoOnChange();
+
+    // Properties that the concrete classes publish.
+
+    /// Default sdDetailed. A change runs UpdateDesign.
+    TSVGDesign GetDesign() const { return FDesign; }
+    void SetDesign(TSVGDesign value);
+    /// The emblem; the default is the class's. A change runs UpdateDecoration.
+    TDecoration GetDecoration() const { return FDecoration; }
+    void SetDecoration(TDecoration value);
+    /// The path that the decoration element shows now; null where the artwork has none. Setting it makes the
+    /// decoration dcCustom; the path lives in the artwork only and goes with the next UpdateDecoration, which
+    /// is meant.
+    const TVZPathData* GetDecorationPath() const;
+    void SetDecorationPath(const TVZPathData& value);
+    bool IsDecorationPathStored() const { return FDecoration == TDecoration::dcCustom; }
+    /// 0x00000000 switches the fill (the stroke) off. The artwork's own until set.
+    TVZGPColor GetDecorationFillColor() const { return FDecorationFillColor; }
+    void SetDecorationFillColor(TVZGPColor value);
+    TVZGPColor GetDecorationStrokeColor() const { return FDecorationStrokeColor; }
+    void SetDecorationStrokeColor(TVZGPColor value);
+    /// False: flat colours in place of gradients. Default true.
+    bool GetEnableGradients() const { return FEnableGradients; }
+    void SetEnableGradients(bool value);
+    /// What tints highlights (and, inverted, shadows). Default 0xFFFFFFFF.
+    TVZGPColor GetLightColor() const { return FLightColor; }
+    void SetLightColor(TVZGPColor value);
+    /// The picture of numbers (see FormatFloat), under US settings whatever the user's. Default "0.#". A
+    /// picture that cannot be used raises EConvertError, and the old one stays. A change runs UpdateNumbers.
+    const std::string& GetFormatStr() const { return FFormatStr; }
+    void SetFormatStr(std::string_view value);
+    bool IsFormatStrStored() const;
+
+    /// LightColor less its smallest channel: black for white, the hue itself for a pure hue. Alpha unchanged.
+    TVZGPColor GetShadowColor() const;
+
+    // Recolouring of gradients. Colours are those of the gradient's own stops; nothing happens where there
+    // are none.
+
+    /// Gives the first (forward) or last stop the colour, and every further one the brightness step that it
+    /// had from its neighbour.
+    static void ChangeGradientColor(TSVGCustomGradient& gradient, TVZGPColor color, bool forward);
+    /// Shifts all stops by what separates stop `index` from the colour; that one, and those equal to it,
+    /// become the colour with their own alpha. Raises EArgumentOutOfRange before any change where there is no
+    /// such stop among several.
+    static void ChangeGradientColor(TSVGCustomGradient& gradient, TVZGPColor color, int index);
+    /// Keeps each stop's colour beside it, and puts it back, so that recolouring does not add up.
+    static void SaveGradientColor(TSVGCustomGradient& gradient);
+    static void RestoreGradientColor(TSVGCustomGradient& gradient);
+    /// Switches an element's fill (or stroke) to a gradient, or to a flat colour.
+    void DoEnableGradient(std::string_view elementId, std::string_view gradientUri, bool enable,
+                          TVZGPColor color, bool fill);
+
+    /// Raised when the instrument's main value changed.
+    const TNotifyEvent& GetOnChange() const { return FOnChange; }
+    void SetOnChange(TNotifyEvent event) { FOnChange = std::move(event); }
+
+    /// Id of the path element that shows the decoration.
+    const std::string& GetDecorationElementId() const { return FDecorationElementId; }
+
+protected:
+    void Construct() override;
+    void AfterConstruction() override;
+    /// Once the instrument is complete, another artwork takes the property values over.
+    void ReplaceContent(const std::function<void()>& load) override;
+    /// Id of the element that moves, the control's active one; empty (the base's): there is none. Taken at
+    /// each load of an artwork.
+    virtual std::string_view GetActiveElementId() const { return {}; }
+
+    static constexpr std::string_view DefaultFormatStr = "0.#";
+    static constexpr TVZGPColor DefaultLightColor = 0xFFFFFFFF;
+
+    // What setters and steps are written with. Ids that the artwork does not have are passed over; one of
+    // another class raises EInvalidCast.
+
+    template <class T> T* Find(std::string_view id) const { return GetDocument().Find<T>(id); }
+    /// Runs edits of the document inside one update of it, also ended by an exception.
+    template <class F> void EditDocument(F edits) {
+        const TDocumentUpdate update(GetDocument());
+        edits();
+    }
+    /// What most setters are: nothing when the value is equal; else stores it, edits the document, marks the
+    /// caches stale and invalidates. Floats that are not a number are ignored.
+    template <class T, class F> void Change(T& field, const T& value, F edits) {
+        if (!Store(field, value)) return;
+        EditDocument(edits);
+        MarkChanged();
+    }
+    /// The comparison and the store alone; true where the value is new.
+    template <class T> static bool Store(T& field, const T& value) {
+        if constexpr (std::is_floating_point_v<T>)
+            if (value != value) return false;
+        if (field == value) return false;
+        field = value;
+        return true;
+    }
+    /// Marks the caches stale and invalidates.
+    void MarkChanged();
+
+    void ShowElement(std::string_view id, bool visible);
+    /// Sets the fill's colour and tells the element.
+    void SetElementFill(std::string_view id, TVZGPColor color);
+    /// Sets the stroke: none for 0x00000000, else solid in the colour.
+    void SetElementStroke(std::string_view id, TVZGPColor color);
+    void SetElementText(std::string_view id, std::string_view text);
+    /// Restores the gradient and recolours it from its first stop.
+    void RecolourGradient(std::string_view id, TVZGPColor color);
+    /// Gives an element the font; what the font leaves open is as the artwork has it.
+    void ApplyFont(std::string_view elementId, const TSVGFont& font);
+    /// Turns an element about the centre of `centerId`'s box, which is taken under its own transform, by
+    /// degrees clockwise from how it is drawn; an angle that is not finite leaves it where it is. False where
+    /// either element is missing.
+    bool TurnElement(std::string_view id, std::string_view centerId, double angleDeg);
+    std::string FormatNumber(double value) const;
+
+    /// A colour of the artwork and the field that takes it over; gradients that are recoloured are saved as
+    /// well.
+    struct TColorRow {
+        std::string_view Id;
+        TColorPlace Place;
+        TVZGPColor* Field; ///< null: only saved
+        bool Save = false;
+    };
+    void ReadColors(std::span<const TColorRow> rows);
+
+    /// One line of DoEnableGradients.
+    struct TGradientRow {
+        std::string_view Element;
+        std::string_view Gradient;
+        TVZGPColor Color;
+        bool Fill = true;
+    };
+    void SwitchGradients(std::span<const TGradientRow> rows, bool enable);
+
+    /// Set before the base is constructed.
+    std::string FDecorationElementId;
+    TDecoration FDecoration = TDecoration::dcNone;
+
+private:
+    /// One update of a document, for the time of a scope.
+    class TDocumentUpdate {
+    public:
+        explicit TDocumentUpdate(TSVGDocument& document)
+            : FDocument(document) {
+            FDocument.BeginUpdate();
+        }
+        ~TDocumentUpdate() { FDocument.EndUpdate(); }
+        TDocumentUpdate(const TDocumentUpdate&) = delete;
+        TDocumentUpdate& operator=(const TDocumentUpdate&) = delete;
+
+    private:
+        TSVGDocument& FDocument;
+    };
+
+    /// The fill or stroke becomes the colour, or none for 0x00000000, whatever it was.
+    static void PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint, TVZGPColor color);
+
+    TSVGDesign FDesign = TSVGDesign::sdDetailed;
+    TVZGPColor FLightColor = DefaultLightColor;
+    TVZGPColor FDecorationFillColor = 0xFF87CEEB;
+    TVZGPColor FDecorationStrokeColor = 0xFF000000;
+    std::string FFormatStr{DefaultFormatStr};
+    bool FEnableGradients = true;
+    TNotifyEvent FOnChange;
+    int FUpdateCount = 0;
+    bool FIsComplete = false; ///< construction is over
+    /// The styles that the artwork gives the elements whose font is set.
+    std::map<std::string, TSVGStyleSet, std::less<>> FArtworkStyles;
+};
+
+/// A row of a part table: the part, and the element that it shows.
+template <class TPart> struct TPartRow {
+    TPart Part;
+    std::string_view Element;
+};
+
+} // namespace Vz
