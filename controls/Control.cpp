@@ -1,6 +1,7 @@
 #include "controls/Control.h"
 
 #include "controls/ClipScope.h"
+#include "graphics/Canvas.h"
 #include "runtime/Exceptions.h"
 
 #include <algorithm>
@@ -180,7 +181,8 @@ TRect TControl::ToRoot(const TRect& rect) const {
 void TControl::InvalidateRects(std::span<const TRect> rects) {
     IControlHost* const host = GetRoot().FHost;
     if (!host || !IsShown()) return;
-    std::array<TRect, TRegion::MaxRects> seen;
+    constexpr std::size_t AtOnce = 16;
+    std::array<TRect, AtOnce> seen;
     while (!rects.empty()) {
         std::size_t count = 0;
         const auto part = rects.first(std::min(rects.size(), seen.size()));

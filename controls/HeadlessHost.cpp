@@ -1,5 +1,6 @@
 #include "controls/HeadlessHost.h"
 
+#include "graphics/Canvas.h"
 #include "runtime/Exceptions.h"
 
 #include <algorithm>

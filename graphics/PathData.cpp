@@ -249,9 +249,10 @@ bool TVZPathData::SetPathStringTolerant(std::string_view text) {
 
 std::string TVZPathData::GetPathString() const {
     TPathWriter writer;
-    writer.Text.reserve(FFigures.Numbers.size() * 6);
-    const double* numbers = FFigures.Numbers.data();
-    for (const TVerb verb : FFigures.Verbs) {
+    const TFigures& figures = GetFigures();
+    writer.Text.reserve(figures.Numbers.size() * 6);
+    const double* numbers = figures.Numbers.data();
+    for (const TVerb verb : figures.Verbs) {
         const double* const end = numbers + NumberCount(verb);
         if (std::all_of(numbers, end, [](double n) { return std::isfinite(n); })) writer.Add(verb, numbers);
         numbers = end;
@@ -263,28 +264,41 @@ void TVZPathData::Clear() { SetFigures({}); }
 
 void TVZPathData::ApplyMatrix(const TMatrix& matrix) {
     const TAffine affine = TAffine::FromMatrix(matrix);
-    if (!affine.IsFinite() || affine == TAffine{} || FFigures.IsEmpty()) return;
-    FFigures.Transform(affine);
+    if (!affine.IsFinite() || affine == TAffine{} || GetFigures().IsEmpty()) return;
+    Edit().Transform(affine);
     Changed();
 }
 
 void TVZPathData::Append(const TVZPathData& other) {
-    if (other.FFigures.IsEmpty()) return;
-    FFigures.Append(other.FFigures);
+    const std::shared_ptr<const TFigures> added = other.FFigures;
+    if (!added || added->IsEmpty()) return;
+    Edit().Append(*added);
     Changed();
 }
 
 void TVZPathData::Assign(const TPersistent& source) {
     const auto* const other = dynamic_cast<const TVZPathData*>(&source);
     if (other == nullptr) return TPersistent::Assign(source);
-    SetFigures(other->FFigures);
+    if (other->FFigures == FFigures || other->GetFigures() == GetFigures()) return;
+    FFigures = other->FFigures;
+    Changed();
+}
+
+const TFigures& TVZPathData::NoFigures() {
+    static const TFigures none;
+    return none;
+}
+
+TFigures& TVZPathData::Edit() {
+    if (!FFigures || FFigures.use_count() > 1) FFigures = std::make_shared<TFigures>(GetFigures());
+    return *FFigures;
 }
 
 void TVZPathData::SetFigures(TFigures figures) {
-    if (figures == FFigures) return;
-    FFigures = std::move(figures);
-    FFigures.Verbs.shrink_to_fit();
-    FFigures.Numbers.shrink_to_fit();
+    if (figures == GetFigures()) return;
+    figures.Verbs.shrink_to_fit();
+    figures.Numbers.shrink_to_fit();
+    FFigures = std::make_shared<TFigures>(std::move(figures));
     Changed();
 }
 

@@ -34,7 +34,10 @@ public:
     std::string ToText() const override { return GetPathString(); }
     void FromText(std::string_view text) override { SetPathString(text); }
 
-    const TFigures& GetFigures() const { return FFigures; }
+    /// Copies of a path data share the figures until one of them is edited.
+    const TFigures& GetFigures() const { return FFigures ? *FFigures : NoFigures(); }
+    /// The same, kept alive for whoever draws it later; null where there are none.
+    std::shared_ptr<const TFigures> ShareFigures() const { return FFigures; }
     void SetFigures(TFigures figures);
 
     /// Nested; OnChange comes once at the outermost end where anything changed.
@@ -45,9 +48,12 @@ public:
     TNotifyEvent OnChange;
 
 private:
+    static const TFigures& NoFigures();
+    /// The figures of this object alone.
+    TFigures& Edit();
     void Changed();
 
-    TFigures FFigures;
+    std::shared_ptr<TFigures> FFigures; ///< null: none
     int FUpdateCount = 0;
     bool FChanged = false;
 };

@@ -11,7 +11,7 @@ namespace {
 TPointD operator+(TPointD a, TPointD b) { return {a.X + b.X, a.Y + b.Y}; }
 TPointD operator-(TPointD a, TPointD b) { return {a.X - b.X, a.Y - b.Y}; }
 TPointD operator*(double f, TPointD p) { return {f * p.X, f * p.Y}; }
-double Norm(TPointD p) { return std::hypot(p.X, p.Y); }
+double Norm(TPointD p) { return std::sqrt(p.X * p.X + p.Y * p.Y); } // coordinates are limited
 
 /// How far the two halves' lengths may differ from the whole's, as a part of it.
 constexpr double Tolerance = 1e-7;
@@ -41,7 +41,7 @@ public:
         FLast = p;
     }
     void Cubic(TPointD from, TPointD a, TPointD b, TPointD p) {
-        FRuler.Add({{from, 3 * (a - from), 3 * (from - 2 * a + b), p - from + 3 * (a - b)}}, 4);
+        FRuler.Add({{from, 3 * (a - from), 3 * (from - 2 * a + b), p - from + 3 * (a - b)}}, 2);
         FLast = p;
     }
     void Arc(const TArcCurve& arc, TPointD end) {
@@ -76,8 +76,9 @@ TPointD TPathRuler::TCurve::SpeedAt(double t) const {
     return Sweep * (std::cos(angle) * C[2] - std::sin(angle) * C[1]);
 }
 
-/// By the rule of Gauss and Legendre with five points.
+/// By the rule of Gauss and Legendre with five points; a line exactly.
 double TPathRuler::TCurve::LengthBetween(double t0, double t1) const {
+    if (!IsArc && C[2] == TPointD{} && C[3] == TPointD{}) return Norm(C[1]) * (t1 - t0);
     constexpr double places[] = {0, 0.5384693101056831, 0.9061798459386640};
     constexpr double weights[] = {0.5688888888888889, 0.4786286704993665, 0.2369268850561891};
     const double middle = (t0 + t1) / 2;

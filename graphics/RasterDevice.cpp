@@ -99,20 +99,28 @@ void TRasterDevice::PopMask() {
 TRect TRasterDevice::GetClipBounds() const { return FState->ActiveBox(); }
 
 void TRasterDevice::Clear(TVZGPColor color) {
-    const TSurface& surface = FState->Surface();
-    for (const TRect& rect : surface.Rects)
+    TSurface& surface = FState->Surface();
+    for (const TRect& rect : surface.Rects) {
+        surface.Drawn = Union(surface.Drawn, rect);
         for (int y = rect.Top; y < rect.Bottom; ++y)
             std::fill_n(surface.At(rect.Left, y), rect.Width(), Premultiply(color));
+    }
 }
 
 void TRasterDevice::Copy(const TPixels& image, int x, int y) {
-    const TSurface& surface = FState->Surface();
+    TSurface& surface = FState->Surface();
     const TRect box{x, y, x + image.Width, y + image.Height};
-    for (const TRect& rect : surface.Rects)
+    for (const TRect& rect : surface.Rects) {
+        surface.Drawn = Union(surface.Drawn, rect);
+        const TRect inside = Intersection(rect, box);
+        if (inside == rect && rect.Width() == image.Stride && image.Stride == surface.Pixels.Stride) {
+            std::copy_n(image.Row(rect.Top - y), rect.Height() * image.Stride,
+                        surface.At(rect.Left, rect.Top));
+            continue;
+        }
         for (int line = rect.Top; line < rect.Bottom; ++line) {
-            const TRect inside = Intersection({rect.Left, line, rect.Right, line + 1}, box);
             std::uint32_t* row = surface.At(rect.Left, line);
-            if (inside.IsEmpty()) {
+            if (line < inside.Top || line >= inside.Bottom) {
                 std::fill_n(row, rect.Width(), 0u);
                 continue;
             }
@@ -120,6 +128,7 @@ void TRasterDevice::Copy(const TPixels& image, int x, int y) {
             row = std::copy_n(image.Row(line - y) + (inside.Left - x), inside.Width(), row);
             std::fill_n(row, rect.Right - inside.Right, 0u);
         }
+    }
 }
 
 } // namespace Vz

@@ -71,19 +71,22 @@ void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region) {
     if (PixelRow.size() < width) PixelRow.resize(width);
 }
 
-TRect TRasterState::ActiveBox() const {
-    TRect box;
-    for (const TRect& rect : Surfaces.Top().Rects)
-        box = Union(box, Intersection(rect, Clip().Box));
-    return box;
-}
-
 // Clips.
 
 void TRasterState::PushClipBox(const TRect& box, const TCoverageMap* map) {
     TClipLevel& level = Clips.Push();
     level.Box = box;
     level.Map = map;
+    level.Active = {};
+    level.First = level.End = 0;
+    const std::vector<TRect>& rects = Surface().Rects;
+    for (std::size_t i = 0; i < rects.size(); ++i) {
+        const TRect open = Intersection(rects[i], box);
+        if (open.IsEmpty()) continue;
+        if (level.End == 0) level.First = i;
+        level.End = i + 1;
+        level.Active = Union(level.Active, open);
+    }
 }
 
 void TRasterState::PushClip(std::span<const TClipShape> shapes) {
@@ -207,7 +210,7 @@ void TRasterState::ApplyMask(const TSurface& mask) {
 void TRasterState::Fill(TFillRule rule, const TPaintSource& source) {
     TSurface& surface = Surface();
     const TRect shape = Intersection(PixelBounds(Coverage.Bounds()), Clip().Box);
-    for (const TRect& rect : surface.Rects) {
+    for (const TRect& rect : OpenRects()) {
         const TRect box = Intersection(rect, shape);
         if (box.IsEmpty()) continue;
         surface.Drawn = Union(surface.Drawn, box);

@@ -44,6 +44,9 @@ struct TCoverageMap {
 /// A clip in force: nothing is painted outside of Box, and within it through Map where there is one.
 struct TClipLevel {
     TRect Box;
+    TRect Active;          ///< around what of Box the surface's rectangles leave open
+    std::size_t First = 0; ///< the surface's rectangles that meet Box are among these
+    std::size_t End = 0;
     const TCoverageMap* Map = nullptr; ///< this level's, or that of one below
     TCoverageMap Own;
 };
@@ -74,7 +77,12 @@ struct TRasterState {
     TSurface& Surface() { return Surfaces.Top(); }
     const TClipLevel& Clip() const { return Clips.Top(); }
     /// The box in which something can change.
-    TRect ActiveBox() const;
+    const TRect& ActiveBox() const { return Clip().Active; }
+    /// The surface's rectangles that the clip may leave open.
+    std::span<const TRect> OpenRects() const {
+        const TClipLevel& clip = Clip();
+        return std::span(Surfaces.Top().Rects).subspan(clip.First, clip.End - clip.First);
+    }
 
     void PushClip(std::span<const TClipShape> shapes);
     void PushClipBox(const TRect& box, const TCoverageMap* map);
@@ -131,7 +139,7 @@ template <class TAction> void TRasterState::EndSurface(TAction&& action) {
 
 template <class TAction> void TRasterState::EachRow(const TRect& box, TAction&& action) {
     const TRect open = Intersection(box, Clip().Box);
-    for (const TRect& rect : Surface().Rects) {
+    for (const TRect& rect : OpenRects()) {
         const TRect part = Intersection(rect, open);
         for (int y = part.Top; y < part.Bottom; ++y)
             action(y, part.Left, part.Right);

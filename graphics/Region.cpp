@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace Vz {
 
@@ -9,7 +10,7 @@ namespace {
 
 /// Disjoint rectangles under construction, without memory of their own: a region is small.
 struct TPieces {
-    static constexpr std::size_t Most = 4 * TRegion::MaxRects;
+    static constexpr std::size_t Most = TRegion::MaxRects;
     std::array<TRect, Most> Rects;
     std::size_t Count = 0;
     bool TooMany = false;
@@ -46,21 +47,19 @@ bool Join(TRect& a, const TRect& b) {
     return below || beside;
 }
 
-void JoinNeighbours(std::vector<TRect>& rects) {
-    for (std::size_t i = 0; i < rects.size();) {
-        std::size_t j = i + 1;
-        while (j < rects.size() && !Join(rects[i], rects[j]))
-            ++j;
-        if (j == rects.size()) {
-            ++i;
-            continue;
-        }
-        rects.erase(rects.begin() + static_cast<std::ptrdiff_t>(j));
-        i = 0;
-    }
-}
-
 bool IsBefore(const TRect& a, const TRect& b) { return a.Top != b.Top ? a.Top < b.Top : a.Left < b.Left; }
+
+/// Adds a rectangle that meets no other, joined with those that make one with it.
+void Insert(std::vector<TRect>& rects, TRect rect) {
+    for (auto other = rects.begin(); other != rects.end();) {
+        if (Join(rect, *other)) {
+            rects.erase(other);
+            other = rects.begin();
+        } else
+            ++other;
+    }
+    rects.insert(std::upper_bound(rects.begin(), rects.end(), rect, IsBefore), rect);
+}
 
 } // namespace
 
@@ -84,35 +83,25 @@ bool TRegion::Intersects(const TRect& rect) const {
 
 void TRegion::Add(const TRect& rect) {
     if (rect.IsEmpty()) return;
-    if (FRects.empty()) {
-        FRects.push_back(rect);
-        return;
-    }
-    // Most of what becomes stale lies apart from the rest: many instruments, each with its own place.
-    const TRect around{rect.Left - 1, rect.Top - 1, rect.Right + 1, rect.Bottom + 1};
-    if (FRects.size() < MaxRects && !Intersects(around)) {
-        FRects.insert(std::upper_bound(FRects.begin(), FRects.end(), rect, IsBefore), rect);
-        return;
-    }
     std::erase_if(FRects, [&rect](const TRect& r) { return Encloses(rect, r); });
-    TPieces pieces;
-    pieces.Add(rect);
+    TPieces pieces[2];
+    TPieces* current = &pieces[0];
+    TPieces* next = &pieces[1];
+    current->Add(rect);
     for (const TRect& old : FRects) {
-        TPieces rest;
-        for (std::size_t i = 0; i < pieces.Count; ++i)
-            rest.AddWithout(pieces.Rects[i], old);
-        rest.TooMany = rest.TooMany || pieces.TooMany;
-        pieces = rest;
+        if (Intersection(old, rect).IsEmpty()) continue;
+        next->Count = 0;
+        for (std::size_t i = 0; i < current->Count; ++i)
+            next->AddWithout(current->Rects[i], old);
+        std::swap(current, next);
     }
-    if (pieces.TooMany) {
+    if (pieces[0].TooMany || pieces[1].TooMany) {
         FRects.assign(1, Union(Bounds(), rect));
         return;
     }
-    FRects.insert(FRects.end(), pieces.Rects.begin(),
-                  pieces.Rects.begin() + static_cast<std::ptrdiff_t>(pieces.Count));
-    JoinNeighbours(FRects);
+    for (std::size_t i = 0; i < current->Count; ++i)
+        Insert(FRects, current->Rects[i]);
     if (FRects.size() > MaxRects) FRects.assign(1, Bounds());
-    std::sort(FRects.begin(), FRects.end(), IsBefore);
 }
 
 void TRegion::Add(const TRegion& region) {

@@ -357,6 +357,8 @@ void TVectorDevice::PopMask() {
     FState->ApplyMask(mask.get());
 }
 
+bool TVectorDevice::IsVector() const { return FState->IsFile; }
+
 TRect TVectorDevice::GetClipBounds() const {
     if (!FState->Context) return {};
     TPiece* const piece = FState->Piece();

@@ -31,7 +31,8 @@ public:
     void PushMask(TMaskKind kind) override;
     void PopMask() override;
     TRect GetClipBounds() const override;
-    bool IsVector() const override { return true; }
+    /// False for pixels, which have one resolution.
+    bool IsVector() const override;
 
     /// Ends the drawing; the file's bytes (empty for pixels). Nothing can be drawn after it. Raises
     /// EWriteError.

@@ -2,6 +2,7 @@
 
 #include "runtime/FormatFloat.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <utility>
@@ -190,6 +191,22 @@ void TVZSVGCustomInstrument::SetElementText(std::string_view id, std::string_vie
     if (auto* const element = Find<TSVGCustomText>(id)) element->SetText(text);
 }
 
+void TVZSVGCustomInstrument::WriteScale(std::string_view groupId, float first, float last) {
+    auto* const group = Find<TSVGGraphicElement>(groupId);
+    if (!group) return;
+    EditDocument([&] {
+        const auto count = static_cast<int>(group->GetChildCount());
+        const double step = double{last - first} / std::max(count - 1, 1);
+        double number = first;
+        for (const auto& child : group->Children()) {
+            auto* const text = dynamic_cast<TSVGCustomText*>(child.get());
+            if (!text) throw EInvalidCast(std::string(groupId) + ": a child that is no text");
+            text->SetText(FormatNumber(number));
+            number += step;
+        }
+    });
+}
+
 namespace {
 
 constexpr TSVGStyleProperty FontProperties[] = {
@@ -220,13 +237,44 @@ void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFon
     MarkChanged();
 }
 
+namespace {
+
+/// Follows what a group's box depends on and the document's epoch does not tell: which elements below it are shown.
+/// False where one of them is moved by a transform of its own, or refers to elsewhere.
+bool FollowShown(const TSVGElement& element, std::uint64_t& shown) {
+    if (element.GetTag() == TSVGTag::Use) return false;
+    for (const auto& child : element.Children()) {
+        const auto* const graphic = dynamic_cast<const TSVGGraphicElement*>(child.get());
+        if (!graphic) continue;
+        if (!(graphic->GetTransform() == TAffine{})) return false;
+        shown = shown * 31 + (graphic->GetVisible() ? 2 : 1);
+        if (!FollowShown(*graphic, shown)) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+TPointF TVZSVGCustomInstrument::CenterOf(const TSVGGraphicElement& element) {
+    const TKnownCenter& known = FKnownCenter;
+    const std::uint64_t epoch = GetDocument().GetEpoch();
+    std::uint64_t shown = 0;
+    const bool canKnow = FollowShown(element, shown);
+    if (canKnow && known.Element == &element && known.Epoch == epoch && known.Shown == shown &&
+        known.Transform == element.GetTransform())
+        return known.Center;
+    const TPointF center = VZCenterPoint(element.GetBounds());
+    if (canKnow) FKnownCenter = {&element, epoch, shown, element.GetTransform(), center};
+    return center;
+}
+
 bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view centerId, double angleDeg) {
     auto* const element = Find<TSVGGraphicElement>(id);
     const auto* const center = Find<TSVGGraphicElement>(centerId);
     if (!element || !center) return false;
     const double radians = static_cast<float>(angleDeg) * std::numbers::pi / 180;
     if (!std::isfinite(radians)) return true; // an empty range: the element stays where it is
-    const TPointF point = VZCenterPoint(center->GetBounds());
+    const TPointF point = CenterOf(*center);
     EditDocument([&] { element->SetMatrix(CreateRotationVZMatrix(point, static_cast<float>(radians))); });
     return true;
 }
@@ -235,12 +283,12 @@ bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view c
 
 void TVZSVGCustomInstrument::ReplaceContent(const std::function<void()>& load) {
     std::vector<std::pair<const TProp*, TValue>> colors;
-    for (const TProp& row : GetPropTable())
-        if (row.Type.Kind == TValueKind::Color) colors.emplace_back(&row, row.Get(*this));
     TVZPathData path;
-    if (const TVZPathData* const own = GetDecorationPath(); own && IsDecorationPathStored())
-        path.Assign(*own);
-
+    if (FIsComplete) {
+        for (const TProp& row : GetPropTable())
+            if (row.Type.Kind == TValueKind::Color) colors.emplace_back(&row, row.Get(*this));
+        if (const TVZPathData* const own = GetDecorationPath()) path.Assign(*own);
+    }
     TVZSVGControl::ReplaceContent(load);
     FArtworkStyles.clear();
     SetActiveSVGElement(Find<TSVGGraphicElement>(GetActiveElementId()));
@@ -255,7 +303,6 @@ void TVZSVGCustomInstrument::ReplaceContent(const std::function<void()>& load) {
         InitializeGauge();
         if (IsDecorationPathStored()) SetDecorationPath(path);
     });
-    MarkChanged();
 }
 
 } // namespace Vz

@@ -9,6 +9,7 @@
 #include "svg/VZSVGControl.h"
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <span>
 #include <string>
@@ -27,7 +28,30 @@ template <> struct EnumNames<TSVGDesign> {
 /// Where a colour stands in an artwork.
 enum class TColorPlace : std::uint8_t { Fill, Stroke, FirstStop, LastStop };
 
-class TVZSVGCustomInstrument;
+/// What an element of an artwork must be for the code that uses it.
+enum class TArtworkKind : std::uint8_t {
+    Graphic,  ///< anything that is drawn
+    Path,     ///< a path
+    Text,     ///< a text
+    Texts,    ///< a group whose children are all texts
+    Rect,     ///< a rect
+    Gradient, ///< a gradient, with stops of its own or borrowed ones
+    Stops,    ///< a gradient with stops of its own
+};
+
+/// One element that an instrument looks for in its artwork. Texts of the same parent stand in the rows'
+/// order.
+struct TArtworkRow {
+    std::string_view Id;
+    TArtworkKind Kind = TArtworkKind::Graphic;
+    std::string_view Parent = {}; ///< id of the element that it must lie in, at any depth; empty: anywhere
+};
+
+/// A row of a part table: the part, and an element that it shows.
+template <class TPart> struct TPartRow {
+    TPart Part;
+    std::string_view Element;
+};
 
 /// Base of all instruments: loads its artwork when it is created, expresses every property as an edit of that
 /// live document, and offers what all instruments share. An instrument's own source says in tables which
@@ -38,6 +62,9 @@ class TVZSVGCustomInstrument;
 /// update batch.
 class TVZSVGCustomInstrument : public TVZSVGControl {
 public:
+    static constexpr std::string_view DefaultFormatStr = "0.#";
+    static constexpr TVZGPColor DefaultLightColor = 0xFFFFFFFF;
+
     using TVZSVGControl::TVZSVGControl;
 
     // Update batches. While one is open InitializeGauge does nothing; the outermost end runs it once. Not
@@ -64,6 +91,8 @@ public:
     /// Rewrites the numbers that the instrument shows.
     virtual void UpdateNumbers() {}
     virtual void UpdateParts();
+    /// The elements that the class looks for in an artwork.
+    virtual std::span<const TArtworkRow> GetArtworkContract() const { return {}; }
     virtual std::string GetSVGResourceName() const { return {}; }
     virtual void UpdateDecorationFill();
     virtual void UpdateDecorationStroke();
@@ -136,9 +165,6 @@ protected:
     /// each load of an artwork.
     virtual std::string_view GetActiveElementId() const { return {}; }
 
-    static constexpr std::string_view DefaultFormatStr = "0.#";
-    static constexpr TVZGPColor DefaultLightColor = 0xFFFFFFFF;
-
     // What setters and steps are written with. Ids that the artwork does not have are passed over; one of
     // another class raises EInvalidCast.
 
@@ -148,12 +174,16 @@ protected:
         const TDocumentUpdate update(GetDocument());
         edits();
     }
+    /// What an edit reaches: anything of the picture, or the active element only, which is in no cache.
+    enum class TReach : std::uint8_t { Picture, ActiveElement };
     /// What most setters are: nothing when the value is equal; else stores it, edits the document, marks the
-    /// caches stale and invalidates. Floats that are not a number are ignored.
-    template <class T, class F> void Change(T& field, const T& value, F edits) {
+    /// caches stale where the edit reaches them, and invalidates. Floats that are not a number are ignored.
+    template <class T, class F>
+    void Change(T& field, const T& value, F edits, TReach reach = TReach::Picture) {
         if (!Store(field, value)) return;
         EditDocument(edits);
-        MarkChanged();
+        if (reach == TReach::Picture) MarkBuffersStale();
+        Invalidate();
     }
     /// The comparison and the store alone; true where the value is new.
     template <class T> static bool Store(T& field, const T& value) {
@@ -174,6 +204,18 @@ protected:
     void SetElementText(std::string_view id, std::string_view text);
     /// Restores the gradient and recolours it from its first stop.
     void RecolourGradient(std::string_view id, TVZGPColor color);
+    /// What a colour setter edits: the gradients while gradients are on, else the flat fill of one element.
+    void Recolour(std::initializer_list<std::string_view> gradients, std::string_view flatElement,
+                  TVZGPColor color);
+    /// Shows the elements of the parts that are in the set, and hides the others, in the order of the rows.
+    template <class TPart, std::size_t N>
+    void ShowParts(const TPartRow<TPart> (&rows)[N], const TSet<TPart>& parts) {
+        for (const auto& row : rows)
+            ShowElement(row.Element, parts.Contains(row.Part));
+    }
+    /// Writes numbers into the children of a group, which are texts (else EInvalidCast): the first one's is
+    /// `first`, the last one's `last`, evenly between.
+    void WriteScale(std::string_view groupId, float first, float last);
     /// Gives an element the font; what the font leaves open is as the artwork has it.
     void ApplyFont(std::string_view elementId, const TSVGFont& font);
     /// Turns an element about the centre of `centerId`'s box, which is taken under its own transform, by
@@ -221,6 +263,16 @@ private:
         TSVGDocument& FDocument;
     };
 
+    /// Where a leaf element's centre was found to be. Its box is not computed anew for each value that is
+    /// set.
+    struct TKnownCenter {
+        const TSVGGraphicElement* Element = nullptr;
+        std::uint64_t Epoch = 0;
+        std::uint64_t Shown = 0;
+        TAffine Transform;
+        TPointF Center;
+    };
+    TPointF CenterOf(const TSVGGraphicElement& element);
     /// The fill or stroke becomes the colour, or none for 0x00000000, whatever it was.
     static void PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint, TVZGPColor color);
 
@@ -233,14 +285,9 @@ private:
     TNotifyEvent FOnChange;
     int FUpdateCount = 0;
     bool FIsComplete = false; ///< construction is over
+    TKnownCenter FKnownCenter;
     /// The styles that the artwork gives the elements whose font is set.
     std::map<std::string, TSVGStyleSet, std::less<>> FArtworkStyles;
-};
-
-/// A row of a part table: the part, and the element that it shows.
-template <class TPart> struct TPartRow {
-    TPart Part;
-    std::string_view Element;
 };
 
 } // namespace Vz

@@ -104,6 +104,13 @@ void TVZSVGCustomInstrument::RecolourGradient(std::string_view id, TVZGPColor co
     });
 }
 
+void TVZSVGCustomInstrument::Recolour(std::initializer_list<std::string_view> gradients,
+                                      std::string_view flatElement, TVZGPColor color) {
+    if (!FEnableGradients) return SetElementFill(flatElement, color);
+    for (const std::string_view id : gradients)
+        RecolourGradient(id, color);
+}
+
 void TVZSVGCustomInstrument::ReadColors(std::span<const TColorRow> rows) {
     for (const TColorRow& row : rows) {
         if (row.Place == TColorPlace::Fill || row.Place == TColorPlace::Stroke) {

@@ -1,6 +1,11 @@
 #include "package/Package.h"
 
 #include "controls/Form.h"
+#include "instruments/clocks/Vz.Tavro.Clocks.h"
+#include "instruments/meters/Vz.Tavro.Speedometers.h"
+#include "instruments/round/Vz.Tavro.Altimeters.h"
+#include "instruments/round/Vz.Tavro.Barometers.h"
+#include "instruments/round/Vz.Tavro.FuelGauges.h"
 #include "runtime/ClassRegistry.h"
 #include "runtime/Exceptions.h"
 #include "svg/VZSVGControl.h"
@@ -38,6 +43,13 @@ void RegisterComponentClasses() {
     // A new component class is one line here.
     RegisterClass<TVZForm>();
     RegisterClass<TVZSVGControl>();
+    RegisterClass<TVZSpeedometer>();
+    RegisterClass<TVZCircularAltimeter>();
+    RegisterClass<TVZCircularBarometer>();
+    RegisterClass<TVZCircularFuelGauge>();
+    RegisterClass<TVZCircularSpeedometer>();
+    RegisterClass<TVZCircularClock>();
+    RegisterClass<TVZAnalogCalendar>();
 }
 
 std::span<const TPackageUnit> GetPackageUnits() { return Units; }

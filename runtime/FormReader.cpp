@@ -55,7 +55,9 @@ public:
         return component;
     }
 
-    /// Name and properties, between the component's own brackets.
+    /// Name and properties, between the component's own brackets. Owned texts are set once more behind these:
+    /// what a component does at the end of a batch may replace them (an emblem that an instrument loads by
+    /// its name).
     void SetProperties(TComponent& component, const TFormObject& object) const {
         Placed(object.NamePlace, [&] {
             if (!object.Name.empty()) component.SetName(object.Name);
@@ -74,6 +76,9 @@ public:
             if (!fault) fault = std::current_exception();
         }
         if (fault) std::rethrow_exception(fault);
+        for (const TFormProperty& property : object.Properties)
+            if (ResolveProp(component, property.Path).Prop->Type.Kind == TValueKind::TextObject)
+                SetProperty(component, property);
     }
 
     /// Runs `action`; what it raises is raised with this place, in the family of errors in outside data.
@@ -147,18 +152,23 @@ public:
     /// A setter that refuses its own earlier value does not keep the others from theirs.
     void Restore() const {
         FComponent.SetName(FName);
-        InUpdate(FComponent, [&] {
-            std::for_each(FUndo.rbegin(), FUndo.rend(), [](const auto& undo) {
-                try {
-                    undo();
-                } catch (const Exception&) {
-                    return;
-                }
-            });
-        });
+        InUpdate(FComponent, [&] { RunBackwards(FUndo); });
+        RunBackwards(FTextUndo);
     }
 
 private:
+    using TUndo = std::vector<std::function<void()>>;
+
+    static void RunBackwards(const TUndo& steps) {
+        std::for_each(steps.rbegin(), steps.rend(), [](const auto& undo) {
+            try {
+                undo();
+            } catch (const Exception&) {
+                return;
+            }
+        });
+    }
+
     void Keep(const TPropRef& ref) {
         if (!ref.Prop->GetObject) {
             const TValue value = ref.Prop->Get(*ref.Object);
@@ -173,12 +183,15 @@ private:
             const std::shared_ptr<TPersistent> old = ref.Prop->NewObject();
             old->Assign(*owned);
             FUndo.emplace_back([ref, old] { ref.Prop->SetObject(*ref.Object, *old); });
+            if (ref.Prop->Type.Kind == TValueKind::TextObject && IsPropStored(*ref.Object, *ref.Prop))
+                FTextUndo.push_back(FUndo.back());
         }
     }
 
     TComponent& FComponent;
     std::string FName;
-    std::vector<std::function<void()>> FUndo;
+    TUndo FUndo;
+    TUndo FTextUndo; ///< owned texts once more, as in SetProperties
 };
 
 /// Raises the fault when something that the form would add or rename meets a component of the same name.

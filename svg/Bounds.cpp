@@ -7,6 +7,8 @@ namespace Vz {
 namespace {
 
 constexpr int MostNested = 600;
+/// Elements looked at for one box, references followed; beyond it nothing more counts.
+constexpr int MostVisits = 200000;
 
 /// Adds up boxes of fills over a tree, references followed.
 class TBoxFinder {
@@ -16,10 +18,9 @@ public:
     void Add(const TSVGGraphicElement& element, const TComputedStyle& parentStyle, const TAffine& matrix,
              double viewWidth, double viewHeight, bool ownTransform) {
         const TSVGTag tag = element.GetTag();
-        if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || ++FDepth > MostNested) {
-            --FDepth;
+        if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || FDepth >= MostNested || ++FVisits > MostVisits)
             return;
-        }
+        ++FDepth;
         const TComputedStyle style =
             ComputeStyle(parentStyle, element.GetStyle(), BasisOf(parentStyle, viewWidth, viewHeight));
         const TAffine inner =
@@ -36,7 +37,7 @@ public:
         else if (tag == TSVGTag::Image)
             AddArea(static_cast<const TSVGViewElement&>(element), inner, basis);
         else if (tag == TSVGTag::Svg)
-            AddView(static_cast<const TSVGViewElement&>(element), style, inner, basis);
+            AddView(static_cast<const TSVGViewElement&>(element), nullptr, style, inner, basis);
         else
             AddChildren(element, style, inner, viewWidth, viewHeight);
         --FDepth;
@@ -45,11 +46,10 @@ public:
     void AddChildren(const TSVGElement& parent, const TComputedStyle& style, const TAffine& matrix,
                      double viewWidth, double viewHeight) {
         for (const auto& child : parent.Children()) {
-            const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child.get());
-            if (!element || !element->GetVisible() || !element->ConditionsHold() ||
-                dynamic_cast<const TSVGReferenced*>(element))
-                continue;
-            Add(*element, style, matrix, viewWidth, viewHeight, true);
+            const auto* const element = child->AsGraphic();
+            if (!element || !element->ConditionsHold()) continue;
+            if (element->GetVisible() && !IsReferencedTag(element->GetTag()))
+                Add(*element, style, matrix, viewWidth, viewHeight, true);
             if (parent.GetTag() == TSVGTag::Switch) break;
         }
     }
@@ -66,14 +66,24 @@ private:
         Box.Include(matrix(area));
     }
 
-    void AddView(const TSVGViewElement& view, const TComputedStyle& style, const TAffine& matrix,
-                 const TLengthBasis& basis) {
+    /// A view in its own place, or drawn by a use, of which the size goes before its own (SVG 1.1, 5.6).
+    void AddView(const TSVGViewElement& view, const TSVGUse* use, const TComputedStyle& style,
+                 const TAffine& matrix, const TLengthBasis& basis) {
         constexpr TSVGLength all{TSVGUnit::Percent, 100};
-        const double w = view.GetWidthLength().value_or(all).Resolve(TAxis::X, basis);
-        const double h = view.GetHeightLength().value_or(all).Resolve(TAxis::Y, basis);
-        TAffine inner =
-            TAffine::Translation(view.GetX().Resolve(TAxis::X, basis), view.GetY().Resolve(TAxis::Y, basis))
-                .Then(matrix);
+        const bool isSymbol = view.GetTag() == TSVGTag::Symbol;
+        const auto size = [&](auto get, TAxis axis) {
+            const std::optional<TSVGLength> none;
+            const auto& given = use ? (use->*get)() : none;
+            const auto& own = isSymbol ? none : (view.*get)();
+            return (given ? *given : own.value_or(all)).Resolve(axis, basis);
+        };
+        const double w = size(&TSVGViewElement::GetWidthLength, TAxis::X);
+        const double h = size(&TSVGViewElement::GetHeightLength, TAxis::Y);
+        if (!(w > 0) || !(h > 0)) return;
+        TAffine inner = matrix;
+        if (!isSymbol)
+            inner = TAffine::Translation(view.GetX().Resolve(TAxis::X, basis), view.GetY().Resolve(TAxis::Y, basis))
+                        .Then(matrix);
         const auto& box = view.GetViewBox();
         if (box)
             inner = ViewBoxMap(*box, view.GetOwnAspectRatio().value_or(TSVGPreserveAspectRatio{}), w, h)
@@ -84,20 +94,27 @@ private:
     void AddUse(const TSVGUse& use, const TComputedStyle& style, const TAffine& matrix,
                 const TLengthBasis& basis) {
         const auto* const target = dynamic_cast<const TSVGGraphicElement*>(use.GetTarget());
-        if (!target || use.HasAncestor(target) || std::ranges::find(FActive, target) != FActive.end()) return;
+        if (!target || !target->GetVisible() || !target->ConditionsHold() || use.HasAncestor(target) ||
+            std::ranges::find(FActive, target) != FActive.end())
+            return;
         FActive.push_back(target);
         const TAffine inner =
             TAffine::Translation(use.GetX().Resolve(TAxis::X, basis), use.GetY().Resolve(TAxis::Y, basis))
                 .Then(matrix);
-        if (target->GetTag() == TSVGTag::Symbol)
-            AddView(static_cast<const TSVGViewElement&>(*target), style, inner, basis);
-        else
+        if (target->GetTag() == TSVGTag::Symbol || target->GetTag() == TSVGTag::Svg) {
+            const auto& view = static_cast<const TSVGViewElement&>(*target);
+            const TComputedStyle own = ComputeStyle(style, view.GetStyle(), basis);
+            const TAffine placed = TransformOf(view, own, basis.ViewWidth, basis.ViewHeight).Then(inner);
+            AddView(view, &use, own, placed, basis);
+        } else {
             Add(*target, style, inner, basis.ViewWidth, basis.ViewHeight, true);
+        }
         FActive.pop_back();
     }
 
     std::vector<const TSVGElement*> FActive;
     int FDepth = 0;
+    int FVisits = 0;
 };
 
 } // namespace

@@ -10,7 +10,7 @@ namespace Vz {
 /// One call of a paint device that an element makes.
 struct TDrawStep {
     TFigures Own;                      ///< empty where the element's own path data is drawn
-    const TFigures* Figures = nullptr; ///< null: Own
+    std::shared_ptr<const TFigures> Figures; ///< null: Own
     bool IsStroke = false;
     TStrokeStyle Stroke;
     TFillRule Rule = TFillRule::NonZero;
@@ -18,7 +18,7 @@ struct TDrawStep {
     mutable TPolygonCache Cache;
 
     TShape Shape(bool keep) const {
-        return {Figures ? Figures : &Own, IsStroke ? &Stroke : nullptr, Rule, keep ? &Cache : nullptr};
+        return {Figures ? Figures.get() : &Own, IsStroke ? &Stroke : nullptr, Rule, keep ? &Cache : nullptr};
     }
 };
 
@@ -33,8 +33,9 @@ struct TDrawList {
 struct TSVGGraphicElement::TCompiled {
     std::uint64_t Epoch = 0;
     bool Enabled = true;
-    float Opacity = 1;
     TComputedStyle Style;
+    bool HasList = false; ///< of a shape or text: List is its, made with this opacity
+    double Opacity = 1;
     TDrawList List;
 };
 

@@ -32,7 +32,8 @@ public:
     void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override {
         FDevice->Draw(shape, paint, toDevice);
     }
-    void DrawImage(const TPixels& image, const TAffine& toDevice, double opacity, TInterpolation mode) override {
+    void DrawImage(const TPixels& image, const TAffine& toDevice, double opacity,
+                   TInterpolation mode) override {
         FDevice->DrawImage(image, toDevice, opacity, mode);
     }
     void PushClip(std::span<const TClipShape> shapes) override { FDevice->PushClip(shapes); }

@@ -209,27 +209,34 @@ namespace {
 std::optional<double> AbsoluteSize(const std::optional<TSVGLength>& length) {
     if (!length || length->GetUnit() == TSVGUnit::Percent) return {};
     const double size = length->Resolve(TAxis::Other, {});
-    return std::isfinite(size) && size > 0 ? std::optional(std::min(size, 1e6)) : std::nullopt;
+    return std::isfinite(size) && size > 0 ? std::optional(size) : std::nullopt;
 }
 
 constexpr double DefaultExtent = 100;
 
+/// A side of the natural size, in single precision and within bounds.
+float Extent(double size) {
+    constexpr double least = 1e-6;
+    constexpr double most = 1e6;
+    return static_cast<float>(std::clamp(size, least, most));
+}
+
 } // namespace
 
 float TSVGDocument::GetWidth() const {
-    if (const auto width = AbsoluteSize(GetWidthLength())) return static_cast<float>(*width);
+    if (const auto width = AbsoluteSize(GetWidthLength())) return Extent(*width);
     const auto& box = GetViewBox();
-    if (!box) return static_cast<float>(DefaultExtent);
+    if (!box) return Extent(DefaultExtent);
     const auto height = AbsoluteSize(GetHeightLength());
-    return static_cast<float>(height ? *height * box->Width / box->Height : box->Width);
+    return Extent(height ? *height * box->Width / box->Height : box->Width);
 }
 
 float TSVGDocument::GetHeight() const {
-    if (const auto height = AbsoluteSize(GetHeightLength())) return static_cast<float>(*height);
+    if (const auto height = AbsoluteSize(GetHeightLength())) return Extent(*height);
     const auto& box = GetViewBox();
-    if (!box) return static_cast<float>(DefaultExtent);
+    if (!box) return Extent(DefaultExtent);
     const auto width = AbsoluteSize(GetWidthLength());
-    return static_cast<float>(width ? *width * box->Height / box->Width : box->Height);
+    return Extent(width ? *width * box->Height / box->Width : box->Height);
 }
 
 void TSVGDocument::FitToRect(const TRectF& rect) {

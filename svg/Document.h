@@ -73,7 +73,8 @@ public:
 
     // Size and place.
 
-    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100.
+    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100; each side
+    /// within 1e-6 to 1e6.
     float GetWidth() const;
     float GetHeight() const;
     /// How FitToRect places the picture. Default xMidYMid.

@@ -75,6 +75,9 @@ public:
     /// The element's name in SVG, such as "linearGradient".
     virtual std::string_view GetTagName() const;
 
+    /// The element as one that can be drawn; null where it is none.
+    virtual const TSVGGraphicElement* AsGraphic() const { return nullptr; }
+
     TSVGDocument& GetDocument() const { return *FDocument; }
     TSVGElement* GetParent() const { return FParent; }
     /// True when the given element is among this element's ancestors; not for the element itself.
@@ -208,6 +211,7 @@ private:
 class TSVGGraphicElement : public TSVGElement {
 public:
     ~TSVGGraphicElement() override;
+    const TSVGGraphicElement* AsGraphic() const override { return this; }
 
     /// False: the element and all below it are not drawn ("display" none of its own). Default true.
     bool GetVisible() const { return FVisible; }

@@ -24,10 +24,10 @@ private:
     void RunBoxes(TFilterPixel* out, int first, int from, int count);
     void RunFlat(const TFilterPixel* line, int size, TFilterPixel* out, int count) const;
 
-    std::vector<float> FKernel;  ///< one side of a Gaussian, its middle first
+    std::vector<float> FKernel; ///< one side of a Gaussian, its middle first
     int FBegin, FEnd;
-    int FBox = 0;                ///< width of the boxes; 0: kernel
-    float FFlat = 0;             ///< not 0: the curve is so wide that its height counts everywhere
+    int FBox = 0;    ///< width of the boxes; 0: kernel
+    float FFlat = 0; ///< not 0: the curve is so wide that its height counts everywhere
     int FReach = 0;
     std::vector<TFilterPixel> FLine, FNext;
 };
@@ -40,7 +40,8 @@ TLineBlur::TLineBlur(double sigma, int begin, int end)
         return;
     }
     if (sigma > 4.0 * (end - begin)) {
-        // Over this distance the curve falls by less than a thirtieth, and it is lower than a tenth of a pixel.
+        // Over this distance the curve falls by less than a thirtieth, and it is lower than a tenth of a
+        // pixel.
         FFlat = static_cast<float>(1 / (sigma * std::sqrt(2 * std::numbers::pi)));
         return;
     }
@@ -103,7 +104,8 @@ void TLineBlur::RunFlat(const TFilterPixel* line, int size, TFilterPixel* out, i
 void TLineBlur::Run(const TFilterPixel* line, int at, int size, TFilterPixel* out, int from, int count) {
     if (FFlat > 0) return RunFlat(line, size, out, count);
     std::fill_n(out, count, TFilterPixel{});
-    // Only what lies within reach of the line on the one hand and of the result on the other needs to be computed.
+    // Only what lies within reach of the line on the one hand and of the result on the other needs to be
+    // computed.
     const int begin = std::max(from, at - FReach);
     const int end = std::min(from + count, at + size + FReach);
     if (begin >= end) return;
@@ -125,8 +127,8 @@ struct TRange {
     int Begin, End;
 };
 
-/// Blurs the rows of a picture into those columns from `left` to `right`, and turns the result so that rows are
-/// columns.
+/// Blurs the rows of a picture into those columns from `left` to `right`, and turns the result so that rows
+/// are columns.
 TFilterImage BlurredAcross(const TFilterImage& in, double sigma, TRange limit, int left, int right) {
     const TRect& box = in.Box();
     TLineBlur blur(sigma, std::min({limit.Begin, left, box.Left}), std::max({limit.End, right, box.Right}));
@@ -148,7 +150,8 @@ TFilterImage BlurredAcross(const TFilterImage& in, double sigma, TRange limit, i
 
 double BlurReach(double sigma) { return sigma > 0 ? 3 * sigma + 2 : 0; }
 
-TFilterImage Blurred(const TFilterImage& in, double sigmaX, double sigmaY, const TRect& limit, const TRect& box) {
+TFilterImage Blurred(const TFilterImage& in, double sigmaX, double sigmaY, const TRect& limit,
+                     const TRect& box) {
     if (in.IsEmpty() || box.IsEmpty()) return TFilterImage(box, in.Colors());
     if (!(sigmaX > 0) && !(sigmaY > 0)) return Cropped(in, box);
     const TFilterImage turned = BlurredAcross(in, sigmaX, {limit.Left, limit.Right}, box.Left, box.Right);

@@ -16,9 +16,7 @@ TFilterImage Flooded(const TRect& box, TVZGPColor color, TFilterColors colors) {
 
 // Colour matrices (Filter Effects 1, 9.6)
 
-TColorMatrix IdentityColors() {
-    return {1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0};
-}
+TColorMatrix IdentityColors() { return {1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0}; }
 
 namespace {
 
@@ -78,7 +76,8 @@ float TTransfer::operator()(float value) const {
     const int count = static_cast<int>(Values.size());
     float result = value;
     switch (Kind) {
-    case TKind::Identity: return value;
+    case TKind::Identity:
+        return value;
     case TKind::Table: {
         if (count == 0) return value;
         const float place = value * static_cast<float>(count - 1);
@@ -91,8 +90,12 @@ float TTransfer::operator()(float value) const {
         if (count == 0) return value;
         result = Values[std::clamp(static_cast<int>(value * static_cast<float>(count)), 0, count - 1)];
         break;
-    case TKind::Linear: result = Slope * value + Intercept; break;
-    case TKind::Gamma: result = Amplitude * std::pow(value, Exponent) + Offset; break;
+    case TKind::Linear:
+        result = Slope * value + Intercept;
+        break;
+    case TKind::Gamma:
+        result = Amplitude * std::pow(value, Exponent) + Offset;
+        break;
     }
     return result > 0 ? std::min(result, 1.0f) : 0;
 }
@@ -115,12 +118,18 @@ struct TShares {
 
 TShares SharesOf(TCompositeOperator op, float a, float b) {
     switch (op) {
-    case TCompositeOperator::In: return {b, 0};
-    case TCompositeOperator::Out: return {1 - b, 0};
-    case TCompositeOperator::Atop: return {b, 1 - a};
-    case TCompositeOperator::Xor: return {1 - b, 1 - a};
-    case TCompositeOperator::Lighter: return {1, 1};
-    default: return {1, 1 - a};
+    case TCompositeOperator::In:
+        return {b, 0};
+    case TCompositeOperator::Out:
+        return {1 - b, 0};
+    case TCompositeOperator::Atop:
+        return {b, 1 - a};
+    case TCompositeOperator::Xor:
+        return {1 - b, 1 - a};
+    case TCompositeOperator::Lighter:
+        return {1, 1};
+    default:
+        return {1, 1 - a};
     }
 }
 

@@ -62,7 +62,9 @@ TPointD TPartReader::Vector(double dx, double dy) const {
     return {FPlace.ToPixels.A * x + FPlace.ToPixels.C * y, FPlace.ToPixels.B * x + FPlace.ToPixels.D * y};
 }
 
-TPointD TPartReader::Shift(double dx, double dy) const { return PixelShift(FPlace.ToPixels, LengthX(dx), LengthY(dy)); }
+TPointD TPartReader::Shift(double dx, double dy) const {
+    return PixelShift(FPlace.ToPixels, LengthX(dx), LengthY(dy));
+}
 
 TPointD PixelShift(const TAffine& m, double dx, double dy) {
     const TPointD shift{m.A * dx + m.C * dy, m.B * dx + m.D * dy};
@@ -72,7 +74,8 @@ TPointD PixelShift(const TAffine& m, double dx, double dy) {
 
 // The graph
 
-TFilterGraph::TFilterGraph(const TSVGReferenced& filter, const TFilterPlace& place) : FPlace(place) {
+TFilterGraph::TFilterGraph(const TSVGReferenced& filter, const TFilterPlace& place)
+    : FPlace(place) {
     for (const auto& child : filter.Children())
         if (child->GetTag() == TSVGTag::FilterPart && FNodes.size() < MostNodes)
             AddNode(static_cast<const TSVGPlainElement&>(*child));
@@ -108,7 +111,8 @@ void TFilterGraph::AddNode(const TSVGPlainElement& part) {
     if (node.Primitive->Inputs < 0)
         for (const auto& child : part.Children())
             if (child->GetTagName() == "feMergeNode" && node.Inputs.size() < MostNodes)
-                node.Inputs.push_back(FindInput(static_cast<const TSVGPlainElement&>(*child).FindAttribute("in")));
+                node.Inputs.push_back(
+                    FindInput(static_cast<const TSVGPlainElement&>(*child).FindAttribute("in")));
     PlaceNode(node);
     FNodes.push_back(std::move(node));
 }
@@ -146,14 +150,17 @@ void TFilterGraph::PlaceNode(TFilterNode& node) const {
 }
 
 TFilterSurvey TFilterGraph::Survey() const {
-    constexpr double costOfAny = 30;
+    constexpr double costOfAny = 12;
+    constexpr double costOfInput = 3;
     TFilterSurvey survey;
     for (const TFilterNode& node : FNodes) {
-        survey.Cost += node.Primitive->Cost + costOfAny + 5.0 * static_cast<double>(node.Inputs.size());
+        survey.Cost +=
+            node.Primitive->Cost + costOfAny + costOfInput * static_cast<double>(node.Inputs.size());
         if (HasOwnArea(*node.Part)) survey.IsTurnable = false;
         if (node.Primitive->Survey) node.Primitive->Survey(TPartReader(node, FPlace), survey);
         for (const int input : node.Inputs)
-            if (input == TFilterNode::FillPaint || input == TFilterNode::StrokePaint) survey.IsBounded = false;
+            if (input == TFilterNode::FillPaint || input == TFilterNode::StrokePaint)
+                survey.IsBounded = false;
     }
     return survey;
 }
@@ -187,11 +194,13 @@ TFilterImagePtr TFilterGraph::Input(const TFilterNode& node, std::size_t which) 
     return std::make_shared<const TFilterImage>(InColors(*image, node.Colors));
 }
 
-TFilterImage TFilterGraph::Run(const TFilterImage& source, const TFilterPainter& painter) {
-    if (FNodes.empty()) return {};
+TFilterImagePtr TFilterGraph::Run(const TFilterImagePtr& source, const TFilterPainter& painter) {
+    if (FNodes.empty()) return std::make_shared<const TFilterImage>();
     FPainter = &painter;
     FResults.assign(FNodes.size(), nullptr);
-    FSpecials[1] = std::make_shared<const TFilterImage>(Cropped(source, FPlace.Pixels));
+    FSpecials[1] = Intersection(source->Box(), FPlace.Pixels) == source->Box()
+                       ? source
+                       : std::make_shared<const TFilterImage>(Cropped(*source, FPlace.Pixels));
     for (std::size_t i = 0; i < FNodes.size(); ++i) {
         const TFilterNode& node = FNodes[i];
         FResults[i] = std::make_shared<const TFilterImage>(
@@ -200,7 +209,7 @@ TFilterImage TFilterGraph::Run(const TFilterImage& source, const TFilterPainter&
             if (input >= 0 && Node(input).LastUse <= static_cast<int>(i))
                 FResults[static_cast<std::size_t>(input)] = nullptr;
     }
-    TFilterImage result = *FResults.back();
+    TFilterImagePtr result = FResults.back();
     FResults.clear();
     std::ranges::fill(FSpecials, nullptr);
     return result;

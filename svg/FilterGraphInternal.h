@@ -30,10 +30,10 @@ struct TFilterPainter {
 
 /// What is known of a filter before it runs.
 struct TFilterSurvey {
-    double ReachX = 0, ReachY = 0;  ///< pixels that something is carried at most
-    bool IsBounded = true;          ///< false: paints where nothing was
-    bool IsTurnable = true;         ///< true: may run on pixels that are turned against the element's axes
-    double Cost = 0;                ///< about nanoseconds a pixel
+    double ReachX = 0, ReachY = 0; ///< pixels that something is carried at most
+    bool IsBounded = true;         ///< false: paints where nothing was
+    bool IsTurnable = true;        ///< true: may run on pixels that are turned against the element's axes
+    double Cost = 0;               ///< about nanoseconds a pixel
 };
 
 /// One primitive of a filter, tied to what goes into it.
@@ -43,11 +43,11 @@ struct TFilterNode {
 
     const struct TPrimitive* Primitive = nullptr;
     const TSVGPlainElement* Part = nullptr;
-    std::vector<int> Inputs;  ///< indexes of nodes, or TInput
-    int LastUse = 0;          ///< the last node that takes the result
-    TRectD Area;              ///< the subregion, in pixels, not limited to the region
-    TRectD UserArea;          ///< the same in the element's units
-    TRect Pixels;             ///< the pixels that it makes
+    std::vector<int> Inputs; ///< indexes of nodes, or TInput
+    int LastUse = 0;         ///< the last node that takes the result
+    TRectD Area;             ///< the subregion, in pixels, not limited to the region
+    TRectD UserArea;         ///< the same in the element's units
+    TRect Pixels;            ///< the pixels that it makes
     TFilterColors Colors = TFilterColors::Linear;
     TComputedStyle Style;
 };
@@ -55,7 +55,8 @@ struct TFilterNode {
 /// Whole pixels of a box, to which a rounding error adds none.
 TRect WholePixels(const TRectD& box);
 
-/// A shift by dx, dy under the map; where it keeps the axes in whole pixels, so that edges stay as sharp as they are.
+/// A shift by dx, dy under the map; where it keeps the axes in whole pixels, so that edges stay as sharp as
+/// they are.
 TPointD PixelShift(const TAffine& toPixels, double dx, double dy);
 
 /// Runs the primitives of one filter element.
@@ -66,7 +67,7 @@ public:
     bool IsEmpty() const { return FNodes.empty(); }
     TFilterSurvey Survey() const;
     /// The filter's result of the source, within the place's pixels.
-    TFilterImage Run(const TFilterImage& source, const TFilterPainter& painter);
+    TFilterImagePtr Run(const TFilterImagePtr& source, const TFilterPainter& painter);
 
     // What the primitives ask.
     const TFilterPlace& Place() const { return FPlace; }
@@ -94,8 +95,12 @@ private:
 /// The attributes of a primitive.
 class TPartReader {
 public:
-    TPartReader(const TFilterNode& node, const TFilterPlace& place) : FPart(*node.Part), FPlace(place) {}
-    TPartReader(const TSVGPlainElement& part, const TFilterPlace& place) : FPart(part), FPlace(place) {}
+    TPartReader(const TFilterNode& node, const TFilterPlace& place)
+        : FPart(*node.Part)
+        , FPlace(place) {}
+    TPartReader(const TSVGPlainElement& part, const TFilterPlace& place)
+        : FPart(part)
+        , FPlace(place) {}
 
     const TSVGPlainElement& Part() const { return FPart; }
     /// The attributes of an element in the primitive.
@@ -108,7 +113,8 @@ public:
     /// One number for both, or two; nothing where the attribute is absent or something else.
     std::optional<TPointD> Pair(std::string_view name) const;
     /// The place of the text in a list of names; `byDefault` where it is absent or none of them.
-    template <std::size_t N> int Word(std::string_view name, const std::string_view (&names)[N], int byDefault) const {
+    template <std::size_t N>
+    int Word(std::string_view name, const std::string_view (&names)[N], int byDefault) const {
         const std::string* const text = Text(name);
         for (std::size_t i = 0; text && i < N; ++i)
             if (*text == names[i]) return static_cast<int>(i);
@@ -138,7 +144,7 @@ struct TPrimitive {
     bool WholeRegion; ///< its subregion is the filter region unless it says otherwise
     double Cost;      ///< about nanoseconds a pixel
     TFilterImage (*Run)(const TFilterGraph& graph, const TFilterNode& node);
-    void (*Survey)(const TPartReader& reader, TFilterSurvey& survey);  ///< null: works on each pixel alone
+    void (*Survey)(const TPartReader& reader, TFilterSurvey& survey); ///< null: works on each pixel alone
 };
 /// Null where there is no primitive of that name.
 const TPrimitive* FindPrimitive(std::string_view name);

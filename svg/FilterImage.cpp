@@ -64,7 +64,8 @@ const TFilterPixel* TFilterImage::Span(int y, int left, int count, std::vector<T
     scratch.assign(static_cast<std::size_t>(count), {});
     const int from = std::max(left, FBox.Left);
     const int to = std::min(left + count, FBox.Right);
-    if (has && from < to) std::copy_n(Row(y) + (from - FBox.Left), to - from, scratch.begin() + (from - left));
+    if (has && from < to)
+        std::copy_n(Row(y) + (from - FBox.Left), to - from, scratch.begin() + (from - left));
     return scratch.data();
 }
 
@@ -108,8 +109,8 @@ TFilterImage FilterImageOf(const TPixels& pixels, int left, int top) {
                       [&](int y, TFilterPixel* row) {
                           const std::uint32_t* const from = pixels.Row(y - top);
                           for (int i = 0; i < pixels.Width; ++i)
-                              row[i] = {RedOf(from[i]) * unit, GreenOf(from[i]) * unit, BlueOf(from[i]) * unit,
-                                        AlphaOf(from[i]) * unit};
+                              row[i] = {RedOf(from[i]) * unit, GreenOf(from[i]) * unit,
+                                        BlueOf(from[i]) * unit, AlphaOf(from[i]) * unit};
                       });
 }
 

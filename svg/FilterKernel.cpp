@@ -70,12 +70,14 @@ TFilterPixel Most(const TFilterPixel& a, const TFilterPixel& b) {
     return {std::max(a.R, b.R), std::max(a.G, b.G), std::max(a.B, b.B), std::max(a.A, b.A)};
 }
 
-/// The extreme in each window of so many pixels, in three steps a pixel whatever the window: within blocks of the
-/// window's size the extremes up to each pixel and from it on are kept, and a window is the end of one block and the
-/// beginning of the next (van Herk; Gil and Werman). The first pixel's window begins where `line` does.
+/// The extreme in each window of so many pixels, in three steps a pixel whatever the window: within blocks of
+/// the window's size the extremes up to each pixel and from it on are kept, and a window is the end of one
+/// block and the beginning of the next (van Herk; Gil and Werman). The first pixel's window begins where
+/// `line` does.
 template <class F>
-void WindowExtremes(const std::vector<TFilterPixel>& line, int window, F pick, std::vector<TFilterPixel>& upTo,
-                    std::vector<TFilterPixel>& fromOn, TFilterPixel* out, int count) {
+void WindowExtremes(const std::vector<TFilterPixel>& line, int window, F pick,
+                    std::vector<TFilterPixel>& upTo, std::vector<TFilterPixel>& fromOn, TFilterPixel* out,
+                    int count) {
     const int size = static_cast<int>(line.size());
     upTo.resize(line.size());
     fromOn.resize(line.size());
@@ -116,7 +118,8 @@ TFilterImage MorphedAcross(TMorphology op, const TFilterImage& in, int size, int
 
 TFilterImage Morphed(TMorphology op, const TFilterImage& in, int windowX, int windowY, const TRect& box) {
     if (in.IsEmpty() || box.IsEmpty()) return TFilterImage(box, in.Colors());
-    return MorphedAcross(op, MorphedAcross(op, in, windowX, box.Left, box.Right), windowY, box.Top, box.Bottom);
+    return MorphedAcross(op, MorphedAcross(op, in, windowX, box.Left, box.Right), windowY, box.Top,
+                         box.Bottom);
 }
 
 // Convolution (Filter Effects 1, 9.9)
@@ -156,7 +159,8 @@ TFilterImage Convolved(const TFilterImage& in, const TConvolution& c, const TRec
     if (box.IsEmpty()) return TFilterImage(box, in.Colors());
     TFilterImage source = WithEdges(in, c, edge, box);
     if (c.PreserveAlpha)
-        std::transform(source.Pixels().begin(), source.Pixels().end(), source.Pixels().begin(), Unpremultiplied);
+        std::transform(source.Pixels().begin(), source.Pixels().end(), source.Pixels().begin(),
+                       Unpremultiplied);
     // The kernel is turned by half a turn: its last weight meets the first pixel.
     std::vector<float> kernel(c.Kernel.rbegin(), c.Kernel.rend());
     for (float& weight : kernel)
@@ -183,7 +187,8 @@ TFilterImage Convolved(const TFilterImage& in, const TConvolution& c, const TRec
 
 // Displacement and tiles (Filter Effects 1, 9.11 and 9.20)
 
-TFilterImage Displaced(const TFilterImage& in, const TFilterImage& map, const TDisplacement& d, const TRect& box) {
+TFilterImage Displaced(const TFilterImage& in, const TFilterImage& map, const TDisplacement& d,
+                       const TRect& box) {
     static constexpr float TFilterPixel::*channels[] = {&TFilterPixel::R, &TFilterPixel::G, &TFilterPixel::B,
                                                         &TFilterPixel::A};
     std::vector<TFilterPixel> scratch;

@@ -25,14 +25,16 @@ TVector VectorOf(const std::array<double, 3>& p) {
 
 /// The light that falls on a place.
 struct TRay {
-    TVector ToLight;     ///< unit
-    float Strength = 1;  ///< 0..1
+    TVector ToLight;    ///< unit
+    float Strength = 1; ///< 0..1
 };
 
 /// A light source, ready to be asked (Filter Effects 1, 9.13.3).
 class TLamp {
 public:
-    explicit TLamp(const TLight& light) : FLight(light), FAt(VectorOf(light.At)) {
+    explicit TLamp(const TLight& light)
+        : FLight(light)
+        , FAt(VectorOf(light.At)) {
         const double azimuth = std::fmod(light.AzimuthDeg, 360) * std::numbers::pi / 180;
         const double elevation = std::fmod(light.ElevationDeg, 360) * std::numbers::pi / 180;
         FDistant = VectorOf({std::cos(azimuth) * std::cos(elevation), std::sin(azimuth) * std::cos(elevation),
@@ -40,7 +42,8 @@ public:
         FAxis = (VectorOf(light.Target) - FAt).Unit();
         FExponent = static_cast<float>(light.SpotExponent);
         if (light.ConeDeg >= 0)
-            FLeastCosine = static_cast<float>(std::cos(std::min(light.ConeDeg, 180.0) * std::numbers::pi / 180));
+            FLeastCosine =
+                static_cast<float>(std::cos(std::min(light.ConeDeg, 180.0) * std::numbers::pi / 180));
     }
     TRay At(const TVector& place) const {
         if (FLight.Kind == TLight::TKind::Distant) return {FDistant, 1};
@@ -69,8 +72,8 @@ struct THeights {
         const float behind = x < last ? row[x + 1] : row[x];
         return (behind - before) * (x > 0 && x < last ? 1.0f : 2.0f);
     }
-    /// The surface's normal: the kernels of the table in Filter Effects 1, 9.13.2 are these slopes, the neighbours
-    /// on both sides weighed half as much as the middle, and all weights together 1.
+    /// The surface's normal: the kernels of the table in Filter Effects 1, 9.13.2 are these slopes, the
+    /// neighbours on both sides weighed half as much as the middle, and all weights together 1.
     TVector Normal(int x, int last, float scale) const {
         const float middle = 2;
         float slopeX = middle * Across(Rows[1], x, last);
@@ -113,7 +116,8 @@ TFilterImage Lit(const TFilterImage& in, const TLighting& lighting, TFilterColor
     const float constant = static_cast<float>(lighting.Constant);
     const float exponent = static_cast<float>(lighting.Exponent);
     return MadeByRows(box, colors, [&](int y, TFilterPixel* to) {
-        const THeights around{{y > box.Top ? row(y - 1) : nullptr, row(y), y < box.Bottom - 1 ? row(y + 1) : nullptr}};
+        const THeights around{
+            {y > box.Top ? row(y - 1) : nullptr, row(y), y < box.Bottom - 1 ? row(y + 1) : nullptr}};
         for (int i = 0; i < width; ++i) {
             const TVector normal = around.Normal(i, last, scale);
             const TVector place{static_cast<float>(box.Left + i) + 0.5f, static_cast<float>(y) + 0.5f,

@@ -11,7 +11,8 @@ namespace Vz {
 
 namespace {
 
-/// A function's only argument as a number or a percentage; 1 where it is absent, nothing where it is in error.
+/// A function's only argument as a number or a percentage; 1 where it is absent, nothing where it is in
+/// error.
 std::optional<double> AmountOf(std::string_view text) {
     TScanner scanner{Trimmed(text)};
     if (scanner.AtEnd()) return 1;
@@ -57,7 +58,8 @@ TColorMatrix Opacity(double amount) {
     return m;
 }
 TColorMatrix Sepia(double amount) {
-    static constexpr double full[3][3] = {{0.393, 0.769, 0.189}, {0.349, 0.686, 0.168}, {0.272, 0.534, 0.131}};
+    static constexpr double full[3][3] = {
+        {0.393, 0.769, 0.189}, {0.349, 0.686, 0.168}, {0.272, 0.534, 0.131}};
     TColorMatrix m = IdentityColors();
     for (std::size_t row = 0; row < 3; ++row)
         for (std::size_t i = 0; i < 3; ++i)
@@ -68,11 +70,15 @@ TColorMatrix Sepia(double amount) {
 struct TColorFunction {
     std::string_view Name;
     TColorMatrix (*Matrix)(double amount);
-    bool HasMost;  ///< amounts above 1 count as 1
+    bool HasMost; ///< amounts above 1 count as 1
 };
 constexpr TColorFunction ColorFunctions[] = {
-    {"brightness", Brightness, false}, {"contrast", Contrast, false},     {"grayscale", Grayscale, true},
-    {"invert", Invert, true},          {"opacity", Opacity, true},        {"saturate", SaturateColors, false},
+    {"brightness", Brightness, false},
+    {"contrast", Contrast, false},
+    {"grayscale", Grayscale, true},
+    {"invert", Invert, true},
+    {"opacity", Opacity, true},
+    {"saturate", SaturateColors, false},
     {"sepia", Sepia, true},
 };
 
@@ -108,13 +114,14 @@ bool ReadBlur(std::string_view arguments, const TLengthBasis& basis, TFilterItem
 }
 
 /// Two or three lengths in a row, a colour before or behind them.
-bool ReadShadow(std::string_view arguments, const TComputedStyle& style, const TLengthBasis& basis, TFilterItem& item) {
+bool ReadShadow(std::string_view arguments, const TComputedStyle& style, const TLengthBasis& basis,
+                TFilterItem& item) {
     item.Kind = TFilterItem::TKind::Shadow;
     item.Color = style.Color;
     double* const lengths[] = {&item.Dx, &item.Dy, &item.Sigma};
     std::size_t count = 0;
     bool colored = false;
-    bool closed = false;  // lengths, and a colour behind them: nothing more may follow
+    bool closed = false; // lengths, and a colour behind them: nothing more may follow
     for (std::string_view rest = Trimmed(arguments); !rest.empty();) {
         const std::size_t end = FindTopLevel(rest, " \t\n\r\f");
         const std::string_view word = rest.substr(0, end);

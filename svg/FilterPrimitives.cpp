@@ -16,7 +16,8 @@ TVZGPColor FloodColorOf(const TFilterNode& node, const TFilterPlace& place) {
 
 // Blur, offset, shadow
 
-/// The deviations in pixels; one that is negative, or a list of others than one or two numbers, blurs nothing.
+/// The deviations in pixels; one that is negative, or a list of others than one or two numbers, blurs
+/// nothing.
 TPointD SigmaOf(const TPartReader& reader, double byDefault) {
     const std::optional<TPointD> sigma =
         reader.Text("stdDeviation") ? reader.Pair("stdDeviation") : TPointD{byDefault, byDefault};
@@ -142,10 +143,10 @@ TFilterImage RunMerge(const TFilterGraph& graph, const TFilterNode& node) {
 }
 
 TFilterImage RunBlend(const TFilterGraph& graph, const TFilterNode& node) {
-    static constexpr std::string_view modes[] = {"normal",     "multiply",   "screen",     "overlay",
+    static constexpr std::string_view modes[] = {"normal",     "multiply",   "screen",      "overlay",
                                                  "darken",     "lighten",    "color-dodge", "color-burn",
-                                                 "hard-light", "soft-light", "difference", "exclusion",
-                                                 "hue",        "saturation", "color",      "luminosity"};
+                                                 "hard-light", "soft-light", "difference",  "exclusion",
+                                                 "hue",        "saturation", "color",       "luminosity"};
     static_assert(std::size(modes) == static_cast<std::size_t>(TBlendMode::Luminosity) + 1);
     const auto mode = static_cast<TBlendMode>(ReaderOf(graph, node).Word("mode", modes, 0));
     return Blended(mode, *graph.Input(node, 0), *graph.Input(node, 1), node.Pixels);
@@ -173,8 +174,8 @@ struct TCounts {
     int X = 0, Y = 0;
 };
 
-/// The kernel is as wide as twice the radius, in pixels. Negative radii, none at all and lists of others than one or
-/// two numbers change nothing.
+/// The kernel is as wide as twice the radius, in pixels. Negative radii, none at all and lists of others than
+/// one or two numbers change nothing.
 TCounts WindowOf(const TPartReader& reader) {
     constexpr double most = 1e6;
     const auto radius = reader.Pair("radius");
@@ -250,7 +251,7 @@ void SurveyConvolution(const TPartReader& reader, TFilterSurvey& survey) {
     if (const auto order = OrderOf(reader)) {
         survey.ReachX += order->X;
         survey.ReachY += order->Y;
-        survey.Cost += 1.5 * order->X * order->Y;
+        survey.Cost += order->X * order->Y;
     }
 }
 
@@ -262,7 +263,9 @@ TFilterImage RunDisplacement(const TFilterGraph& graph, const TFilterNode& node)
     const double scale = DisplacementScale(reader);
     const TPointD x = reader.Vector(scale, 0);
     const TPointD y = reader.Vector(0, scale);
-    const TDisplacement d{{x.X, x.Y}, {y.X, y.Y}, reader.Word("xChannelSelector", channels, 3),
+    const TDisplacement d{{x.X, x.Y},
+                          {y.X, y.Y},
+                          reader.Word("xChannelSelector", channels, 3),
                           reader.Word("yChannelSelector", channels, 3)};
     // The colour space holds for the map only; the picture stays as it is.
     return Displaced(*graph.InputAsIs(node, 0), *graph.Input(node, 1), d, node.Pixels);
@@ -311,9 +314,10 @@ TFilterImage RunTurbulence(const TFilterGraph& graph, const TFilterNode& node) {
 }
 
 void SurveyTurbulence(const TPartReader& reader, TFilterSurvey& survey) {
-    constexpr double costOfOctave = 60;
+    constexpr double costOfOctave = 28;
     survey.IsBounded = false;
-    if (const auto t = TurbulenceOf(reader)) survey.Cost += costOfOctave * std::min(t->Octaves, TTurbulence::MostOctaves);
+    if (const auto t = TurbulenceOf(reader))
+        survey.Cost += costOfOctave * std::min(t->Octaves, TTurbulence::MostOctaves);
 }
 
 // Light
@@ -343,7 +347,8 @@ std::optional<TLight> LightOf(const TFilterNode& node, const TFilterPlace& place
         light.SpotExponent = reader.Number("specularExponent", 1);
         if (!(light.SpotExponent > 0)) light.SpotExponent = 1;
         // An angle and its negative are the same cone.
-        if (reader.Text("limitingConeAngle")) light.ConeDeg = std::abs(reader.Number("limitingConeAngle", -1));
+        if (reader.Text("limitingConeAngle"))
+            light.ConeDeg = std::abs(reader.Number("limitingConeAngle", -1));
         return light;
     }
     return {};
@@ -368,22 +373,22 @@ TFilterImage RunLighting(const TFilterGraph& graph, const TFilterNode& node) {
 /// By name, in alphabetical order; costs as measured.
 constexpr TPrimitive Primitives[] = {
     // name              inputs whole  cost  run             survey
-    {"feBlend", 2, false, 30, RunBlend, nullptr},
-    {"feColorMatrix", 1, false, 10, RunColorMatrix, SurveyColorMatrix},
-    {"feComponentTransfer", 1, false, 60, RunTransfer, SurveyTransfer},
-    {"feComposite", 2, false, 5, RunComposite, SurveyComposite},
-    {"feConvolveMatrix", 1, false, 10, RunConvolution, SurveyConvolution},
-    {"feDiffuseLighting", 1, false, 60, RunLighting, SurveyFixed},
-    {"feDisplacementMap", 2, false, 30, RunDisplacement, SurveyDisplacement},
-    {"feDropShadow", 1, false, 100, RunShadow, SurveyShadow},
-    {"feFlood", 0, true, 0, RunFlood, SurveyUnbounded},
-    {"feGaussianBlur", 1, false, 80, RunBlur, SurveyBlur},
-    {"feImage", 0, true, 50, RunImage, SurveyFixed},
-    {"feMerge", -1, false, 5, RunMerge, nullptr},
-    {"feMorphology", 1, false, 60, RunMorphology, SurveyMorphology},
-    {"feOffset", 1, false, 10, RunOffset, SurveyOffset},
-    {"feSpecularLighting", 1, false, 100, RunLighting, SurveyFixed},
-    {"feTile", 1, true, 10, RunTile, SurveyFixed},
+    {"feBlend", 2, false, 25, RunBlend, nullptr},
+    {"feColorMatrix", 1, false, 14, RunColorMatrix, SurveyColorMatrix},
+    {"feComponentTransfer", 1, false, 40, RunTransfer, SurveyTransfer},
+    {"feComposite", 2, false, 9, RunComposite, SurveyComposite},
+    {"feConvolveMatrix", 1, false, 20, RunConvolution, SurveyConvolution},
+    {"feDiffuseLighting", 1, false, 25, RunLighting, SurveyFixed},
+    {"feDisplacementMap", 2, false, 37, RunDisplacement, SurveyDisplacement},
+    {"feDropShadow", 1, false, 53, RunShadow, SurveyShadow},
+    {"feFlood", 0, true, 2, RunFlood, SurveyUnbounded},
+    {"feGaussianBlur", 1, false, 19, RunBlur, SurveyBlur},
+    {"feImage", 0, true, 20, RunImage, SurveyFixed},
+    {"feMerge", -1, false, 3, RunMerge, nullptr},
+    {"feMorphology", 1, false, 27, RunMorphology, SurveyMorphology},
+    {"feOffset", 1, false, 5, RunOffset, SurveyOffset},
+    {"feSpecularLighting", 1, false, 40, RunLighting, SurveyFixed},
+    {"feTile", 1, true, 3, RunTile, SurveyFixed},
     {"feTurbulence", 0, true, 10, RunTurbulence, SurveyTurbulence},
 };
 static_assert(std::ranges::is_sorted(Primitives, {}, &TPrimitive::Name));

@@ -25,16 +25,14 @@ bool IsLayer(const TSVGGraphicElement& element, const TComputedStyle& style) {
 
 bool TSVGPainter::Enter() { return ++FVisits <= MaxVisits; }
 
-TPaintContext TSVGPainter::RootContext(const TAffine& matrix, TComputedStyle& style) const {
+TPaintContext TSVGPainter::RootContext(const TAffine& matrix) const {
     TPaintContext root;
     const double width = FDocument.GetWidth();
     const double height = FDocument.GetHeight();
     const auto& box = FDocument.GetViewBox();
     root.ViewWidth = box ? box->Width : width;
     root.ViewHeight = box ? box->Height : height;
-    style = ComputeStyle(TComputedStyle::Initial(), FDocument.GetStyle(), {root.ViewWidth, root.ViewHeight});
-    style.RootFontSize = style.Text->Font.Size;
-    root.Style = &style;
+    root.Style = &TComputedStyle::Initial();
     root.Matrix = FDocument.GetTransform().Then(matrix);
     if (box)
         root.Matrix = ViewBoxMap(*box, FDocument.GetOwnAspectRatio().value_or(FDocument.GetViewAspectRatio()),
@@ -44,59 +42,78 @@ TPaintContext TSVGPainter::RootContext(const TAffine& matrix, TComputedStyle& st
     return root;
 }
 
+/// The element's style: computed into `scratch`, or, on the way to the active element and inside of it, kept.
+const TComputedStyle& TSVGPainter::StyleOf(const TSVGGraphicElement& element, const TPaintContext& context,
+                                           TComputedStyle& scratch) const {
+    const auto compute = [&](TComputedStyle& style) {
+        style = ComputeStyle(*context.Style, element.GetStyle(),
+                             BasisOf(*context.Style, context.ViewWidth, context.ViewHeight));
+        if (&element == &FDocument) style.RootFontSize = style.Text->Font.Size;
+    };
+    if (!Keeps(context)) {
+        compute(scratch);
+        return scratch;
+    }
+    auto& kept = element.FCompiled;
+    if (!kept) kept = std::make_unique<TSVGGraphicElement::TCompiled>();
+    if (kept->Epoch != FDocument.GetEpoch() || kept->Enabled != context.Enabled) {
+        kept->Epoch = FDocument.GetEpoch();
+        kept->Enabled = context.Enabled;
+        kept->HasList = false;
+        kept->List = {};
+        compute(kept->Style);
+    }
+    return kept->Style;
+}
+
 void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const TAffine& matrix) {
     if (!matrix.IsFinite() || !FDocument.GetVisible()) return;
     FPass = pass;
+    FPivot = pivot;
     FVisits = 0;
-    FPath.clear();
-    for (const TSVGElement* at = pivot; at && at != &FDocument; at = at->GetParent())
-        FPath.push_back(at);
-    std::reverse(FPath.begin(), FPath.end());
-    TComputedStyle style;
-    const TPaintContext root = RootContext(matrix, style);
+    TPaintContext root = RootContext(matrix);
+    TComputedStyle scratch;
+    root.Style = &StyleOf(FDocument, root, scratch);
     if (pass == TPaintPass::Whole)
-        WithEffects(FindEffects(FDocument, style), FDocument, root,
+        WithEffects(FindEffects(FDocument, *root.Style), FDocument, root,
                     [&](const TPaintContext& inner) { PaintChildren(FDocument, inner); });
-    else if (!FPath.empty())
-        PaintPath(FDocument, root, 0);
+    else if (pivot && pivot->HasAncestor(&FDocument))
+        PaintPath(FDocument, root);
 }
 
 void TSVGPainter::PaintChildren(const TSVGElement& parent, const TPaintContext& context) {
     for (const auto& child : parent.Children())
-        if (const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child.get())) {
+        if (const auto* const element = child->AsGraphic()) {
             PaintElement(*element, context);
             if (parent.GetTag() == TSVGTag::Switch && element->ConditionsHold()) return;
         }
 }
 
 /// Walks down to the pivot; on the way, and only there, paints what the pass wants of each level.
-void TSVGPainter::PaintPath(const TSVGElement& parent, const TPaintContext& context, std::size_t level) {
-    const TSVGElement* const next = FPath[level];
+void TSVGPainter::PaintPath(const TSVGElement& parent, const TPaintContext& context) {
+    const TSVGElement* next = FPivot;
+    while (next->GetParent() != &parent)
+        next = next->GetParent();
     const bool isSwitch = parent.GetTag() == TSVGTag::Switch;
-    const auto visit = [&](const TSVGElement& child) {
-        const auto* const element = dynamic_cast<const TSVGGraphicElement*>(&child);
-        if (!element) return;
-        if (&child != next || level + 1 == FPath.size()) return PaintElement(*element, context);
-        if (!element->GetVisible() || !element->ConditionsHold() || element->GetTag() == TSVGTag::Defs)
-            return;
-        const TComputedStyle style =
-            ComputeStyle(*context.Style, element->GetStyle(),
-                         BasisOf(*context.Style, context.ViewWidth, context.ViewHeight));
-        PaintPath(child, Inside(*element, context, style), level + 1);
-    };
-    const bool pivotHere = level + 1 == FPath.size();
     bool passed = false;
     for (const auto& child : parent.Children()) {
+        const auto* const element = child->AsGraphic();
         const bool isNext = child.get() == next;
-        const bool wanted = isNext                        ? !(pivotHere && FPass != TPaintPass::Element)
-                            : FPass == TPaintPass::Before ? !passed
-                                                          : FPass == TPaintPass::After && passed;
-        const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child.get());
-        const bool taken = isSwitch && element && element->ConditionsHold();
-        if (wanted) visit(*child);
+        if (isNext && next != FPivot)
+            StepDown(*element, context);
+        else if (element && (isNext ? FPass == TPaintPass::Element
+                                    : FPass == (passed ? TPaintPass::After : TPaintPass::Before)))
+            PaintElement(*element, context);
         passed = passed || isNext;
-        if (taken) return;
+        if (isSwitch && element && element->ConditionsHold()) return;
     }
+}
+
+/// One level of the way to the pivot.
+void TSVGPainter::StepDown(const TSVGGraphicElement& element, const TPaintContext& context) {
+    if (!element.GetVisible() || !element.ConditionsHold() || element.GetTag() == TSVGTag::Defs) return;
+    TComputedStyle scratch;
+    PaintPath(element, Inside(element, context, StyleOf(element, context, scratch)));
 }
 
 TPaintContext TSVGPainter::Inside(const TSVGGraphicElement& element, const TPaintContext& context,
@@ -111,33 +128,33 @@ TPaintContext TSVGPainter::Inside(const TSVGGraphicElement& element, const TPain
 
 void TSVGPainter::PaintElement(const TSVGGraphicElement& element, const TPaintContext& context) {
     const TSVGTag tag = element.GetTag();
-    if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || dynamic_cast<const TSVGReferenced*>(&element))
-        return;
+    if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || IsReferencedTag(tag)) return;
     if (!element.GetVisible() || !element.ConditionsHold() || context.Depth > MaxDepth || !Enter()) return;
-    if (FPass == TPaintPass::Element && !context.Referenced && PaintCompiled(element, context)) return;
-    const TComputedStyle style = ComputeStyle(*context.Style, element.GetStyle(),
-                                              BasisOf(*context.Style, context.ViewWidth, context.ViewHeight));
+    TComputedStyle scratch;
+    const TComputedStyle& style = StyleOf(element, context, scratch);
     const TPaintContext inner = Inside(element, context, style);
     if (!inner.Matrix.IsInvertible()) return;
     const TEffects effects = FindEffects(element, style);
-    const auto* const shape = dynamic_cast<const TSVGShape*>(&element);
-    const bool onlyOpacity = !effects.Clip && !effects.Mask &&
-                             effects.NeedsLayer() == (effects.Opacity < 1) && !effects.IsEmpty &&
-                             style.Blend == TKeyword::Normal && !style.Filter;
-    if (shape && onlyOpacity) {
-        // A shape that paints once carries its opacity in its paint.
-        const bool markers = style.MarkerStart || style.MarkerMid || style.MarkerEnd;
-        const bool both = style.Fill.Kind != TComputedPaint::TKind::None &&
-                          style.Stroke.Kind != TComputedPaint::TKind::None;
-        if (effects.Opacity == 1 || (!both && !markers)) {
-            PaintList(element, context, style, inner.Matrix);
-            return;
-        }
+    if (effects.IsPlain()) {
+        PaintContent(element, inner, 1);
+    } else if (effects.IsFade() && PaintsOnce(element, style)) {
+        PaintContent(element, inner, effects.Opacity);
+    } else {
+        WithEffects(effects, element, inner,
+                    [&](const TPaintContext& within) { PaintContent(element, within, 1); });
     }
-    WithEffects(effects, element, inner, [&](const TPaintContext& within) { PaintContent(element, within); });
 }
 
-void TSVGPainter::PaintContent(const TSVGGraphicElement& element, const TPaintContext& inner) {
+/// True for a shape that paints once: it can carry its opacity in its paint.
+bool TSVGPainter::PaintsOnce(const TSVGGraphicElement& element, const TComputedStyle& style) {
+    using T = TComputedPaint::TKind;
+    const bool markers = style.MarkerStart || style.MarkerMid || style.MarkerEnd;
+    return IsShapeTag(element.GetTag()) && !markers &&
+           (style.Fill.Kind == T::None || style.Stroke.Kind == T::None);
+}
+
+void TSVGPainter::PaintContent(const TSVGGraphicElement& element, const TPaintContext& inner,
+                               double opacity) {
     switch (element.GetTag()) {
     case TSVGTag::Use:
         return PaintUse(static_cast<const TSVGUse&>(element), inner);
@@ -156,12 +173,33 @@ void TSVGPainter::PaintContent(const TSVGGraphicElement& element, const TPaintCo
     default:
         break;
     }
+    if (IsShapeTag(element.GetTag()) || element.GetTag() == TSVGTag::Text)
+        PaintDrawable(element, inner, opacity);
+}
+
+/// Paints a shape or a text, and keeps what it needed where it belongs to the active element.
+void TSVGPainter::PaintDrawable(const TSVGGraphicElement& element, const TPaintContext& inner,
+                                double opacity) {
     FCurrent = inner.Use ? inner.Use : &element;
-    if (const auto* const shape = dynamic_cast<const TSVGShape*>(&element)) {
-        PaintShape(*shape, MakeShapeList(*shape, inner, 1), inner);
-    } else if (const auto* const text = dynamic_cast<const TSVGText*>(&element)) {
-        PaintSteps(MakeTextList(*text, inner), inner.Matrix, false);
+    const bool isText = element.GetTag() == TSVGTag::Text;
+    const auto make = [&] {
+        return isText ? MakeTextList(static_cast<const TSVGText&>(element), inner)
+                      : MakeShapeList(static_cast<const TSVGShape&>(element), inner, opacity);
+    };
+    const TComputedStyle& style = *inner.Style;
+    const bool markers = !isText && (style.MarkerStart || style.MarkerMid || style.MarkerEnd);
+    if (!Keeps(inner) || markers) {
+        const TDrawList list = make();
+        return markers ? PaintShape(static_cast<const TSVGShape&>(element), list, inner)
+                       : PaintSteps(list, inner.Matrix, false);
     }
+    auto& kept = *element.FCompiled;
+    if (!kept.HasList || kept.Opacity != opacity) {
+        kept.List = make();
+        kept.Opacity = opacity;
+        kept.HasList = kept.List.IsStable;
+    }
+    PaintSteps(kept.List, inner.Matrix, kept.HasList);
 }
 
 void TSVGPainter::PaintSteps(const TDrawList& list, const TAffine& matrix, bool keep) {
@@ -186,60 +224,6 @@ void TSVGPainter::PaintShape(const TSVGShape& shape, const TDrawList& list, cons
         FDevice.Draw(step.Shape(false), step.Paint, inner.Matrix);
     }
     if (!painted) PaintMarkers(shape, inner);
-}
-
-/// Paints a shape without layers, and keeps what it needed where it belongs to the active element.
-void TSVGPainter::PaintList(const TSVGGraphicElement& element, const TPaintContext& context,
-                            const TComputedStyle& style, const TAffine& matrix) {
-    TPaintContext inner = context;
-    inner.Style = &style;
-    inner.Matrix = matrix;
-    inner.Enabled = context.Enabled && element.GetEnabled();
-    FCurrent = inner.Use ? inner.Use : &element;
-    const auto& shape = static_cast<const TSVGShape&>(element);
-    TDrawList list = MakeShapeList(shape, inner, element.GetOpacity());
-    const bool markers = style.MarkerStart || style.MarkerMid || style.MarkerEnd;
-    if (FPass == TPaintPass::Element && !context.Referenced && list.IsStable && !markers) {
-        auto& compiled = element.FCompiled;
-        if (!compiled) compiled = std::make_unique<TSVGGraphicElement::TCompiled>();
-        compiled->Epoch = FDocument.GetEpoch();
-        compiled->Enabled = context.Enabled;
-        compiled->Opacity = element.GetOpacity();
-        compiled->Style = style;
-        compiled->List = std::move(list);
-        PaintSteps(compiled->List, matrix, true);
-        return;
-    }
-    PaintShape(shape, list, inner);
-}
-
-/// Paints an element from what it kept; false where that is not the picture any more, or was never kept.
-bool TSVGPainter::PaintCompiled(const TSVGGraphicElement& element, const TPaintContext& context) {
-    const TSVGTag tag = element.GetTag();
-    auto& compiled = element.FCompiled;
-    const bool valid =
-        compiled && compiled->Epoch == FDocument.GetEpoch() && compiled->Enabled == context.Enabled;
-    if (tag == TSVGTag::G) {
-        // A plain group keeps its style only.
-        if (!valid) {
-            if (!compiled) compiled = std::make_unique<TSVGGraphicElement::TCompiled>();
-            compiled->Epoch = FDocument.GetEpoch();
-            compiled->Enabled = context.Enabled;
-            compiled->Style = ComputeStyle(*context.Style, element.GetStyle(),
-                                           BasisOf(*context.Style, context.ViewWidth, context.ViewHeight));
-        }
-        if (IsLayer(element, compiled->Style)) return false;
-        const TPaintContext inner = Inside(element, context, compiled->Style);
-        if (inner.Matrix.IsInvertible()) PaintChildren(element, inner);
-        return true;
-    }
-    if (!valid || compiled->Opacity != element.GetOpacity() || compiled->List.Steps.empty()) return false;
-    FCurrent = &element;
-    PaintSteps(
-        compiled->List,
-        TransformOf(element, compiled->Style, context.ViewWidth, context.ViewHeight).Then(context.Matrix),
-        true);
-    return true;
 }
 
 void TSVGPainter::PaintUse(const TSVGUse& use, const TPaintContext& inner) {

@@ -80,6 +80,13 @@ TComputedStyle Silhouette(TComputedStyle style) {
 
 } // namespace
 
+bool TSVGPainter::TEffects::IsPlain() const { return Opacity == 1 && IsFade(); }
+
+bool TSVGPainter::TEffects::IsFade() const {
+    return !IsEmpty && !Clip && !Mask && !Style->Filter && Style->Blend == TKeyword::Normal &&
+           Style->Isolation != TKeyword::Isolate;
+}
+
 bool TSVGPainter::TEffects::NeedsLayer() const {
     return Opacity < 1 || Mask ||
            (Style && (Style->Blend != TKeyword::Normal || Style->Isolation == TKeyword::Isolate));
@@ -118,7 +125,7 @@ void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement&
     TComputedStyle clipStyle;
     TPaintContext clipContext;
     std::vector<TClipShape> shapes;
-    std::deque<TFigures> figures;
+    std::list<TFigures> figures;
     if (effects.Clip) {
         clipContext = ClipContext(*effects.Clip, element, inner, clipStyle);
         if (!clipContext.Matrix.IsInvertible()) return;
@@ -172,7 +179,7 @@ TPaintContext TSVGPainter::ClipContext(const TSVGReferenced& clip, const TSVGGra
 /// Gathers the shapes of a clip path (SVG 1.1, 14.3.5); false where they are not plain shapes, but clipped
 /// themselves.
 bool TSVGPainter::CollectClip(const TSVGElement& parent, const TPaintContext& context,
-                              std::vector<TClipShape>& shapes, std::deque<TFigures>& figures, int depth) {
+                              std::vector<TClipShape>& shapes, std::list<TFigures>& figures, int depth) {
     const bool isUse = parent.GetTag() == TSVGTag::Use;
     const auto take = [&](const TSVGElement* child) {
         const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child);

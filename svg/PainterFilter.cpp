@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <new>
 
 namespace Vz {
@@ -13,12 +14,15 @@ namespace {
 
 /// The greatest width and height of a filter's pictures, in pixels; beyond it they are computed coarser.
 constexpr double MostPixels = 4096;
-/// About the nanoseconds that one filtered element may take; beyond it, too.
-constexpr double MostCost = 1e9;
+/// About the nanoseconds that one filtered element may take, that all of one painting may, and the part of
+/// what is left of them that the next one may; beyond it pictures are computed coarser, too.
+constexpr double MostCost = 5e8;
+constexpr double MostCostOfAll = 4e9;
+constexpr double MostShare = 1.0 / 8;
+/// What a filtered element takes beside its primitives, in nanoseconds a pixel.
+constexpr double OwnCost = 30;
 /// From this count of pixels on it is worth while to look where the content lies.
 constexpr double ManyPixels = 1 << 20;
-/// Elements' visits (see MaxVisits) that a nanosecond of filtering counts as.
-constexpr double VisitsPerCost = 5e-5;
 constexpr int MostTemplates = 32;
 
 TRectD Grown(const TRectD& box, double x, double y) {
@@ -53,8 +57,9 @@ const TSVGReferenced* ContentOf(const TSVGReferenced& filter) {
 /// The filter region (Filter Effects 1, 8.2) in the element's units; empty where nothing is painted.
 TRectD RegionOf(const TSVGReferenced& filter, const TRectD& box, TLengthBasis basis) {
     using U = TSVGUnits;
-    const bool boxUnits = Along(filter, [](const auto& f) { return f.GetUnits(); }).value_or(U::ObjectBoundingBox) ==
-                          U::ObjectBoundingBox;
+    const bool boxUnits = Along(filter, [](const auto& f) {
+                              return f.GetUnits();
+                          }).value_or(U::ObjectBoundingBox) == U::ObjectBoundingBox;
     if (boxUnits) {
         if (box.IsEmpty() || !(box.Width() > 0) || !(box.Height() > 0)) return {};
         basis.ViewWidth = basis.ViewHeight = 1;
@@ -89,11 +94,11 @@ struct TSVGPainter::TFilterJob {
     /// A filter element, or a function.
     struct TStage {
         const TFilterItem* Item = nullptr;
-        const TSVGReferenced* Filter = nullptr;   ///< null: a function
-        const TSVGReferenced* Content = nullptr;  ///< the filter that has the primitives; null: there are none
-        TRectD Region;                            ///< of a filter, in the element's units
-        TRectD Pixels;                            ///< what the stage makes, in pixels of detail 1
-        double Cost = 0;                          ///< about nanoseconds a pixel
+        const TSVGReferenced* Filter = nullptr;  ///< null: a function
+        const TSVGReferenced* Content = nullptr; ///< the filter that has the primitives; null: there are none
+        TRectD Region;                           ///< of a filter, in the element's units
+        TRectD Pixels;                           ///< what the stage makes, in pixels of detail 1
+        double Cost = 0;                         ///< about nanoseconds a pixel
     };
 
     TSVGPainter& Painter;
@@ -103,11 +108,11 @@ struct TSVGPainter::TFilterJob {
     TLengthBasis Basis;
     std::vector<TFilterItem> Items;
     std::vector<TStage> Stages;
-    TRectD Box;                 ///< the element's, in its units
-    bool IsTurned = false;      ///< pixels are those of the device, though the element's axes are turned
-    TAffine ToPixels;           ///< element's units -> pixels of detail 1
-    TAffine ToDevice;           ///< pixels of detail 1 -> device
-    double Detail = 1;          ///< pixels of the filter to one of detail 1
+    TRectD Box;            ///< the element's, in its units
+    bool IsTurned = false; ///< pixels are those of the device, though the element's axes are turned
+    TAffine ToPixels;      ///< element's units -> pixels of detail 1
+    TAffine ToDevice;      ///< pixels of detail 1 -> device
+    double Detail = 1;     ///< pixels of the filter to one of detail 1
     std::optional<TRectD> Content;
 
     TFilterJob(TSVGPainter& painter, const TSVGGraphicElement& element, const TPaintContext& inner,
@@ -135,25 +140,28 @@ struct TSVGPainter::TFilterJob {
     TFilterImage PaintedSource();
     TFilterImage PaintedPaint(bool stroke, const TStage& stage);
     TFilterImage PaintedImage(const TSVGPlainElement& part, const TRectD& area, const TRect& box);
-    TFilterImage RunStage(const TStage& stage, const TFilterImage& source);
+    TFilterImagePtr RunStage(const TStage& stage, const TFilterImagePtr& source);
+    TFilterImage RunFunction(const TStage& stage, const TFilterImage& source);
     void Show(const TFilterImage& image);
 };
 
-/// Reads the filters; false where none is in force. A reference to what is no filter, or to one that is just being
-/// drawn through, is passed over.
+/// Reads the filters; false where none is in force. A reference to what is no filter, or to one that is just
+/// being drawn through, is passed over.
 bool TSVGPainter::TFilterJob::FindStages() {
     const std::string& text = *Inner.Style->Filter;
     const std::string_view inside = std::string_view(text).substr(std::min<std::size_t>(5, text.size()));
     auto items = ParseFilterList(text, *Inner.Style, Basis);
     if (text.starts_with("url(#") && text.ends_with(')') &&
         Painter.FDocument.FindElement(inside.substr(0, inside.size() - 1)))
-        items = std::vector{TFilterItem{TFilterItem::TKind::Reference, std::string(inside.substr(0, inside.size() - 1))}};
+        items = std::vector{
+            TFilterItem{TFilterItem::TKind::Reference, std::string(inside.substr(0, inside.size() - 1))}};
     if (!items || Element.GetTag() == TSVGTag::ClipPath) return false;
     Items = std::move(*items);
     for (const TFilterItem& item : Items) {
         TStage stage{&item};
         if (item.Kind == TFilterItem::TKind::Reference) {
-            stage.Filter = Painter.FindReferenced(std::make_shared<const std::string>(item.Id), TSVGTag::Filter);
+            stage.Filter =
+                Painter.FindReferenced(std::make_shared<const std::string>(item.Id), TSVGTag::Filter);
             const auto& active = Painter.FActive;
             if (!stage.Filter || std::ranges::find(active, stage.Filter) != active.end()) continue;
             stage.Content = ContentOf(*stage.Filter);
@@ -165,8 +173,8 @@ bool TSVGPainter::TFilterJob::FindStages() {
     return !Stages.empty();
 }
 
-/// Pixels lie along the element's axes, in the device's resolution, or else where the device has them. The origin is
-/// chosen so that what is not turned stands on whole pixels of the device.
+/// Pixels lie along the element's axes, in the device's resolution, or else where the device has them. The
+/// origin is chosen so that what is not turned stands on whole pixels of the device.
 void TSVGPainter::TFilterJob::ChooseGrid(bool turned) {
     const TAffine& m = Inner.Matrix;
     IsTurned = turned;
@@ -190,8 +198,9 @@ TFilterPlace TSVGPainter::TFilterJob::PlaceOf(const TStage& stage) const {
     place.Region = stage.Region;
     place.Pixels = PixelsOf(stage.Pixels);
     place.Box = Box.IsEmpty() ? TRectD{0, 0, 0, 0} : Box;
-    place.BoxUnits = stage.Filter && Along(*stage.Filter, [](const auto& f) { return f.GetContentUnits(); }) ==
-                                         U::ObjectBoundingBox;
+    place.BoxUnits = stage.Filter && Along(*stage.Filter, [](const auto& f) {
+                                         return f.GetContentUnits();
+                                     }) == U::ObjectBoundingBox;
     place.Basis = Basis;
     place.Enabled = Inner.Enabled;
     return place;
@@ -201,7 +210,7 @@ TFilterSurvey TSVGPainter::TFilterJob::SurveyOf(const TStage& stage) const {
     if (stage.Content) return TFilterGraph(*stage.Content, PlaceOf(stage)).Survey();
     TFilterSurvey survey;
     if (stage.Filter) return survey;
-    constexpr double costOfFunction = 150;
+    constexpr double costOfFunction = 55;
     const TFilterItem& item = *stage.Item;
     const double sx = std::hypot(ToPixels.A, ToPixels.B) * Detail;
     const double sy = std::hypot(ToPixels.C, ToPixels.D) * Detail;
@@ -233,8 +242,8 @@ const TRectD& TSVGPainter::TFilterJob::ContentBox() {
     return *Content;
 }
 
-/// What each stage makes. A filter makes its region, or where it cannot paint all of that and the region is large only
-/// what its input can reach; a function has no region.
+/// What each stage makes. A filter makes its region, or where it cannot paint all of that and the region is
+/// large only what its input can reach; a function has no region.
 void TSVGPainter::TFilterJob::FindBoxes() {
     const TRectD* before = nullptr;
     for (TStage& stage : Stages) {
@@ -256,15 +265,16 @@ void TSVGPainter::TFilterJob::FindBoxes() {
 }
 
 void TSVGPainter::TFilterJob::ChooseDetail() {
-    double cost = 0;
-    double widest = 0;
+    double cost = 1;
+    double widest = 1;
     for (const TStage& stage : Stages) {
-        cost += stage.Cost * AreaOf(stage.Pixels);
+        cost += (stage.Cost + OwnCost) * AreaOf(stage.Pixels);
         if (!stage.Pixels.IsEmpty()) widest = std::max({widest, stage.Pixels.Width(), stage.Pixels.Height()});
     }
-    const double most = std::min(MostPixels / (widest + 2), std::sqrt(MostCost / (cost + 1)));
+    const double share = std::max(MostCostOfAll - Painter.FFilterCost, 0.0) * MostShare;
+    const double most = std::min(MostPixels / (widest + 2), std::sqrt(std::min(MostCost, share) / cost));
     Detail = std::min(Painter.FDevice.IsVector() ? 2.0 : 1.0, most);
-    Painter.FVisits += static_cast<int>(std::min(cost * Detail * Detail, MostCost) * VisitsPerCost);
+    Painter.FFilterCost += cost * Detail * Detail;
 }
 
 /// What `draw` paints on a device of the box's pixels; it is given the map from the element's units to them.
@@ -322,9 +332,10 @@ TFilterImage TSVGPainter::TFilterJob::PaintedPaint(bool stroke, const TStage& st
     });
 }
 
-/// What an feImage shows (Filter Effects 1, 9.15): an element of the document as through a use at the subregion's
-/// corner, or a picture fitted into the subregion.
-TFilterImage TSVGPainter::TFilterJob::PaintedImage(const TSVGPlainElement& part, const TRectD& area, const TRect& box) {
+/// What an feImage shows (Filter Effects 1, 9.15): an element of the document as through a use at the
+/// subregion's corner, or a picture fitted into the subregion.
+TFilterImage TSVGPainter::TFilterJob::PaintedImage(const TSVGPlainElement& part, const TRectD& area,
+                                                   const TRect& box) {
     const std::string* const href = part.FindAttribute("href");
     if (!href) return {};
     return Drawn(box, [&](const TAffine& matrix) {
@@ -355,32 +366,33 @@ TFilterImage TSVGPainter::TFilterJob::PaintedImage(const TSVGPlainElement& part,
     });
 }
 
-TFilterImage TSVGPainter::TFilterJob::RunStage(const TStage& stage, const TFilterImage& source) {
+TFilterImagePtr TSVGPainter::TFilterJob::RunStage(const TStage& stage, const TFilterImagePtr& source) {
+    if (!stage.Filter)
+        return std::make_shared<const TFilterImage>(
+            RunFunction(stage, InColors(*source, TFilterColors::Srgb)));
+    if (!stage.Content) return std::make_shared<const TFilterImage>();
+    Painter.FActive.push_back(stage.Filter);
+    const TFilterPainter painter{[&](bool stroke) { return PaintedPaint(stroke, stage); },
+                                 [&](const TSVGPlainElement& part, const TRectD& area, const TRect& at) {
+                                     return PaintedImage(part, area, at);
+                                 }};
+    TFilterImagePtr result = TFilterGraph(*stage.Content, PlaceOf(stage)).Run(source, painter);
+    Painter.FActive.pop_back();
+    return result;
+}
+
+/// Functions work on sRGB colours (Filter Effects 1, 13).
+TFilterImage TSVGPainter::TFilterJob::RunFunction(const TStage& stage, const TFilterImage& source) {
     const TRect box = PixelsOf(stage.Pixels);
     const TFilterItem& item = *stage.Item;
     const TAffine grid = Grid();
-    const double sx = std::hypot(grid.A, grid.B);
-    const double sy = std::hypot(grid.C, grid.D);
-    using K = TFilterItem::TKind;
-    switch (item.Kind) {
-    case K::Blur: return Blurred(InColors(source, TFilterColors::Srgb), item.Sigma * sx, item.Sigma * sy, box, box);
-    case K::Colors: return Recoloured(InColors(source, TFilterColors::Srgb), item.Matrix, box);
-    case K::Shadow: {
-        const TPointD shift = PixelShift(grid, item.Dx, item.Dy);
-        const TShadow shadow{shift.X, shift.Y, item.Sigma * sx, item.Sigma * sy,
-                             Inner.Enabled ? item.Color : GreyOf(item.Color)};
-        return WithShadow(InColors(source, TFilterColors::Srgb), shadow, box, box);
-    }
-    case K::Reference: break;
-    }
-    if (!stage.Content) return {};
-    Painter.FActive.push_back(stage.Filter);
-    const TFilterPainter painter{
-        [&](bool stroke) { return PaintedPaint(stroke, stage); },
-        [&](const TSVGPlainElement& part, const TRectD& area, const TRect& at) { return PaintedImage(part, area, at); }};
-    TFilterImage result = TFilterGraph(*stage.Content, PlaceOf(stage)).Run(source, painter);
-    Painter.FActive.pop_back();
-    return result;
+    const double sigmaX = item.Sigma * std::hypot(grid.A, grid.B);
+    const double sigmaY = item.Sigma * std::hypot(grid.C, grid.D);
+    if (item.Kind == TFilterItem::TKind::Blur) return Blurred(source, sigmaX, sigmaY, box, box);
+    if (item.Kind == TFilterItem::TKind::Colors) return Recoloured(source, item.Matrix, box);
+    const TPointD shift = PixelShift(grid, item.Dx, item.Dy);
+    const TVZGPColor color = Inner.Enabled ? item.Color : GreyOf(item.Color);
+    return WithShadow(source, {shift.X, shift.Y, sigmaX, sigmaY, color}, box, box);
 }
 
 void TSVGPainter::TFilterJob::Show(const TFilterImage& image) {
@@ -397,7 +409,8 @@ void TSVGPainter::TFilterJob::Show(const TFilterImage& image) {
         Painter.FDevice.PushClip({&clip, 1});
     }
     Painter.FCurrent = Inner.Use ? Inner.Use : &Element;
-    Painter.FDevice.DrawImage(bitmap.GetPixels(), TAffine::Translation(box.Left, box.Top).Then(GridToDevice()), 1,
+    Painter.FDevice.DrawImage(bitmap.GetPixels(),
+                              TAffine::Translation(box.Left, box.Top).Then(GridToDevice()), 1,
                               TInterpolation::Bicubic);
     if (clipped) Painter.FDevice.PopClip();
 }
@@ -406,15 +419,18 @@ void TSVGPainter::TFilterJob::Run() {
     if (!CanTurn()) ChooseGrid(false);
     FindBoxes();
     const TRectD& result = Stages.back().Pixels;
-    if (result.IsEmpty() || !std::ranges::all_of(Stages, [](const TStage& s) { return IsFiniteBox(s.Pixels); })) return;
+    if (result.IsEmpty() ||
+        !std::ranges::all_of(Stages, [](const TStage& s) { return IsFiniteBox(s.Pixels); }))
+        return;
     if (TContentBounds* const bounds = Painter.FDevice.Bounds()) return bounds->Add(ToDevice(result));
-    if (Intersection(WholePixels(Grown(ToDevice(result), 1, 1)), Painter.FDevice.GetClipBounds()).IsEmpty()) return;
+    if (Intersection(WholePixels(Grown(ToDevice(result), 1, 1)), Painter.FDevice.GetClipBounds()).IsEmpty())
+        return;
     ChooseDetail();
-    if (Painter.FVisits > MaxVisits) return;
-    TFilterImage image = PaintedSource();
+    if (!GridToDevice().IsFinite()) return;
+    auto image = std::make_shared<const TFilterImage>(PaintedSource());
     for (const TStage& stage : Stages)
         image = RunStage(stage, image);
-    Show(image);
+    Show(*image);
 }
 
 void TSVGPainter::PaintFiltered(const TSVGGraphicElement& element, const TPaintContext& inner,

@@ -7,7 +7,7 @@
 #include "svg/Shapes.h"
 #include "svg/TextLayout.h"
 
-#include <deque>
+#include <list>
 #include <span>
 
 namespace Vz {
@@ -62,20 +62,32 @@ private:
         const TComputedStyle* Style = nullptr;
         bool IsEmpty = false; ///< nothing is painted
         bool NeedsLayer() const;
+        /// Nothing but the element itself.
+        bool IsPlain() const;
+        /// Nothing but an opacity.
+        bool IsFade() const;
     };
 
     // Painter.cpp: the walk.
-    TPaintContext RootContext(const TAffine& matrix, TComputedStyle& style) const;
+    TPaintContext RootContext(const TAffine& matrix) const;
+    /// True where what is computed for elements is kept for the next painting: on the way to the active
+    /// element and inside of it.
+    bool Keeps(const TPaintContext& context) const {
+        return FPass == TPaintPass::Element && !context.Referenced;
+    }
+    const TComputedStyle& StyleOf(const TSVGGraphicElement& element, const TPaintContext& context,
+                                  TComputedStyle& scratch) const;
     void PaintChildren(const TSVGElement& parent, const TPaintContext& context);
-    void PaintPath(const TSVGElement& parent, const TPaintContext& context, std::size_t level);
+    void PaintPath(const TSVGElement& parent, const TPaintContext& context);
+    void StepDown(const TSVGGraphicElement& element, const TPaintContext& context);
     void PaintElement(const TSVGGraphicElement& element, const TPaintContext& context);
-    void PaintContent(const TSVGGraphicElement& element, const TPaintContext& inner);
-    void PaintList(const TSVGGraphicElement& element, const TPaintContext& context,
-                   const TComputedStyle& style, const TAffine& matrix);
+    /// `opacity` is what a shape takes into its paint.
+    void PaintContent(const TSVGGraphicElement& element, const TPaintContext& inner, double opacity);
+    static bool PaintsOnce(const TSVGGraphicElement& element, const TComputedStyle& style);
+    void PaintDrawable(const TSVGGraphicElement& element, const TPaintContext& inner, double opacity);
     void PaintSteps(const TDrawList& list, const TAffine& matrix, bool keep);
     /// Fill, stroke and markers in their order.
     void PaintShape(const TSVGShape& shape, const TDrawList& list, const TPaintContext& inner);
-    bool PaintCompiled(const TSVGGraphicElement& element, const TPaintContext& context);
     void PaintUse(const TSVGUse& use, const TPaintContext& inner);
     void PaintView(const TSVGViewElement& view, const TPaintContext& inner,
                    const std::optional<TSVGLength>& width, const std::optional<TSVGLength>& height,
@@ -89,8 +101,8 @@ private:
     // PainterSteps.cpp: from elements to draw steps.
     TDrawList MakeShapeList(const TSVGShape& shape, const TPaintContext& inner, double opacity);
     TDrawList MakeTextList(const TSVGCustomText& text, const TPaintContext& inner);
-    void AddSteps(TDrawList& list, const TFigures* shared, TFigures own, const TComputedStyle& style,
-                  const TPaintContext& inner, double opacity);
+    void AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& shared, TFigures own,
+                  const TComputedStyle& style, const TPaintContext& inner, double opacity);
     std::optional<TPaint> ResolvePaint(const TComputedPaint& paint, double opacity, const TRectD& box,
                                        const TComputedStyle& style, const TPaintContext& inner, bool& stable);
     std::optional<TPaint> ContextPaint(bool stroke, double opacity, const TPaintContext& inner, bool& stable);
@@ -105,7 +117,7 @@ private:
     TPaintContext ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
                               const TPaintContext& inner, TComputedStyle& style) const;
     bool CollectClip(const TSVGElement& parent, const TPaintContext& context, std::vector<TClipShape>& shapes,
-                     std::deque<TFigures>& figures, int depth);
+                     std::list<TFigures>& figures, int depth);
     /// PainterFilter.cpp: paints through the filter that the element's style names.
     void PaintFiltered(const TSVGGraphicElement& element, const TPaintContext& inner,
                        const std::function<void(const TPaintContext&)>& paint);
@@ -124,11 +136,21 @@ private:
     const TSVGDocument& FDocument;
     TDeviceSwitch FDevice;
     TPaintPass FPass = TPaintPass::Whole;
-    std::vector<const TSVGElement*> FPath;   ///< from the root's child to the pivot
+    const TSVGGraphicElement* FPivot = nullptr;
     std::vector<const TSVGElement*> FActive; ///< references being followed
     const TSVGGraphicElement* FCurrent = nullptr;
     int FVisits = 0;
+    double FFilterCost = 0; ///< about the nanoseconds that filters took
 };
+
+/// Elements with one outline (TSVGShape).
+constexpr bool IsShapeTag(TSVGTag tag) { return tag >= TSVGTag::Path && tag <= TSVGTag::Polygon; }
+
+/// Elements that are drawn only through those that refer to them.
+constexpr bool IsReferencedTag(TSVGTag tag) {
+    return tag == TSVGTag::Pattern || tag == TSVGTag::ClipPath || tag == TSVGTag::Mask ||
+           tag == TSVGTag::Marker || tag == TSVGTag::Filter;
+}
 
 /// The box around what an element fills (strokes left out), in the units in which `matrix` puts the element's
 /// parent. `style` is the parent's.

@@ -77,8 +77,8 @@ std::optional<TPaint> TSVGPainter::ContextPaint(bool stroke, double opacity, con
     return paint;
 }
 
-void TSVGPainter::AddSteps(TDrawList& list, const TFigures* shared, TFigures own, const TComputedStyle& style,
-                           const TPaintContext& inner, double opacity) {
+void TSVGPainter::AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& shared, TFigures own,
+                           const TComputedStyle& style, const TPaintContext& inner, double opacity) {
     const auto fill =
         ResolvePaint(style.Fill, style.FillOpacity * opacity, list.Box, style, inner, list.IsStable);
     const auto stroke = style.StrokeWidth > 0 ? ResolvePaint(style.Stroke, style.StrokeOpacity * opacity,
@@ -112,7 +112,8 @@ TDrawList TSVGPainter::MakeShapeList(const TSVGShape& shape, const TPaintContext
     const TComputedStyle& style = *inner.Style;
     if (style.Visibility != TKeyword::Visible) return list;
     const auto* const path = shape.GetTag() == TSVGTag::Path ? static_cast<const TSVGPath*>(&shape) : nullptr;
-    const TFigures* const shared = path ? &path->GetData().GetFigures() : nullptr;
+    const std::shared_ptr<const TFigures> shared = path ? path->GetData().ShareFigures() : nullptr;
+    if (path && !shared) return list;
     TFigures own;
     if (!shared) own = shape.MakeFigures(BasisOf(style, inner.ViewWidth, inner.ViewHeight));
     const TFigures& figures = shared ? *shared : own;
@@ -221,8 +222,10 @@ std::optional<TPaint> TSVGPainter::MakePattern(const TSVGReferenced& pattern, do
     painter.FActive = FActive;
     painter.FActive.push_back(content);
     painter.FVisits = FVisits;
+    painter.FFilterCost = FFilterCost;
     painter.PaintChildren(*content, context);
     FVisits = painter.FVisits;
+    FFilterCost = painter.FFilterCost;
 
     TPaint paint;
     paint.Kind = TPaint::TKind::Image;

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <deque>
 #include <optional>
+#include <unordered_map>
 
 namespace Vz {
 
@@ -28,6 +29,7 @@ struct TAttribute {
 /// What of an element's source the style sheet must see once it is complete.
 struct TPending final : IStyledElement {
     TSVGElement* Element = nullptr;
+    TSVGDiagnostic Place; ///< where it begins
     std::string Type;
     std::vector<TAttribute> Attributes;
     const TPending* Above = nullptr;
@@ -64,7 +66,13 @@ std::optional<TSVGStyleProperty> FilterPartProperty(std::string_view name) {
     return std::ranges::find(styles, name) != std::end(styles) ? FindStyleProperty(name) : std::nullopt;
 }
 
+/// How many characters all references to texts together may bring in: each may refer to others.
+constexpr std::size_t MaxReferencedText = std::size_t{1} << 20;
+/// How many steps the search for matching rules may take in a document.
+constexpr std::int64_t MaxMatchSteps = 50'000'000;
+
 void CollectCharacters(const TSVGElement& element, std::string& text) {
+    if (text.size() > MaxReferencedText) return;
     if (const auto* const characters = dynamic_cast<const TSVGCharacters*>(&element))
         text += characters->GetText();
     for (const auto& child : element.Children())
@@ -88,14 +96,9 @@ private:
     struct TOpen {
         TSVGElement* Element = nullptr; ///< null: skipped with all below it
         TPending* Pending = nullptr;
-        std::size_t Namespaces = 0; ///< how many bindings there were before it
+        std::size_t Namespaces = 0; ///< how many prefixes were bound before it
         bool IsSheet = false;
     };
-    struct TBinding {
-        std::string Prefix;
-        std::string Uri;
-    };
-
     static TSVGReader& Self(void* data) { return *static_cast<TSVGReader*>(data); }
     void Start(const char* name, const char** attributes);
     void End();
@@ -103,7 +106,10 @@ private:
     void FlushText();
     [[noreturn]] void Fail(const std::string& reason) const;
 
+    bool CountContent(std::size_t size);
+    TSVGDiagnostic Here() const;
     void BindNamespaces(const char** attributes);
+    void ReleaseNamespaces(std::size_t count);
     std::string_view UriOf(std::string_view prefix) const;
     /// The name in SVG's own namespace (or in none); nothing for a foreign element.
     std::optional<std::string_view> SvgName(std::string_view name) const;
@@ -123,7 +129,9 @@ private:
     bool FHasSheets;
     XML_Parser FParser = nullptr;
     std::vector<TOpen> FOpen;
-    std::vector<TBinding> FBindings;
+    std::unordered_map<std::string_view, std::vector<std::string>> FNamespaces; ///< by prefix, the innermost last
+    std::deque<std::string> FPrefixes; ///< in the order in which they were bound
+    std::size_t FContentSize = 0;      ///< of all attributes and characters, entities expanded
     std::string FSheetText;
     std::string FCharacters;
     TStyleSheet FSheet;
@@ -144,8 +152,9 @@ void TSVGReader::Run(std::string_view text) {
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> guard(FParser, XML_ParserFree);
     XML_SetUserData(FParser, this);
     FDocument.FReadPlace = [this](TSVGDiagnostic& note) {
-        note.Line = static_cast<int>(XML_GetCurrentLineNumber(FParser));
-        note.Column = static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1;
+        const TSVGDiagnostic here = Here();
+        note.Line = here.Line;
+        note.Column = here.Column;
     };
     XML_SetElementHandler(
         FParser,
@@ -169,24 +178,46 @@ void TSVGReader::Run(std::string_view text) {
         if (last) break;
         at += size;
     }
-    FDocument.FReadPlace = nullptr;
     if (FHasSheets) ApplySheets();
+    FDocument.FReadPlace = nullptr;
     ResolveTextReferences();
+}
+
+TSVGDiagnostic TSVGReader::Here() const {
+    return {static_cast<int>(XML_GetCurrentLineNumber(FParser)),
+            static_cast<int>(XML_GetCurrentColumnNumber(FParser)) + 1,
+            {}};
+}
+
+/// Entities may stand for much more text than they are written with; false, and the reading ends, where it becomes
+/// more than a document may have.
+bool TSVGReader::CountContent(std::size_t size) {
+    FContentSize += size;
+    if (FContentSize <= TSVGDocument::MaxTextSize) return true;
+    FFault = "the entities stand for too much text";
+    XML_StopParser(FParser, XML_FALSE);
+    return false;
 }
 
 void TSVGReader::BindNamespaces(const char** attributes) {
     for (; *attributes; attributes += 2) {
         const std::string_view name = attributes[0];
-        if (name == "xmlns")
-            FBindings.push_back({"", attributes[1]});
-        else if (name.starts_with("xmlns:"))
-            FBindings.push_back({std::string(name.substr(6)), attributes[1]});
+        if (name != "xmlns" && !name.starts_with("xmlns:")) continue;
+        const std::string& prefix = FPrefixes.emplace_back(name.substr(std::min<std::size_t>(name.size(), 6)));
+        FNamespaces[prefix].emplace_back(attributes[1]);
+    }
+}
+
+void TSVGReader::ReleaseNamespaces(std::size_t count) {
+    for (; FPrefixes.size() > count; FPrefixes.pop_back()) {
+        const auto at = FNamespaces.find(FPrefixes.back());
+        at->second.pop_back();
+        if (at->second.empty()) FNamespaces.erase(at);
     }
 }
 
 std::string_view TSVGReader::UriOf(std::string_view prefix) const {
-    for (auto at = FBindings.rbegin(); at != FBindings.rend(); ++at)
-        if (at->Prefix == prefix) return at->Uri;
+    if (const auto at = FNamespaces.find(prefix); at != FNamespaces.end()) return at->second.back();
     // A prefix that nobody declared is taken by its usual name.
     return prefix.empty() || prefix == "svg" ? SvgNamespace
            : prefix == "xlink"               ? XLinkNamespace
@@ -202,8 +233,13 @@ std::optional<std::string_view> TSVGReader::SvgName(std::string_view name) const
 }
 
 void TSVGReader::Start(const char* name, const char** attributes) {
+    if (!FFault.empty()) return; // expat may call once more after it was stopped
     FlushText();
-    const std::size_t namespaces = FBindings.size();
+    std::size_t size = 0;
+    for (const char** a = attributes; *a; ++a)
+        size += std::string_view(*a).size();
+    if (!CountContent(size)) return;
+    const std::size_t namespaces = FPrefixes.size();
     BindNamespaces(attributes);
     const auto svgName = SvgName(name);
     TOpen open;
@@ -249,6 +285,7 @@ void TSVGReader::StartElement(TOpen& open, std::string_view name, const char** a
     if (FHasSheets) {
         TPending& pending = FPending.emplace_back();
         pending.Element = &element;
+        pending.Place = Here();
         pending.Type = name;
         open.Pending = &pending;
         if (TPending* const above = FOpen.empty() ? nullptr : FOpen.back().Pending) {
@@ -333,9 +370,14 @@ void TSVGReader::ApplyStyleAttribute(TSVGElement& element, std::string_view text
 /// the style attribute, then what is important among the rules, then in the attribute.
 void TSVGReader::ApplySheets() {
     std::vector<TStyleSheet::TMatch> matches;
+    std::int64_t budget = MaxMatchSteps;
     for (const TPending& pending : FPending) {
         TSVGElement& element = *pending.Element;
-        FSheet.Match(pending, matches);
+        FDocument.FReadPlace = [&](TSVGDiagnostic& note) {
+            note.Line = pending.Place.Line;
+            note.Column = pending.Place.Column;
+        };
+        FSheet.Match(pending, matches, &budget);
         const std::string_view style = pending.Attribute("style").value_or(std::string_view());
         const auto own = ParseDeclarations(style);
         for (const auto& match : matches) {
@@ -351,17 +393,19 @@ void TSVGReader::ApplySheets() {
 
 /// A tref stands for the characters of another element (SVG 1.1, 10.6).
 void TSVGReader::ResolveTextReferences() {
+    std::size_t total = 0;
     for (const auto& [element, id] : FTextReferences) {
         std::string text;
         if (const TSVGElement* const target = FDocument.FindElement(id);
             target && !element->HasAncestor(target))
             CollectCharacters(*target, text);
+        if ((total += text.size()) > MaxReferencedText) return Note("tref: too much text is referred to");
         element->SetText(text);
     }
 }
 
 void TSVGReader::End() {
-    if (FOpen.empty()) return;
+    if (FOpen.empty() || !FFault.empty()) return;
     FlushText();
     if (FOpen.back().IsSheet && FOpen.back().Element) {
         std::vector<std::string> notes;
@@ -369,12 +413,12 @@ void TSVGReader::End() {
         for (std::string& note : notes)
             Note("style: " + note);
     }
-    FBindings.resize(FOpen.back().Namespaces);
+    ReleaseNamespaces(FOpen.back().Namespaces);
     FOpen.pop_back();
 }
 
 void TSVGReader::Text(std::string_view text) {
-    if (FOpen.empty() || !FOpen.back().Element) return;
+    if (!FFault.empty() || !CountContent(text.size()) || FOpen.empty() || !FOpen.back().Element) return;
     const TSVGTag tag = FOpen.back().Element->GetTag();
     if (FOpen.back().IsSheet)
         FSheetText += text;
@@ -399,7 +443,11 @@ void ReadSvg(std::string_view text, std::string_view source, TSVGDocument& docum
     if (text.size() > TSVGDocument::MaxTextSize)
         throw EReadError("larger than " + std::to_string(TSVGDocument::MaxTextSize >> 20) + " MiB",
                          {std::string(source)});
-    const bool hasSheets = text.find("<style") != text.npos || text.find(":style") != text.npos;
+    // Where a text is not of single bytes the words cannot be looked for.
+    const bool isWide = text.substr(0, 4).find('\0') != text.npos || text.starts_with("\xFE\xFF") ||
+                        text.starts_with("\xFF\xFE");
+    const bool hasSheets =
+        isWide || text.find("<style") != text.npos || text.find(":style") != text.npos;
     document.BeginUpdate();
     TSVGReader(source, document, hasSheets).Run(text);
     document.EndUpdate();

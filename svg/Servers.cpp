@@ -51,6 +51,9 @@ namespace {
 
 using TPart = TSVGCustomGradient::TPart;
 
+/// How many stops count; the ramp of a gradient has fewer colours.
+constexpr std::size_t MaxStops = 2048;
+
 /// How many templates in a row are followed (a chain that returns to itself ends there too).
 constexpr int MaxTemplates = 32;
 
@@ -109,7 +112,14 @@ std::string IdOf(std::string_view href) {
     return std::string(href.starts_with('#') ? href.substr(1) : std::string_view());
 }
 
-/// Grows nothing and finds the first in a chain of templates for which `get` gives something.
+TVZGPColor Faded(TVZGPColor color, double opacity) {
+    return WithAlpha(color,
+                     static_cast<unsigned>(std::lround(AlphaOf(color) * std::clamp(opacity, 0.0, 1.0))));
+}
+
+bool IsStop(const std::unique_ptr<TSVGElement>& child) { return child->GetTag() == TSVGTag::Stop; }
+
+/// Finds the first in a chain of templates for which `get` gives something.
 template <class T, class F> auto Along(const T& first, F get) -> decltype(get(first)) {
     const T* at = &first;
     for (int i = 0; at && i < MaxTemplates; ++i, at = at->GetTemplate())
@@ -120,14 +130,13 @@ template <class T, class F> auto Along(const T& first, F get) -> decltype(get(fi
 } // namespace
 
 std::size_t TSVGCustomGradient::GetStopCount() const {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        Children(), [](const auto& child) { return child->GetTag() == TSVGTag::Stop; }));
+    return static_cast<std::size_t>(std::ranges::count_if(Children(), IsStop));
 }
 
 TSVGGradientStop& TSVGCustomGradient::GetStop(std::size_t index) const {
     std::size_t at = 0;
     for (const auto& child : Children())
-        if (child->GetTag() == TSVGTag::Stop && at++ == index) return static_cast<TSVGGradientStop&>(*child);
+        if (IsStop(child) && at++ == index) return static_cast<TSVGGradientStop&>(*child);
     throw EArgumentOutOfRange("stop " + std::to_string(index) + " of " + std::to_string(at));
 }
 
@@ -143,12 +152,15 @@ std::optional<TSVGLength> TSVGCustomGradient::GetLength(TPart part) const {
 
 std::vector<TRampStop> TSVGCustomGradient::MakeStops(bool enabled) const {
     const auto* const owner =
-        Along(*this, [](const TSVGCustomGradient& g) { return g.GetStopCount() ? &g : nullptr; });
+        Along(*this, [](const TSVGCustomGradient& g) {
+            return std::ranges::any_of(g.Children(), IsStop) ? &g : nullptr;
+        });
     std::vector<TRampStop> stops;
     if (!owner) return stops;
     float last = 0;
     for (const auto& child : owner->Children()) {
-        if (child->GetTag() != TSVGTag::Stop) continue;
+        if (!IsStop(child)) continue;
+        if (stops.size() == MaxStops) break;
         const auto& stop = static_cast<const TSVGGradientStop&>(*child);
         last = std::max(last, stop.GetOffset());
         const TVZGPColor color = stop.GetStopColor();
@@ -165,12 +177,10 @@ TVZGPColor TSVGGradientStop::GetStopColor() const {
     const bool simple = (!color || color->Kind == K::Color) && (!opacity || opacity->Kind == K::Number);
     if (simple) {
         const TVZGPColor rgb = color ? color->Color : 0xFF000000;
-        return opacity ? WithAlpha(rgb, static_cast<unsigned>(std::lround(AlphaOf(rgb) * opacity->Number)))
-                       : rgb;
+        return opacity ? Faded(rgb, opacity->Number) : rgb;
     }
     const TComputedStyle style = GetComputedStyle();
-    return WithAlpha(style.StopColor,
-                     static_cast<unsigned>(std::lround(AlphaOf(style.StopColor) * style.StopOpacity)));
+    return Faded(style.StopColor, style.StopOpacity);
 }
 
 std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLengthBasis& basis,
@@ -179,7 +189,7 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
     if (stops.empty()) return {};
     const auto solid = [&](TVZGPColor color) {
         TPaint paint;
-        paint.Color = WithAlpha(color, static_cast<unsigned>(std::lround(AlphaOf(color) * opacity)));
+        paint.Color = Faded(color, opacity);
         return paint;
     };
     const auto units = Along(*this, [](const TSVGCustomGradient& g) { return g.FUnits; });
@@ -216,23 +226,9 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
         paint.FocusRadius = length(TPart::FR, {});
         if (paint.Radius < 0 || paint.FocusRadius < 0) return {};
         if (paint.Radius == 0) return solid(stops.back().Color);
-        ClampFocus(paint);
     }
     paint.Ramp = std::make_shared<const TGradientRamp>(stops, opacity);
     return paint;
-}
-
-void TSVGCustomGradient::ClampFocus(TPaint& paint) {
-    // A focus outside of the circle is moved onto it (SVG 1.1, 13.2.3); a hair inside, so that the cone stays
-    // one.
-    const double dx = paint.Focus.X - paint.Center.X;
-    const double dy = paint.Focus.Y - paint.Center.Y;
-    const double distance = std::hypot(dx, dy);
-    const double limit = paint.Radius * 0.9999;
-    if (distance > limit) {
-        paint.Focus.X = paint.Center.X + dx * limit / distance;
-        paint.Focus.Y = paint.Center.Y + dy * limit / distance;
-    }
 }
 
 bool TSVGCustomGradient::ReadAttribute(std::string_view name, std::string_view value) {
@@ -303,24 +299,33 @@ const TSVGReferenced* TSVGReferenced::GetTemplate() const {
 
 namespace {
 
-bool IsUnitsName(std::string_view name) {
-    constexpr std::string_view names[] = {"patternUnits", "maskUnits", "clipPathUnits", "markerUnits",
-                                          "filterUnits"};
-    return std::ranges::find(names, name) != std::end(names);
-}
+/// The attributes of units by the elements that have them.
+struct TUnitsRow {
+    TSVGTag Tag;
+    std::string_view Units;
+    std::string_view ContentUnits; ///< empty: none
+};
+constexpr TUnitsRow UnitsRows[] = {
+    {TSVGTag::Pattern, "patternUnits", "patternContentUnits"},
+    {TSVGTag::ClipPath, "clipPathUnits", {}},
+    {TSVGTag::Mask, "maskUnits", "maskContentUnits"},
+    {TSVGTag::Marker, "markerUnits", {}},
+    {TSVGTag::Filter, "filterUnits", "primitiveUnits"},
+};
 
-bool IsContentUnitsName(std::string_view name) {
-    return name == "patternContentUnits" || name == "maskContentUnits" || name == "primitiveUnits";
-}
+const TUnitsRow& UnitsOf(TSVGTag tag) { return *std::ranges::find(UnitsRows, tag, &TUnitsRow::Tag); }
 
 } // namespace
 
 bool TSVGReferenced::ReadAttribute(std::string_view name, std::string_view value) {
     bool read = true;
     TSVGLength length;
-    if (IsUnitsName(name) || IsContentUnitsName(name)) {
+    const bool isMarker = GetTag() == TSVGTag::Marker;
+    const TUnitsRow& row = UnitsOf(GetTag());
+    if (name == row.Units || (name == row.ContentUnits && !name.empty())) {
         const auto units = ParseUnits(value);
-        if ((read = units.has_value())) (IsUnitsName(name) ? FUnits : FContentUnits) = units;
+        read = units && *units != (isMarker ? TSVGUnits::ObjectBoundingBox : TSVGUnits::StrokeWidth);
+        if (read) (name == row.Units ? FUnits : FContentUnits) = units;
     } else if (name == "href") {
         FReference = IdOf(value);
         read = !FReference.empty();
@@ -329,6 +334,8 @@ bool TSVGReferenced::ReadAttribute(std::string_view name, std::string_view value
     } else if (GetTag() == TSVGTag::Filter && (name == "width" || name == "height")) {
         // Kept where it is negative, too: nothing is then painted through the filter (Filter Effects 1, 8.2).
         if ((read = length.Parse(value))) name == "width" ? SetWidthLength(length) : SetHeightLength(length);
+    } else if (isMarker && (name == "width" || name == "height")) {
+        return true; // those of a marker have other names
     } else if (name == "markerWidth" || name == "markerHeight") {
         return TSVGViewElement::ReadAttribute(name == "markerWidth" ? "width" : "height", value);
     } else if (name == "refX" || name == "refY") {
@@ -384,11 +391,8 @@ void TSVGReferenced::WriteAttributes(IAttributeSink& sink) const {
     if (!FReference.empty()) sink.Put("xlink:href", "#" + FReference);
     if (FOwnX) sink.Put("x", FOwnX->ToText());
     if (FOwnY) sink.Put("y", FOwnY->ToText());
-    const std::string name(tag == TSVGTag::ClipPath ? "clipPath" : GetTagName());
-    if (FUnits) sink.Put(name + "Units", UnitsText(*FUnits));
-    if (FContentUnits)
-        sink.Put(tag == TSVGTag::Filter ? "primitiveUnits" : name + "ContentUnits",
-                 UnitsText(*FContentUnits));
+    if (FUnits) sink.Put(UnitsOf(tag).Units, UnitsText(*FUnits));
+    if (FContentUnits) sink.Put(UnitsOf(tag).ContentUnits, UnitsText(*FContentUnits));
     if (FPatternTransform) sink.Put("patternTransform", TransformText(*FPatternTransform));
     if (tag == TSVGTag::Marker) {
         sink.Put("refX", FRefX.ToText());

@@ -70,7 +70,6 @@ protected:
 
 private:
     std::vector<TRampStop> MakeStops(bool enabled) const;
-    static void ClampFocus(TPaint& paint);
 
     std::string FReference;
     std::optional<TSVGLength> FLengths[6];

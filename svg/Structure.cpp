@@ -43,17 +43,23 @@ TAffine ViewBoxMap(const TSVGViewBox& box, const TSVGPreserveAspectRatio& ratio,
 // Elements with a view
 
 void TSVGViewElement::SetViewBox(const std::optional<TSVGViewBox>& value) {
-    if (value == FViewBox) return;
+    const auto isUsable = [](const TSVGViewBox& b) {
+        return std::isfinite(b.X) && std::isfinite(b.Y) && std::isfinite(b.Width) && std::isfinite(b.Height) &&
+               b.Width > 0 && b.Height > 0;
+    };
+    if (value == FViewBox || (value && !isUsable(*value))) return;
     FViewBox = value;
     Changed(TSVGChangeKind::Shape);
 }
 
 void TSVGViewElement::SetWidthLength(const std::optional<TSVGLength>& value) {
+    if (value == FWidth) return;
     FWidth = value;
     Changed(TSVGChangeKind::Shape);
 }
 
 void TSVGViewElement::SetHeightLength(const std::optional<TSVGLength>& value) {
+    if (value == FHeight) return;
     FHeight = value;
     Changed(TSVGChangeKind::Shape);
 }

@@ -35,6 +35,7 @@ std::optional<TSVGViewBox> ParseViewBox(std::string_view text);
 class TSVGViewElement : public TSVGGroup {
 public:
     const std::optional<TSVGViewBox>& GetViewBox() const { return FViewBox; }
+    /// One without extent, or with figures that are not finite, is refused (nothing happens).
     void SetViewBox(const std::optional<TSVGViewBox>& value);
     /// Nothing where the element says none.
     const std::optional<TSVGPreserveAspectRatio>& GetOwnAspectRatio() const { return FAspectRatio; }

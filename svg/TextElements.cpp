@@ -31,21 +31,6 @@ namespace {
 
 constexpr std::array<std::string_view, 4> PositionNames = {"x", "y", "dx", "dy"};
 
-/// A list of lengths separated by blanks or commas; false where one cannot be read.
-bool ParseLengths(std::string_view text, std::vector<TSVGLength>& lengths) {
-    TScanner scan{text};
-    scan.SkipBlanks();
-    while (!scan.AtEnd()) {
-        const std::size_t end = std::min(scan.Text.find_first_of(" \t\r\n\f,"), scan.Text.size());
-        TSVGLength length;
-        if (!length.Parse(scan.Text.substr(0, end))) return false;
-        lengths.push_back(length);
-        scan.Text.remove_prefix(end);
-        scan.SkipCommaBlanks();
-    }
-    return true;
-}
-
 template <class T, class F> std::string Joined(const std::vector<T>& items, F text) {
     std::string joined;
     for (const T& item : items)
@@ -84,7 +69,7 @@ void TSVGCustomText::SetText(std::string_view text) {
 bool TSVGCustomText::ReadAttribute(std::string_view name, std::string_view value) {
     if (const auto at = std::ranges::find(PositionNames, name); at != PositionNames.end()) {
         std::vector<TSVGLength> lengths;
-        if (ParseLengths(value, lengths))
+        if (ParseLengthList(value, lengths))
             FPositions[at - PositionNames.begin()] = std::move(lengths);
         else
             Refuse(name, value);

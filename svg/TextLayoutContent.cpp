@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 namespace Vz {
 namespace {
@@ -49,12 +50,14 @@ public:
 
 private:
     bool AddRail(std::size_t node);
+    std::shared_ptr<const TPathRuler> RulerOf(const TSVGShape& shape);
     void AddChildren(const TSVGCustomText& element, std::size_t node);
     void AddCharacters(const std::string& text, std::size_t node);
     void AddCharacter(std::uint32_t code, std::size_t node);
 
     TTextContent& FContent;
     TLengthBasis FView;
+    std::map<const TSVGShape*, std::shared_ptr<const TPathRuler>> FRulers;
     bool FSwallowsBlanks = true; ///< a blank that collapses falls away here
     bool FEndCollapses = false;  ///< the last character is such a blank
 };
@@ -88,11 +91,8 @@ bool TTextCollector::AddRail(std::size_t node) {
     const auto* const shape =
         dynamic_cast<const TSVGShape*>(textPath->GetDocument().FindElement(textPath->GetReference()));
     if (!shape) return false;
-    TFigures figures =
-        shape->MakeFigures(BasisOf(shape->GetComputedStyle(), FView.ViewWidth, FView.ViewHeight));
-    figures.Transform(shape->GetTransform());
-    auto rail = std::make_shared<TTextRail>(TTextRail{TPathRuler(figures), 0});
-    const double length = rail->Ruler.GetLength();
+    auto rail = std::make_shared<TTextRail>(TTextRail{RulerOf(*shape)});
+    const double length = rail->Path().GetLength();
     const TSVGLength& start = textPath->GetStartOffset();
     if (start.GetUnit() == TSVGUnit::Percent) {
         rail->StartOffset = start.GetValue() / 100 * length;
@@ -102,6 +102,18 @@ bool TTextCollector::AddRail(std::size_t node) {
     }
     made.Rail = std::move(rail);
     return true;
+}
+
+/// Measures each path once a text. Its own transform applies (SVG 1.1, 10.13.2), those around it do not.
+std::shared_ptr<const TPathRuler> TTextCollector::RulerOf(const TSVGShape& shape) {
+    auto& ruler = FRulers[&shape];
+    if (!ruler) {
+        TFigures figures =
+            shape.MakeFigures(BasisOf(shape.GetComputedStyle(), FView.ViewWidth, FView.ViewHeight));
+        figures.Transform(shape.GetTransform());
+        ruler = std::make_shared<const TPathRuler>(figures);
+    }
+    return ruler;
 }
 
 void TTextCollector::AddChildren(const TSVGCustomText& element, std::size_t node) {

@@ -68,7 +68,7 @@ void TDecorator::Add(std::span<const std::size_t> glyphs) {
         const double end = last.Along + last.Advance;
         const auto& rail = FContent.Nodes[first.Node].Rail;
         if (rail && !IsTurned(first))
-            AddCurved(rail->Ruler, first, end);
+            AddCurved(rail->Path(), first, end);
         else
             AddStraight(first, end);
     }

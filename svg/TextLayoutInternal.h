@@ -13,8 +13,10 @@ namespace Vz {
 
 /// A path that a textPath runs along.
 struct TTextRail {
-    TPathRuler Ruler;
-    double StartOffset = 0; ///< where the text begins, in user units along the path
+    const TPathRuler& Path() const { return *Ruler; }
+
+    std::shared_ptr<const TPathRuler> Ruler; ///< shared by all that run along the same path; not null
+    double StartOffset = 0;                  ///< where the text begins, in user units along the path
 };
 
 /// An element of a text with what its characters have in common.

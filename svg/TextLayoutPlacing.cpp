@@ -26,7 +26,6 @@ private:
     double AnchorShift() const;
     void PlaceOnLine(const TTextChunk& chunk);
     void PlaceOnRail(const TTextChunk& chunk, const TTextRail& rail);
-    void LeaveRail(const TTextChunk& chunk, const TTextRail& rail, double end);
     bool FindRailPlace(const TTextRail& rail, double distance, TPathPlace& place) const;
     void PlaceGlyph(TTextGlyph& glyph, double along, double across, const TAffine& line) const;
 
@@ -47,7 +46,7 @@ private:
 
 void TChunkPlacer::Place(const TTextChunk& chunk) {
     const TTextNode& node = FContent.Nodes[FContent.Characters[chunk.Begin].Node];
-    FRightToLeft = node.Style.Text->Direction == TKeyword::Rtl;
+    FRightToLeft = FContent.Nodes.front().Style.Text->Direction == TKeyword::Rtl;
     const TKeyword anchor = node.Style.Text->Anchor;
     FAnchorPart = anchor == TKeyword::Middle ? 0.5 : (anchor == TKeyword::End) != FRightToLeft ? 1 : 0;
     SetOut(chunk);
@@ -133,35 +132,23 @@ void TChunkPlacer::PlaceOnRail(const TTextChunk& chunk, const TTextRail& rail) {
         const TAffine line = Turn(place.Direction).Then(TAffine::Translation(place.Point.X, place.Point.Y));
         PlaceGlyph(glyph, -glyph.Advance / 2, glyph.Across, line);
     }
-    LeaveRail(chunk, rail, start + FShift.X + (FRightToLeft ? 0 : FEnd));
-}
-
-/// What follows begins where the last letter on the path ends; blanks behind that lie straight.
-void TChunkPlacer::LeaveRail(const TTextChunk& chunk, const TTextRail& rail, double end) {
+    const double end = start + FShift.X + (FRightToLeft ? 0 : FEnd);
     FOnRail = {end - rail.StartOffset, FOnRail.Y + FShift.Y};
-    double letterEnd = end;
-    for (std::size_t i = chunk.GlyphEnd; i > chunk.FirstGlyph && !FRightToLeft; --i) {
-        const TTextGlyph& glyph = FLines.Glyphs[i - 1];
-        if (FContent.Characters[glyph.Character].Code != ' ') break;
-        letterEnd = glyph.Along;
-    }
-    const TPathPlace last = rail.Ruler.At(letterEnd);
-    const TPointD rest = FLines.IsVertical ? TPointD{0, end - letterEnd} : TPointD{end - letterEnd, 0};
-    FCurrent = {last.Point.X - last.Direction.Y * FOnRail.Y + rest.X,
-                last.Point.Y + last.Direction.X * FOnRail.Y + rest.Y};
+    const TPathPlace last = rail.Path().At(end);
+    FCurrent = {last.Point.X - last.Direction.Y * FOnRail.Y, last.Point.Y + last.Direction.X * FOnRail.Y};
 }
 
 /// Finds a place on the path; false beyond its ends. A closed path goes on behind its seam for one round,
 /// which the anchor places about the text's begin (SVG 2, 11.8.3).
 bool TChunkPlacer::FindRailPlace(const TTextRail& rail, double distance, TPathPlace& place) const {
-    const double length = rail.Ruler.GetLength();
+    const double length = rail.Path().GetLength();
     if (!(length > 0) || !std::isfinite(distance)) return false;
-    if (!rail.Ruler.IsClosed()) {
-        place = rail.Ruler.At(distance);
+    if (!rail.Path().IsClosed()) {
+        place = rail.Path().At(distance);
         return distance >= 0 && distance <= length;
     }
     const double way = distance - rail.StartOffset + FAnchorPart * length;
-    place = rail.Ruler.At(distance - std::floor(distance / length) * length);
+    place = rail.Path().At(distance - std::floor(distance / length) * length);
     return way >= 0 && way <= length;
 }
 

@@ -136,7 +136,7 @@ void TChunkShaper::AddDoubtfulBegins(std::size_t begin, std::size_t end, std::ve
 
 std::vector<TCluster> TChunkShaper::Shape(std::size_t begin, std::size_t end) {
     FillBuffer(begin, end);
-    const bool isRightToLeft = NodeOf(begin).Style.Text->Direction == TKeyword::Rtl;
+    const bool isRightToLeft = FContent.Nodes.front().Style.Text->Direction == TKeyword::Rtl;
     return ShapeText(FBuffer, FSpans,
                      isRightToLeft ? TTextDirection::RightToLeft : TTextDirection::LeftToRight);
 }

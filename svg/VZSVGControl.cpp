@@ -132,7 +132,7 @@ std::span<const TProp> TVZSVGControl::GetPropTable() const {
         Prop<&T::GetStretch, &T::SetStretch>("Stretch", false),
         Prop<&T::GetQuality, &T::SetQuality>("Quality", 1),
         Prop<&T::GetOpacity, &T::SetOpacity, &T::IsOpacityStored>("Opacity", 1.0f),
-        ObjectProp<&T::GetTransform, &T::SetTransform>("Transform"),
+        ObjectProp<&T::GetTransform, &T::SetTransform, &T::IsTransformStored>("Transform"),
         EventProp<&T::SetOnDrawing>("OnDrawing"),
         EventProp<&T::SetOnDrawn>("OnDrawn"),
     };

@@ -73,6 +73,7 @@ public:
     /// identity. A change invalidates.
     TVZTransform& GetTransform() const { return *FTransform; }
     void SetTransform(const TVZTransform& value);
+    bool IsTransformStored() const { return !IsIdentityMatrix(FTransform->GetMatrix()); }
     /// The document's own events; see there.
     const decltype(TSVGDocument::OnDrawing)& GetOnDrawing() const { return FSVG->OnDrawing; }
     void SetOnDrawing(decltype(TSVGDocument::OnDrawing) event) { FSVG->OnDrawing = std::move(event); }
@@ -144,6 +145,8 @@ private:
         bool IsValid = false;
         TAffine Total; ///< natural picture -> device pixels
         float Opacity = 1;
+        unsigned CacheCount = 0; ///< which caches
+        bool IsLike(const TPainted& other) const;
     };
 
     void CheckActiveElement() const;
@@ -181,6 +184,8 @@ private:
     std::unique_ptr<TVZGPBitmap> FElementBuffer; ///< the active element in the caches' size
     TRect FElementUsed;                          ///< the pixels of that which are not transparent
     TPainted FPainted;
+    unsigned FCacheCount = 0;      ///< how often the caches were rebuilt
+    bool FIsWholeReported = false; ///< all of the control was reported as stale since the last painting
     TRect FShown; ///< control pixels that may show the active element and were not reported as stale since
 };
 

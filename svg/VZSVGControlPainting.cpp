@@ -128,6 +128,11 @@ bool TVZSVGControl::TCachePlan::Matches(const TCachePlan& other) const {
            IsNear(ToCache, other.ToCache);
 }
 
+bool TVZSVGControl::TPainted::IsLike(const TPainted& other) const {
+    return IsValid && other.IsValid && Opacity == other.Opacity && CacheCount == other.CacheCount &&
+           IsNear(Total, other.Total);
+}
+
 /// Places the document into a rectangle: the map from the natural picture to it.
 TAffine TVZSVGControl::PlaceDocument(const TRectF& rect) const {
     const TSVGAlign align = FStretch ? TSVGAlign::None : TSVGAlign::XMidYMid;
@@ -182,10 +187,12 @@ void TVZSVGControl::UpdateBuffers() {
     FBeforeUsed = rebuild(FBeforeBuffer, &TSVGDocument::DrawBefore);
     FAfterUsed = rebuild(FAfterBuffer, &TSVGDocument::DrawAfter);
     FBuffersStale = false;
+    ++FCacheCount;
 }
 
 void TVZSVGControl::DoPaint(TVZGPCanvas& controlCanvas) {
-    FPainted.IsValid = false;
+    const TPainted last = std::exchange(FPainted, {});
+    const bool isReported = std::exchange(FIsWholeReported, false);
     const TRectF rect = GetDrawRect();
     if (FOpacity == 0 || !IsPaintable(rect)) return;
     TVZGPCanvas canvas(controlCanvas);
@@ -203,6 +210,9 @@ void TVZSVGControl::DoPaint(TVZGPCanvas& controlCanvas) {
         PaintParts(canvas, controlCanvas.ToDevice(), rect);
     else
         PaintWhole(canvas, rect);
+    // A change that shows for the first time without having been reported may have met a part of the control
+    // only: then the next report has to be of all.
+    if (!isReported && !FPainted.IsLike(last)) FPainted.IsValid = false;
 }
 
 void TVZSVGControl::PaintWhole(TVZGPCanvas& canvas, const TRectF& rect) {
@@ -228,7 +238,7 @@ void TVZSVGControl::PaintParts(TVZGPCanvas& canvas, const TAffine& surface, cons
         return;
     }
     FPlan.Box = plan.Box;
-    FPainted = {true, matrix.Then(canvas.ToDevice()), FOpacity};
+    FPainted = {true, matrix.Then(canvas.ToDevice()), FOpacity, FCacheCount};
     const TRect elementBox = ElementPixels(FPainted.Total);
     if (FPlan.IsExact)
         PaintExact(canvas, matrix, elementBox);
@@ -321,6 +331,7 @@ void TVZSVGControl::RequestRepaint() {
     TAffine total;
     if (!OnlyElementChanged(total)) {
         FShown = {};
+        FIsWholeReported = true;
         InvalidateRect(GetClientRect());
         return;
     }

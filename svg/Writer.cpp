@@ -1,12 +1,15 @@
+#include "runtime/Utf8.h"
 #include "svg/Document.h"
-#include "svg/Scan.h"
 #include "svg/TextElements.h"
 
 namespace Vz {
 
 namespace {
 
+/// Appends a text with XML's escapes. What XML 1.0 cannot hold (its section 2.2) is left out: control characters, and
+/// all from the first byte on that is no UTF-8.
 void AppendEscaped(std::string& out, std::string_view text, bool inAttribute) {
+    text = text.substr(0, FindBadUtf8(text));
     for (const char c : text) {
         switch (c) {
         case '&':
@@ -31,7 +34,7 @@ void AppendEscaped(std::string& out, std::string_view text, bool inAttribute) {
                 out += c;
             break;
         default:
-            out += c;
+            if (static_cast<unsigned char>(c) >= ' ') out += c;
             break;
         }
     }
@@ -58,13 +61,15 @@ private:
 };
 
 void TSVGWriter::WriteStyle(const TSVGElement& element) {
+    // Parts of filters may have an attribute of the same name and another meaning.
+    const bool isFilterPart = element.GetTag() == TSVGTag::FilterPart;
     std::string style;
     for (const auto& [property, value] : element.GetStyle().Entries()) {
         const std::string_view name = GetStylePropertyName(property);
         const std::string text = StyleValueText(property, value);
         if (property == TSVGStyleProperty::WhiteSpace)
             Put("xml:space", text.starts_with("pre") ? "preserve" : "default");
-        else if (IsPresentationAttribute(property))
+        else if (IsPresentationAttribute(property) && !isFilterPart)
             Put(name, text);
         else
             style += (style.empty() ? "" : ";") + std::string(name) + ":" + text;

@@ -2,6 +2,7 @@
 
 #include "UsageError.h"
 #include "controls/HeadlessHost.h"
+#include "graphics/Canvas.h"
 #include "graphics/VectorDevice.h"
 #include "runtime/Exceptions.h"
 #include "runtime/PropText.h"

@@ -85,13 +85,16 @@ def check_cycles(graph):
         targets = [t for _, name in graph[source] if (t := resolve(graph, source, name))]
         faults = [fault for target in targets for fault in visit(target)]
         trail.pop()
-        depth[source] = 1 + max((depth.get(t, 0) for t in targets), default=0)
+        depth[source] = max((1 + depth.get(t, 0) for t in targets), default=0)
         return faults
 
     faults = [f'cycle: {cycle}' for source in graph for cycle in visit(source)]
     deepest = max(depth, key=depth.get, default=None)
     if deepest and depth[deepest] > MAX_DEPTH:
-        faults.append(f'{deepest}: {depth[deepest]} levels of project headers, more than {MAX_DEPTH}')
+        chain = [deepest]
+        while targets := [t for _, name in graph[chain[-1]] if (t := resolve(graph, chain[-1], name))]:
+            chain.append(max(targets, key=depth.get))
+        faults.append(f'{depth[deepest]} levels of project headers below it, more than {MAX_DEPTH}: ' + ' -> '.join(chain))
     return faults, max(depth.values(), default=0)
 
 

@@ -42,6 +42,7 @@ int main(int count, char** arguments) {
             return 1;
         }
         testing::GTEST_FLAG(filter) = filter;
+        testing::GTEST_FLAG(brief) = true;
     }
     return RUN_ALL_TESTS();
 }

@@ -5,6 +5,7 @@
 #include "controls/GraphicControl.h"
 #include "controls/HeadlessHost.h"
 #include "controls/Palette.h"
+#include "graphics/Canvas.h"
 #include "runtime/Exceptions.h"
 
 #include <gtest/gtest.h>

@@ -139,6 +139,42 @@ TEST(Raster, ClearsAndCopiesTheRegion) {
     EXPECT_EQ(bitmap.At(1, 1), 0u);
 }
 
+TEST(Raster, CopiesWholePictures) {
+    TBitmap image(5, 4);
+    for (std::size_t i = 0; i < image.Store.size(); ++i)
+        image.Store[i] = 0xFF000000u + unsigned(i);
+    TBitmap bitmap(5, 4, 0x11111111);
+    TRasterDevice(bitmap.Pixels).Copy(image.Pixels, 0, 0);
+    EXPECT_EQ(bitmap.Store, image.Store);
+    TRasterDevice(bitmap.Pixels, TRegion(TRect{0, 1, 5, 3})).Copy(image.Pixels, 0, 1);
+    EXPECT_EQ(bitmap.At(4, 0), 0xFF000004u);
+    EXPECT_EQ(bitmap.At(0, 1), 0xFF000000u);
+    EXPECT_EQ(bitmap.At(4, 2), 0xFF000009u);
+    EXPECT_EQ(bitmap.At(0, 3), 0xFF00000Fu);
+}
+
+TEST(Raster, ClearsAndCopiesIntoLayers) {
+    TBitmap image(2, 2, 0xFF00FF00);
+    TBitmap bitmap(4, 4, 0xFF000000);
+    TRasterDevice device(bitmap.Pixels);
+    for (int i = 0; i < 2; ++i) {
+        device.PushLayer({});
+        if (i == 0) device.Copy(image.Pixels, 1, 1);
+        device.PopLayer();
+        EXPECT_EQ(bitmap.At(1, 1), 0xFF00FF00u);
+        EXPECT_EQ(bitmap.At(3, 3), 0xFF000000u);
+        bitmap.Pixels.Row(3)[3] = 0xFF000000u;
+    }
+    device.PushLayer({});
+    device.Clear(0xFFFF0000);
+    device.PopLayer();
+    EXPECT_EQ(bitmap.At(3, 3), 0xFFFF0000u);
+    std::fill(bitmap.Store.begin(), bitmap.Store.end(), 0u);
+    device.PushLayer({});
+    device.PopLayer();
+    EXPECT_EQ(bitmap.At(3, 3), 0u);
+}
+
 TEST(Raster, ClipsByShapes) {
     TBitmap bitmap(8, 4);
     TRasterDevice device(bitmap.Pixels);

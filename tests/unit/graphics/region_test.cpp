@@ -79,19 +79,21 @@ TEST(Region, JoinsWhatMakesARectangle) {
 }
 
 TEST(Region, OfTooManyRectanglesIsTheBoxAround) {
+    constexpr int most = TRegion::MaxRects;
     TRegion region;
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < most; ++i)
         region.Add(TRect{3 * i, 3 * i, 3 * i + 1, 3 * i + 1});
-    EXPECT_EQ(region.Rects().size(), 16u);
-    region.Add(TRect{60, 60, 61, 61});
+    EXPECT_EQ(region.Rects().size(), TRegion::MaxRects);
+    ExpectDisjointAndOrdered(region);
+    region.Add(TRect{0, 3 * most, 1, 3 * most + 1});
     ASSERT_EQ(region.Rects().size(), 1u);
-    EXPECT_EQ(region.Bounds(), (TRect{0, 0, 61, 61}));
+    EXPECT_EQ(region.Bounds(), (TRect{0, 0, 3 * most - 2, 3 * most + 1}));
     TRegion comb;
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < most; ++i)
         comb.Add(TRect{0, 2 * i, 100, 2 * i + 1});
-    comb.Add(TRect{10, -5, 20, 90});
-    EXPECT_EQ(comb.Bounds(), (TRect{0, -5, 100, 90}));
-    EXPECT_TRUE(comb.Contains(15, 80));
+    comb.Add(TRect{10, -5, 20, 2 * most + 5});
+    EXPECT_EQ(comb.Bounds(), (TRect{0, -5, 100, 2 * most + 5}));
+    EXPECT_TRUE(comb.Contains(15, 2 * most));
     ExpectDisjointAndOrdered(comb);
 }
 

@@ -114,6 +114,29 @@ TEST(ControlFrames, MoveThatWasPaintedButNotReportedIsMadeUpFor) {
     EXPECT_EQ(a.PaintStale(), b.Paint());
 }
 
+TEST(ControlFrames, ChangeOfAllThatWasPaintedInPartIsMadeUpFor) {
+    constexpr void (*edits[])(TScene&) = {
+        [](TScene& s) {
+            s.Get("Mark").GetBrush().SetColor(0xFFFF00FF);
+            s.Control->MarkBuffersStale();
+        },
+        [](TScene& s) { s.Control->GetDocument().SetWidthLength(TSVGLength(TSVGUnit::Number, 80)); },
+    };
+    for (const auto edit : edits) {
+        TScene a;
+        TScene b;
+        for (TScene* scene : {&a, &b}) {
+            scene->Activate("NeedleGroup");
+            scene->Paint();
+            edit(*scene); // nobody is told, but a part is painted
+            scene->Control->InvalidateRect({40, 40, 60, 60});
+            scene->PaintStale();
+            scene->Control->Invalidate();
+        }
+        EXPECT_EQ(a.PaintStale(), b.Paint());
+    }
+}
+
 TEST(ControlFrames, PictureTakenAtAnotherScaleDoesNotConfuse) {
     TScene a;
     TScene b;

@@ -1,0 +1,17 @@
+#include "instruments/round/CircularClock.h"
+
+#include "instruments/CircularGaugeProps.h"
+
+namespace Vz {
+
+std::span<const TProp> TVZCircularClock::GetPropTable() const {
+    using T = TVZCircularClock;
+    static constexpr auto Rows = PublishGauge<Setup>(std::array{
+        Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time", TDateTime{}),
+        Prop<&T::GetHands, &T::SetHands, &T::IsHandsStored>("Hands", Setup.Hands),
+    });
+    static_assert(NamesAreUnique(Rows));
+    return Rows;
+}
+
+} // namespace Vz

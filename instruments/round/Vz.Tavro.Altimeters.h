@@ -1,0 +1,5 @@
+#pragma once
+
+// The unit of the altimeters.
+
+#include "instruments/round/CircularAltimeter.h"

@@ -1,0 +1,5 @@
+#pragma once
+
+// The unit of the barometers.
+
+#include "instruments/round/CircularBarometer.h"

@@ -1,0 +1,264 @@
+#include "GaugeProbe.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace Vz::Test {
+namespace {
+
+constexpr TParts AllParts = TVZCustomCircularGauge::AllParts;
+
+/// The parts that each element needs, all of them.
+const std::map<std::string, TParts> NeededParts{
+    {"DecorationUse", {TPart::gpDecoration}},
+    {"Frame", {TPart::gpFrame}},
+    {"Bolts", {TPart::gpFrame, TPart::gpBolts}},
+    {"DialColor", {TPart::gpBackface}},
+    {"DialLight", {TPart::gpBackface}},
+    {"Backface", {TPart::gpBackface}},
+    {"Knob", {TPart::gpKnob}},
+    {"Hands", {TPart::gpHands}},
+    {"Labels", {TPart::gpLabels}},
+    {"MeasurementLabels", {TPart::gpLabels, TPart::gpMeasurementLabels}},
+    {"GaugeText", {TPart::gpLabels, TPart::gpMainLabel}},
+    {"GaugeDetailText", {TPart::gpLabels, TPart::gpDetailLabel}},
+    {"BigMarkers", {TPart::gpMajorMarkers}},
+    {"SmallMarkers", {TPart::gpMinorMarkers}},
+    {"GlassGroup", {TPart::gpGlass}},
+};
+
+constexpr std::string_view LitElements[] = {
+    "FrameBackfaceShadow", "DialLight", "GlassGroup", "KnobHighlight", "BoltShadow", "AttachmentFaceHighlight",
+};
+
+struct TBevel {
+    std::string_view Element;
+    std::string_view Gradient;
+    bool IsLight;
+};
+constexpr TBevel Bevels[] = {
+    {"FrameBevelUpper", "linearGradient7738", true},
+    {"FrameBevelLower", "linearGradient5799", false},
+    {"BackfaceBevelUpper", "linearGradient4348", false},
+    {"BackfaceBevelLower", "linearGradient4575", true},
+};
+
+TVZGPColor FlatBevel(const TBevel& bevel, TVZGPColor frame) {
+    return bevel.IsLight ? DodgeColor(frame, 0xFF808080) : BurnColor(frame, 0xFF808080);
+}
+
+void ExpectParts(const TVZCustomCircularGauge& gauge, TParts parts) {
+    for (const auto& [id, needed] : NeededParts)
+        EXPECT_EQ(IsShown(gauge, id), (needed - parts).IsEmpty()) << id << " with " << parts.GetMask();
+}
+
+// Parts
+
+TEST(GaugeLook, EachPartShowsItsElements) {
+    const auto gauge = TBareGauge::Create();
+    ExpectParts(*gauge, AllParts);
+    for (int part = 0; part < 13; ++part) {
+        const TParts one{static_cast<TPart>(part)};
+        gauge->SetParts(AllParts - one);
+        ExpectParts(*gauge, AllParts - one);
+        gauge->SetParts(one);
+        ExpectParts(*gauge, one);
+    }
+    gauge->SetParts({});
+    ExpectParts(*gauge, {});
+}
+
+TEST(GaugeLook, PartsSurviveABatch) {
+    const auto gauge = TBareGauge::Create();
+    const TParts parts = AllParts - TParts{TPart::gpGlass, TPart::gpBolts};
+    gauge->BeginUpdate();
+    gauge->SetParts(parts);
+    gauge->EndUpdate();
+    ExpectParts(*gauge, parts);
+}
+
+TEST(GaugeLook, OrderOfPartsAndDesignDoesNotCount) {
+    const TParts parts = AllParts - TParts{TPart::gpKnob};
+    const auto one = TBareGauge::Create();
+    one->SetDesign(TSVGDesign::sdSimple);
+    one->SetParts(parts);
+    const auto other = TBareGauge::Create();
+    other->SetParts(parts);
+    other->SetDesign(TSVGDesign::sdSimple);
+    EXPECT_EQ(one->GetDocument().WriteText(), other->GetDocument().WriteText());
+}
+
+// Design, gradients and light
+
+TEST(GaugeLook, SimpleDesignLeavesTheDetailAway) {
+    const auto gauge = TBareGauge::Create();
+    EXPECT_TRUE(IsShown(*gauge, "Bolts"));
+    gauge->SetDesign(TSVGDesign::sdSimple);
+    EXPECT_FALSE(IsShown(*gauge, "Bolts"));
+    gauge->SetEnableGradients(false);
+    gauge->SetEnableGradients(true);
+    for (const std::string_view id : LitElements)
+        EXPECT_FALSE(IsShown(*gauge, id)) << id;
+    for (const TBevel& bevel : Bevels)
+        EXPECT_EQ(ElementOf(*gauge, bevel.Element).GetBrush().GetURI(), bevel.Gradient);
+    gauge->SetDesign(TSVGDesign::sdDetailed);
+    for (const std::string_view id : LitElements)
+        EXPECT_TRUE(IsShown(*gauge, id)) << id;
+}
+
+TEST(GaugeLook, WithoutGradientsBevelsAreFlat) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetEnableGradients(false);
+    for (const std::string_view id : LitElements)
+        EXPECT_FALSE(IsShown(*gauge, id)) << id;
+    EXPECT_TRUE(IsShown(*gauge, "Bolts"));
+    gauge->SetFrameColor(0xFF204060);
+    for (const TBevel& bevel : Bevels) {
+        TSVGBrush brush = ElementOf(*gauge, bevel.Element).GetBrush();
+        EXPECT_EQ(brush.GetKind(), TVZGPBrushKind::Solid) << bevel.Element;
+        EXPECT_EQ(brush.GetColor(), FlatBevel(bevel, 0xFF204060)) << bevel.Element;
+    }
+    gauge->SetEnableGradients(true);
+    for (const TBevel& bevel : Bevels) {
+        TSVGBrush brush = ElementOf(*gauge, bevel.Element).GetBrush();
+        EXPECT_EQ(brush.GetKind(), TVZGPBrushKind::URI) << bevel.Element;
+        EXPECT_EQ(brush.GetURI(), bevel.Gradient);
+    }
+}
+
+TEST(GaugeLook, FrameColourLeavesGradientBevelsAlone) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetFrameColor(0xFF204060);
+    EXPECT_EQ(FillOf(*gauge, "Frame"), 0xFF204060);
+    for (const TBevel& bevel : Bevels)
+        EXPECT_EQ(ElementOf(*gauge, bevel.Element).GetBrush().GetKind(), TVZGPBrushKind::URI);
+}
+
+TEST(GaugeLook, LightTintsTheStopsAndKeepsTheirOpacity) {
+    const auto gauge = TBareGauge::Create();
+    const auto stops = [&](std::string_view id) {
+        std::vector<TVZGPColor> colors;
+        auto* const gradient = gauge->GetDocument().Find<TSVGCustomGradient>(id);
+        for (std::size_t i = 0; i < gradient->GetStopCount(); ++i)
+            colors.push_back(gradient->GetStop(i).GetStopColor());
+        return colors;
+    };
+    const auto light = stops("GradientLighten");
+    const auto dark = stops("GradientDarken");
+    ASSERT_GT(light.size(), 1u);
+    gauge->SetLightColor(0xFFFFC040);
+    for (std::size_t i = 0; i < light.size(); ++i)
+        EXPECT_EQ(stops("GradientLighten")[i], WithAlpha(0xFFFFC040, AlphaOf(light[i])));
+    for (std::size_t i = 0; i < dark.size(); ++i)
+        EXPECT_EQ(stops("GradientDarken")[i], WithAlpha(0xFFBF8000, AlphaOf(dark[i])));
+    gauge->SetLightColor(0xFFFFFFFF);
+    EXPECT_EQ(stops("GradientLighten"), light);
+    EXPECT_EQ(stops("GradientDarken"), dark);
+}
+
+// Colours
+
+struct TColorCase {
+    std::string_view Element;
+    TVZGPColor (TVZCustomCircularGauge::*Get)() const;
+    void (TVZCustomCircularGauge::*Set)(TVZGPColor);
+};
+using G = TVZCustomCircularGauge;
+constexpr TColorCase ColorCases[] = {
+    {"Frame", &G::GetFrameColor, &G::SetFrameColor},
+    {"DialColor", &G::GetBackfaceColor, &G::SetBackfaceColor},
+    {"Bolt", &G::GetBoltColor, &G::SetBoltColor},
+    {"Knob", &G::GetKnobColor, &G::SetKnobColor},
+    {"BigMarkers", &G::GetMajorMarkersColor, &G::SetMajorMarkersColor},
+    {"SmallMarkers", &G::GetMinorMarkersColor, &G::SetMinorMarkersColor},
+    {"MeasurementLabels", &G::GetLabelsFillColor, &G::SetLabelsFillColor},
+    {"BigHand", &G::GetBigHandColor, &G::SetBigHandColor},
+    {"LittleHand", &G::GetLittleHandColor, &G::SetLittleHandColor},
+    {"ThinHand", &G::GetThinHandColor, &G::SetThinHandColor},
+};
+
+TEST(GaugeLook, ColoursFillTheirElements) {
+    const auto gauge = TBareGauge::Create();
+    TNotices notices(*gauge);
+    TVZGPColor color = 0xFF102030;
+    for (const TColorCase& row : ColorCases) {
+        color += 0x00010101;
+        (gauge.get()->*row.Set)(color);
+        EXPECT_EQ((gauge.get()->*row.Get)(), color);
+        EXPECT_EQ(FillOf(*gauge, row.Element), color) << row.Element;
+        EXPECT_TRUE(gauge->AreBuffersStale());
+        EXPECT_EQ(notices.TakeInvalidates(), 1) << row.Element;
+        (gauge.get()->*row.Set)(color);
+        EXPECT_EQ(notices.TakeInvalidates(), 0) << row.Element;
+    }
+    EXPECT_EQ(notices.TakeChanges(), 0);
+}
+
+TEST(GaugeLook, LabelStrokeIsSwitchedOffByNothing) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetLabelsStrokeColor(0xFF00FF00);
+    EXPECT_EQ(ElementOf(*gauge, "MeasurementLabels").GetPen().GetColor(), 0xFF00FF00);
+    gauge->SetLabelsStrokeColor(0);
+    EXPECT_EQ(ElementOf(*gauge, "MeasurementLabels").GetPen().GetKind(), TVZGPBrushKind::None);
+    gauge->SetLabelsStrokeColor(0xFF0000FF);
+    EXPECT_EQ(ElementOf(*gauge, "MeasurementLabels").GetPen().GetKind(), TVZGPBrushKind::Solid);
+}
+
+// Fonts and texts
+
+TEST(GaugeLook, FontsReachTheirGroups) {
+    const auto gauge = TBareGauge::Create();
+    const double before = FontSizeOf(*gauge, "Labels");
+    const double captionBefore = FontSizeOf(*gauge, "GaugeLabels");
+    TNotices notices(*gauge);
+    gauge->GetFont().SetSize(6.5f);
+    EXPECT_EQ(notices.TakeInvalidates(), 1);
+    EXPECT_EQ(FontSizeOf(*gauge, "Labels"), 6.5);
+    EXPECT_EQ(FontSizeOf(*gauge, "GaugeLabels"), captionBefore);
+    TSVGFont font;
+    font.SetSize(3);
+    gauge->SetCaptionFont(font);
+    EXPECT_EQ(FontSizeOf(*gauge, "GaugeLabels"), 3);
+    gauge->SetFont(TSVGFont());
+    EXPECT_EQ(FontSizeOf(*gauge, "Labels"), before);
+    notices.TakeInvalidates();
+    gauge->SetFont(TSVGFont());
+    EXPECT_EQ(notices.TakeInvalidates(), 0);
+}
+
+TEST(GaugeLook, TextsAreShown) {
+    const auto gauge = TVZCircularBarometer::Create();
+    const auto text = [&](std::string_view id) { return gauge->GetDocument().Find<TSVGText>(id)->GetText(); };
+    EXPECT_EQ(text("GaugeText"), "Barometer");
+    EXPECT_EQ(text("GaugeDetailText"), "hPa");
+    EXPECT_FALSE(gauge->IsCaptionStored() || gauge->IsDetailTextStored());
+    TNotices notices(*gauge);
+    gauge->SetCaption("Luftdruck <&>");
+    gauge->SetDetailText("");
+    EXPECT_EQ(notices.TakeInvalidates(), 2);
+    EXPECT_EQ(text("GaugeText"), "Luftdruck <&>");
+    EXPECT_EQ(text("GaugeDetailText"), "");
+    EXPECT_TRUE(gauge->IsCaptionStored() && gauge->IsDetailTextStored());
+    gauge->SetCaption("Luftdruck <&>");
+    EXPECT_EQ(notices.TakeInvalidates(), 0);
+    gauge->SetCaption(std::string(10000, 'x'));
+    EXPECT_EQ(text("GaugeText").size(), 10000u);
+}
+
+// Decoration
+
+TEST(GaugeLook, HasShapesOfItsOwnForThreeEmblems) {
+    const auto gauge = TBareGauge::Create();
+    for (int i = 0; i < DecorationCount; ++i) {
+        gauge->SetDecoration(static_cast<TDecoration>(i));
+        const std::string_view own = GetGaugeDecorationPath(i);
+        EXPECT_EQ(own.empty(), i != 2 && i != 3 && i != 12) << i;
+        TVZPathData expected;
+        expected.SetPathString(own.empty() ? GetDecorationPath(i) : own);
+        EXPECT_TRUE(gauge->GetDecorationPath()->GetFigures() == expected.GetFigures()) << i;
+    }
+}
+
+} // namespace
+} // namespace Vz::Test

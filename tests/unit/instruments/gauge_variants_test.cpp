@@ -1,0 +1,237 @@
+#include "GaugeProbe.h"
+#include "package/Package.h"
+#include "runtime/FormFile.h"
+#include "runtime/PropAccess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace Vz::Test {
+namespace {
+
+constexpr double Near = 1e-3;
+
+std::vector<std::string> NamesOf(const TPersistent& object) {
+    std::vector<std::string> names;
+    for (const TProp& row : object.GetPropTable())
+        names.emplace_back(row.Name);
+    return names;
+}
+
+/// The class publishes these beside what all round instruments publish.
+void ExpectOwnProps(const TPersistent& object, std::vector<std::string> own) {
+    const auto names = NamesOf(object);
+    for (const char* const name :
+         {"Min", "Max", "Value", "StartAngle", "StopAngle", "MajorMarkers", "MinorMarkers", "Hands", "Time",
+          "DayOfYear"})
+        EXPECT_EQ(std::ranges::count(names, name), std::ranges::count(own, name)) << name;
+    for (const char* const name :
+         {"FrameColor", "BackfaceColor", "BoltColor", "KnobColor", "MajorMarkersColor", "MinorMarkersColor",
+          "LabelsFillColor", "LabelsStrokeColor", "BigHandColor", "LittleHandColor", "ThinHandColor", "Parts", "Font",
+          "CaptionFont", "Caption", "DetailText", "MajorMarker", "MinorMarker", "MajorMarkerPath", "MinorMarkerPath",
+          "Labels", "Decoration", "DecorationPath", "DecorationFillColor", "DecorationStrokeColor", "Design",
+          "EnableGradients", "LightColor", "FormatStr", "Buffered", "Stretch", "Quality", "Opacity", "Transform",
+          "OnChange", "OnDrawing", "OnDrawn"})
+        EXPECT_EQ(std::ranges::count(names, name), 1) << name;
+}
+
+const std::vector<std::string> ScaleProps{"Min",       "Max",          "Value",       "StartAngle",
+                                          "StopAngle", "MajorMarkers", "MinorMarkers"};
+
+template <class T> class GaugeVariants : public testing::Test {};
+using TVariants = testing::Types<TVZCircularAltimeter, TVZCircularBarometer, TVZCircularFuelGauge,
+                                 TVZCircularSpeedometer, TVZCircularClock, TVZAnalogCalendar>;
+TYPED_TEST_SUITE(GaugeVariants, TVariants);
+
+TYPED_TEST(GaugeVariants, FreshIsWhatItDeclares) {
+    const auto gauge = TypeParam::Create();
+    for (const TProp& row : gauge->GetPropTable()) {
+        if (row.Get && row.Default.index() != 0) EXPECT_TRUE(row.Get(*gauge) == row.Default) << row.Name;
+        if (row.Get) EXPECT_FALSE(IsPropStored(*gauge, row)) << row.Name;
+    }
+    EXPECT_FALSE(gauge->GetFont().GetPropTable()[1].Stored(gauge->GetFont()));
+}
+
+TYPED_TEST(GaugeVariants, FormKeepsWhatWasSet) {
+    RegisterComponentClasses();
+    const auto gauge = TypeParam::Create();
+    gauge->SetMinorMarker(TMarker::gmCircle);
+    TVZPathData path;
+    path.SetPathString("M50 0L51 5 49 5Z");
+    gauge->SetMajorMarkerPath(path);
+    gauge->SetFormatStr("0.00");
+    gauge->SetCaption("c");
+    gauge->SetDetailText("");
+    gauge->SetParts({TPart::gpHands, TPart::gpLabels, TPart::gpMeasurementLabels});
+    gauge->GetFont().SetSize(0);
+    gauge->SetLabels(TStrings{"one", "", "three"});
+    gauge->SetThinHandColor(0xFF112233);
+    gauge->SetDecoration(TDecoration::dcGlobe);
+    const std::string form = WriteForm(*gauge);
+    const auto copy = ReadForm(form, "copy");
+    auto& read = dynamic_cast<TypeParam&>(*copy);
+    for (const TProp& row : gauge->GetPropTable())
+        if (row.Get && row.Name != "Time" && row.Name != "DayOfYear")
+            EXPECT_TRUE(row.Get(*gauge) == row.Get(read)) << row.Name;
+    EXPECT_EQ(read.GetFont().GetSize(), 0);
+    EXPECT_EQ(LabelTexts(read), LabelTexts(*gauge));
+    EXPECT_EQ(WriteForm(read), form);
+    EXPECT_EQ(read.GetDocument().WriteText().size(), gauge->GetDocument().WriteText().size());
+}
+
+// Altimeter
+
+TEST(CircularAltimeter, StartsAtZeroFeet) {
+    const auto gauge = TVZCircularAltimeter::Create();
+    EXPECT_EQ(gauge->GetCaption(), "Altimeter");
+    EXPECT_EQ(gauge->GetDetailText(), "Feet");
+    EXPECT_EQ(gauge->GetMax(), std::numeric_limits<float>::max());
+    EXPECT_EQ(gauge->GetMajorMarkers(), 10);
+    EXPECT_EQ(gauge->GetMinorMarkers(), 4);
+    EXPECT_EQ(LabelTexts(*gauge),
+              (std::vector<std::string>{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}));
+    ExpectOwnProps(*gauge, {"Value", "Hands"});
+}
+
+TEST(CircularAltimeter, HandsCountDecades) {
+    const auto gauge = TVZCircularAltimeter::Create();
+    gauge->SetValue(12345.9f);
+    EXPECT_NEAR(PointsTo(*gauge, "ThinHand"), 124.2, Near);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), 84.42, Near);
+    EXPECT_NEAR(PointsTo(*gauge, "LittleHand"), 44.442, Near);
+    gauge->SetValue(1000000);
+    EXPECT_NEAR(std::remainder(PointsTo(*gauge, "LittleHand"), 360), 0, Near);
+    gauge->SetValue(1050000);
+    EXPECT_NEAR(std::remainder(PointsTo(*gauge, "LittleHand"), 360), 0, Near);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), 0, Near);
+    gauge->SetValue(2000000);
+    for (const char* const hand : {"BigHand", "LittleHand", "ThinHand"})
+        EXPECT_NEAR(std::remainder(PointsTo(*gauge, hand), 360), 0, Near) << hand;
+    gauge->SetValue(Infinite);
+    EXPECT_EQ(gauge->GetValue(), std::numeric_limits<float>::max());
+}
+
+// Barometer, fuel gauge, speedometer
+
+TEST(CircularBarometer, StartsAtItsLowerEnd) {
+    const auto gauge = TVZCircularBarometer::Create();
+    EXPECT_EQ(gauge->GetStartAngle(), 225);
+    EXPECT_EQ(gauge->GetStopAngle(), 495);
+    EXPECT_EQ(gauge->GetMin(), 950);
+    EXPECT_EQ(gauge->GetMax(), 1050);
+    EXPECT_EQ(gauge->GetValue(), 950);
+    EXPECT_EQ(gauge->GetFont().GetSize(), 8);
+    EXPECT_TRUE(IsShown(*gauge, "BigHand"));
+    EXPECT_FALSE(IsShown(*gauge, "LittleHand"));
+    EXPECT_FALSE(IsShown(*gauge, "ThinHand"));
+    EXPECT_EQ(CountFigures(*gauge, "BigMarkers"), 11);
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 51);
+    ExpectOwnProps(*gauge, ScaleProps);
+    gauge->SetValue(1000);
+    EXPECT_NEAR(std::remainder(PointsTo(*gauge, "BigHand"), 360), 0, Near);
+}
+
+TEST(CircularFuelGauge, RunsFromEmptyToFull) {
+    const auto gauge = TVZCircularFuelGauge::Create();
+    EXPECT_EQ(gauge->GetCaption(), "Fuel");
+    EXPECT_EQ(gauge->GetDetailText(), "");
+    EXPECT_EQ(gauge->GetDecoration(), TDecoration::dcFuelTank);
+    EXPECT_EQ(gauge->GetFont().GetSize(), 12);
+    EXPECT_EQ(gauge->GetDefaultLabels(), "E\r\n\r\n\r\n\r\nF");
+    EXPECT_EQ(LabelTexts(*gauge), (std::vector<std::string>{"E", "", "", "", "F"}));
+    EXPECT_EQ(CountFigures(*gauge, "BigMarkers"), 5);
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 0);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), 260, Near);
+    gauge->SetValue(100);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), 100, Near);
+    gauge->SetMax(200);
+    EXPECT_EQ(LabelTexts(*gauge)[4], "F");
+    ExpectOwnProps(*gauge, ScaleProps);
+}
+
+TEST(CircularSpeedometer, CrossesTwelveOClock) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    EXPECT_EQ(gauge->GetCaption(), "");
+    EXPECT_EQ(gauge->GetDecoration(), TDecoration::dcFuelTank);
+    EXPECT_EQ(gauge->GetMax(), 120);
+    EXPECT_EQ(LabelTexts(*gauge)[10], "120");
+    EXPECT_EQ(LabelTexts(*gauge)[1], "12");
+    ExpectOwnProps(*gauge, ScaleProps);
+    gauge->SetValue(60);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), 355, Near);
+}
+
+// Clock
+
+TEST(CircularClock, KeepsItsNumerals) {
+    const auto gauge = TVZCircularClock::Create();
+    EXPECT_EQ(LabelTexts(*gauge), (std::vector<std::string>{"XII", "I", "II", "III", "IV", "V", "VI", "VII", "VIII",
+                                                            "IX", "X", "XI"}));
+    EXPECT_EQ(gauge->GetTime().Days, 0);
+    gauge->SetFormatStr("0.00");
+    gauge->SetMax(24);
+    EXPECT_EQ(LabelTexts(*gauge)[1], "I");
+    ExpectOwnProps(*gauge, {"Time", "Hands"});
+    EXPECT_FALSE(gauge->IsTimeStored());
+    gauge->SetTime(0.25);
+    EXPECT_TRUE(gauge->IsTimeStored());
+}
+
+// Calendar
+
+TEST(AnalogCalendar, ShowsTodayAtFirst) {
+    const double before = Now().Days;
+    const auto gauge = TVZAnalogCalendar::Create();
+    EXPECT_GE(gauge->GetTime().Days, before);
+    EXPECT_LE(gauge->GetTime().Days, Now().Days);
+    EXPECT_EQ(gauge->GetParts().GetMask(), 8159u);
+    EXPECT_FALSE(IsShown(*gauge, "SmallMarkers"));
+    EXPECT_EQ(LabelTexts(*gauge)[11], "Dec");
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 31);
+    EXPECT_EQ(CountFigures(*gauge, "BigMarkers"), 12);
+    ExpectOwnProps(*gauge, {"Time", "DayOfYear"});
+}
+
+TEST(AnalogCalendar, HandsShowMonthAndDay) {
+    const auto gauge = TVZAnalogCalendar::Create();
+    gauge->SetTime(EncodeDate(2026, 3, 15) + 0.7);
+    EXPECT_NEAR(PointsTo(*gauge, "LittleHand"), 15 / 31.0 * 360, Near);
+    EXPECT_NEAR(PointsTo(*gauge, "BigHand"), (2 + 15 / 31.0) / 12 * 360, Near);
+}
+
+TEST(AnalogCalendar, MonthsLengthIsThatOfTheValueAsADate) {
+    const auto gauge = TVZAnalogCalendar::Create();
+    gauge->SetMax(1000);
+    gauge->SetValue(static_cast<float>(EncodeDate(1900, 2, 10).Days));
+    gauge->SetTime(EncodeDate(2026, 3, 14));
+    EXPECT_NEAR(PointsTo(*gauge, "LittleHand"), 180, Near);
+    gauge->InitializeGauge();
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 28);
+    gauge->SetMax(std::numeric_limits<float>::max());
+    gauge->SetValue(Infinite);
+    gauge->SetTime(EncodeDate(2026, 3, 31));
+    EXPECT_NEAR(std::remainder(PointsTo(*gauge, "LittleHand"), 360), 0, Near);
+}
+
+TEST(AnalogCalendar, DayOfYearKeepsTheYear) {
+    const auto gauge = TVZAnalogCalendar::Create();
+    gauge->SetTime(EncodeDate(2026, 3, 15) + 0.5);
+    EXPECT_EQ(gauge->GetDayOfYear(), 74);
+    TNotices notices(*gauge);
+    gauge->SetDayOfYear(400);
+    EXPECT_EQ(gauge->GetTime().Days, EncodeDate(2026, 12, 31).Days);
+    EXPECT_EQ(notices.TakeChanges(), 1);
+    gauge->SetDayOfYear(0);
+    EXPECT_EQ(gauge->GetTime().Days, EncodeDate(2026, 1, 1).Days);
+    EXPECT_EQ(notices.TakeChanges(), 1);
+    gauge->SetDayOfYear(1);
+    EXPECT_EQ(notices.TakeChanges(), 0);
+    gauge->SetTime(EncodeDate(2024, 6, 1));
+    gauge->SetDayOfYear(366);
+    EXPECT_EQ(gauge->GetTime().Days, EncodeDate(2024, 12, 31).Days);
+    EXPECT_FALSE(gauge->IsDayOfYearStored());
+}
+
+} // namespace
+} // namespace Vz::Test

@@ -1,0 +1,247 @@
+// What holds for every published property of every registered class.
+
+#include "controls/HeadlessHost.h"
+#include "package/Package.h"
+#include "runtime/AtomicFile.h"
+#include "runtime/ClassRegistry.h"
+#include "runtime/FormFile.h"
+#include "runtime/PropAccess.h"
+#include "runtime/PropText.h"
+#include "runtime/Strings.h"
+#include "svg/VZSVGControl.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <random>
+#include <set>
+
+namespace Vz::Test {
+namespace {
+
+constexpr const char* NamesFile = TAVRO_TESTS_DIR "/unit/instruments/published.txt";
+
+std::span<const TClassEntry> Classes() {
+    RegisterComponentClasses();
+    return GetClasses();
+}
+
+/// The text of every property that has one.
+std::map<std::string, std::string> TextsOf(TComponent& component) {
+    std::map<std::string, std::string> texts;
+    for (const TNamedProp& prop : ListProps(component))
+        if (prop.Ref.Prop->Type.Kind != TValueKind::Event && prop.Ref.Prop->Type.Kind != TValueKind::Object)
+            texts[prop.Path] = GetPropText(prop.Ref);
+    return texts;
+}
+
+std::string FloatSample(double value) { return FloatToText(value == 0 ? 0.25f : float(value * 0.75)); }
+
+/// A text that the property takes and that is not its present one.
+std::string SampleFor(const TNamedProp& prop) {
+    const TProp& row = *prop.Ref.Prop;
+    const std::string now = GetPropText(prop.Ref);
+    switch (row.Type.Kind) {
+    case TValueKind::Boolean:
+        return now == "true" ? "false" : "true";
+    case TValueKind::Integer:
+        return std::to_string(std::stoll(now) + 1);
+    case TValueKind::Single:
+    case TValueKind::Double:
+        return FloatSample(AsDouble(row.Get(*prop.Ref.Object)));
+    case TValueKind::Color:
+        return now == "0xFF2468AC" ? "0xFF135790" : "0xFF2468AC";
+    case TValueKind::Enumeration: {
+        const auto members = row.Type.Members->Members;
+        const int ordinal = AsEnum(row.Get(*prop.Ref.Object), *row.Type.Members);
+        return std::string(members[(ordinal + 1) % int(members.size())]);
+    }
+    case TValueKind::Set:
+        return now == "[]" ? '[' + std::string(row.Type.Members->Members[0]) + ']' : "[]";
+    case TValueKind::DateTime:
+        return "2026-03-15T15:30:45";
+    case TValueKind::Strings:
+        return "One\\nTwo's";
+    case TValueKind::TextObject:
+        return row.Name == "Transform" ? "matrix(1 0 0 1 3 4)" : "M1 2L3 4 5 0Z";
+    default:
+        return row.Name == "FormatStr" ? "0.00" : "It's \xC3\xA4 text";
+    }
+}
+
+bool CanBeSet(const TNamedProp& prop) {
+    const TValueKind kind = prop.Ref.Prop->Type.Kind;
+    return kind != TValueKind::Event && kind != TValueKind::Object && prop.Path != "Name";
+}
+
+/// Calls `test(component, property)` with a fresh component for every property that can be set.
+template <class F> void ForEachProp(F test) {
+    for (const TClassEntry& entry : Classes()) {
+        const auto model = entry.Create();
+        for (const TNamedProp& named : ListProps(*model)) {
+            if (!CanBeSet(named)) continue;
+            SCOPED_TRACE(std::string(entry.Name) + '.' + named.Path);
+            const auto component = entry.Create();
+            test(*component, TNamedProp{named.Path, ResolveProp(*component, named.Path)});
+        }
+    }
+}
+
+TEST(Registry, PublishedNames) {
+    std::string text = "# Every published property, one a line; a renamed or lost one shows here.\n"
+                       "# TAVRO_UPDATE=1 test_instruments --file=registry_test writes this file anew.\n";
+    for (const TClassEntry& entry : Classes()) {
+        const auto component = entry.Create();
+        std::set<std::string_view> names;
+        for (const TProp& row : component->GetPropTable()) {
+            EXPECT_TRUE(names.insert(row.Name).second) << row.Name << " twice";
+            text += std::string(entry.Name) + '.' + std::string(row.Name) + ": " +
+                    std::string(row.Type.Name) + '\n';
+        }
+        for (const TProp& row : component->GetCommonProps())
+            EXPECT_FALSE(names.contains(row.Name)) << row.Name << " hides a common one";
+    }
+    if (std::getenv("TAVRO_UPDATE")) WriteFileAtomically(NamesFile, text);
+    EXPECT_EQ(text, ReadWholeFile(NamesFile, 1 << 20));
+}
+
+TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
+    ForEachProp([](TComponent&, const TNamedProp& prop) {
+        const TProp& row = *prop.Ref.Prop;
+        if (std::holds_alternative<std::monostate>(row.Default)) return;
+        EXPECT_EQ(ValueToText(row.Default), ValueToText(row.Get(*prop.Ref.Object)));
+        EXPECT_EQ(row.Default, row.Get(*prop.Ref.Object));
+    });
+}
+
+TEST(Registry, FreshComponentsStoreNothing) {
+    for (const TClassEntry& entry : Classes())
+        EXPECT_EQ(WriteForm(*entry.Create()), "object " + std::string(entry.Name) + "\nend\n");
+}
+
+TEST(Registry, ThereIsADeclaredDefaultOrAReason) {
+    ForEachProp([](TComponent&, const TNamedProp& prop) {
+        const TProp& row = *prop.Ref.Prop;
+        const bool hasDefault = !std::holds_alternative<std::monostate>(row.Default);
+        EXPECT_TRUE(hasDefault || row.Stored || row.Type.Kind == TValueKind::Strings);
+    });
+}
+
+TEST(Registry, EqualValuesDoNothing) {
+    ForEachProp([](TComponent& component, const TNamedProp& prop) {
+        auto& control = dynamic_cast<TControl&>(component);
+        // Some properties only take values that another one must make possible first.
+        for (const bool isFresh : {true, false}) {
+            if (!isFresh) SetPropText(component, prop.Path, SampleFor(prop));
+            const std::string now = GetPropText(prop.Ref);
+            int calls = 0;
+            control.SetOnInvalidate([&](TObject&) { ++calls; });
+            const auto* const svg = dynamic_cast<TVZSVGControl*>(&component);
+            const std::uint64_t epoch = svg ? svg->GetDocument().GetEpoch() : 0;
+            for (const TProp& row : component.GetPropTable())
+                if (row.Attach) row.Attach(component, [&] { ++calls; });
+            SetPropText(component, prop.Path, now);
+            EXPECT_EQ(calls, 0);
+            EXPECT_EQ(GetPropText(prop.Ref), now);
+            if (svg) EXPECT_EQ(svg->GetDocument().GetEpoch(), epoch);
+            for (const TProp& row : component.GetPropTable())
+                if (row.Attach) row.Attach(component, {});
+            control.SetOnInvalidate({});
+        }
+    });
+}
+
+TEST(Registry, SetStreamedAndReadBackAlike) {
+    ForEachProp([](TComponent& component, const TNamedProp& prop) {
+        const std::string before = GetPropText(prop.Ref);
+        SetPropText(component, prop.Path, SampleFor(prop));
+        EXPECT_NE(GetPropText(prop.Ref), before) << "the sample changes nothing";
+        const std::string form = WriteForm(component);
+        const auto copy = ReadForm(form);
+        EXPECT_EQ(TextsOf(*copy), TextsOf(component)) << form;
+        EXPECT_EQ(WriteForm(*copy), form);
+    });
+}
+
+TEST(Registry, AllPropertiesTogetherReadBackAlike) {
+    for (const TClassEntry& entry : Classes()) {
+        SCOPED_TRACE(entry.Name);
+        const auto component = entry.Create();
+        for (const TNamedProp& prop : ListProps(*component))
+            if (CanBeSet(prop) && prop.Ref.Prop->Name != "Decoration")
+                SetPropText(*component, prop.Path, SampleFor(prop));
+        const std::string form = WriteForm(*component);
+        const auto copy = ReadForm(form);
+        EXPECT_EQ(TextsOf(*copy), TextsOf(*component)) << form;
+    }
+}
+
+std::vector<std::uint32_t> Paint(TControl& control) {
+    THeadlessHost host(control);
+    const TPixels pixels = host.Paint().GetPixels();
+    std::vector<std::uint32_t> copy;
+    for (int y = 0; y < pixels.Height; ++y)
+        copy.insert(copy.end(), pixels.Row(y), pixels.Row(y) + pixels.Width);
+    return copy;
+}
+
+TEST(Registry, ColorsInAnyOrderGiveTheSamePicture) {
+    std::mt19937 random(5);
+    for (const TClassEntry& entry : Classes()) {
+        SCOPED_TRACE(entry.Name);
+        std::vector<std::pair<std::string, std::string>> edits;
+        const auto model = entry.Create();
+        for (const TProp& row : model->GetPropTable())
+            if (row.Type.Kind == TValueKind::Color)
+                edits.emplace_back(row.Name, ValueToText(TColorValue{random() | 0xFF000000u}));
+        std::vector<std::uint32_t> first;
+        for (int round = 0; round < 3; ++round) {
+            const auto component = entry.Create();
+            for (const auto& [name, text] : edits)
+                SetPropText(*component, name, text);
+            const auto picture = Paint(dynamic_cast<TControl&>(*component));
+            if (round == 0) first = picture;
+            EXPECT_TRUE(picture == first) << "round " << round;
+            std::shuffle(edits.begin(), edits.end(), random);
+        }
+    }
+}
+
+TEST(Registry, NumbersThatAreNoneLeaveFiniteValues) {
+    ForEachProp([](TComponent& component, const TNamedProp& prop) {
+        const TProp& row = *prop.Ref.Prop;
+        const bool isSingle = row.Type.Kind == TValueKind::Single;
+        if (!isSingle && row.Type.Kind != TValueKind::Double) return;
+        const TValue before = row.Get(*prop.Ref.Object);
+        const auto set = [&](double number) {
+            row.Set(*prop.Ref.Object, isSingle ? TValue(float(number)) : TValue(number));
+        };
+        set(std::numeric_limits<double>::quiet_NaN());
+        EXPECT_EQ(row.Get(*prop.Ref.Object), before);
+        for (const double number : {std::numeric_limits<double>::infinity(),
+                                    -std::numeric_limits<double>::infinity(), 3.4e38, -3.4e38, 1e-40}) {
+            set(number);
+            EXPECT_TRUE(std::isfinite(AsDouble(row.Get(*prop.Ref.Object)))) << number;
+        }
+        EXPECT_NO_THROW(Paint(dynamic_cast<TControl&>(component)));
+    });
+}
+
+TEST(Registry, ExtremeWholeNumbersAreHarmless) {
+    ForEachProp([](TComponent& component, const TNamedProp& prop) {
+        const TProp& row = *prop.Ref.Prop;
+        if (row.Type.Kind != TValueKind::Integer || FindProp(component, prop.Path) == nullptr) return;
+        for (const TProp& common : component.GetCommonProps())
+            if (common.Name == row.Name) return; // bounds of a picture that large are the host's affair
+        for (const std::int64_t number : {row.Type.Min, row.Type.Max}) {
+            row.Set(*prop.Ref.Object, TValue(number));
+            EXPECT_NO_THROW(Paint(dynamic_cast<TControl&>(component))) << number;
+        }
+    });
+}
+
+} // namespace
+} // namespace Vz::Test
