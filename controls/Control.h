@@ -3,7 +3,6 @@
 #include "controls/ControlPtr.h"
 #include "controls/Host.h"
 #include "controls/Mouse.h"
-#include "graphics/Canvas.h"
 #include "graphics/Region.h"
 #include "runtime/Component.h"
 #include "runtime/Events.h"
@@ -12,6 +11,8 @@
 #include <vector>
 
 namespace Vz {
+
+class TVZGPCanvas;
 
 /// A component with a place on a surface: bounds, a parent and children, visible, enabled, painted and
 /// clicked.

@@ -1,6 +1,7 @@
 #include "controls/HeadlessHost.h"
 
 #include "graphics/Canvas.h"
+#include "graphics/RasterDevice.h"
 #include "runtime/Exceptions.h"
 
 #include <algorithm>

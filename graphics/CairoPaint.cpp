@@ -212,6 +212,8 @@ bool SetStroke(cairo_t* context, const TStrokeStyle& style) {
     const double sum = std::accumulate(dashes.begin(), dashes.end(), 0.0);
     const bool isGood = std::all_of(dashes.begin(), dashes.end(), [](double dash) { return dash >= 0; });
     const bool isDashed = isGood && sum > 0 && std::isfinite(sum) && dashes.size() % 2 == 0;
+    // It paints dashes without length at corners, and joins those without gaps.
+    if (isDashed && std::find(dashes.begin(), dashes.end(), 0.0) != dashes.end()) return false;
     const double offset = isDashed && std::isfinite(style.DashOffset) ? std::fmod(style.DashOffset, sum) : 0;
     cairo_set_dash(context, dashes.data(), isDashed ? static_cast<int>(dashes.size()) : 0, offset);
     cairo_set_line_width(context, std::min(style.Width, CoordinateLimit));

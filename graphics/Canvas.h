@@ -1,7 +1,6 @@
 #pragma once
 
 #include "graphics/PaintDevice.h"
-#include "graphics/RasterDevice.h"
 
 #include <memory>
 

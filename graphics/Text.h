@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/Figures.h"
+#include "graphics/TextStyle.h"
 
 #include <cstdint>
 #include <span>
@@ -10,36 +11,21 @@
 
 namespace Vz {
 
-enum class TFontSlant : std::uint8_t { Normal, Italic, Oblique };
 enum class TTextDirection : std::uint8_t { LeftToRight, RightToLeft };
-
-/// How text is set: all that choosing a font and shaping need.
-struct TTextStyle {
-    std::string Family = "serif";  ///< a CSS family list; the last resort is the system's default
-    double Size = 16;              ///< height of the em, > 0
-    int Weight = 400;              ///< 1..1000
-    TFontSlant Slant = TFontSlant::Normal;
-    double Stretch = 100;          ///< width in per cent of normal, 50..200
-    bool SmallCaps = false;
-    bool Kerning = true;
-    bool Ligatures = true;         ///< letters that are spaced want none
-    std::string Language;          ///< BCP 47, may be empty
-    friend bool operator==(const TTextStyle&, const TTextStyle&) = default;
-};
 
 /// A stretch of the text in one style.
 struct TTextSpan {
-    std::size_t Begin = 0;  ///< byte offsets into the text, UTF-8
+    std::size_t Begin = 0; ///< byte offsets into the text, UTF-8
     std::size_t End = 0;
     const TTextStyle* Style = nullptr;
 };
 
 /// The least piece of text that cannot be set apart, with its outline.
 struct TCluster {
-    std::size_t Begin = 0;  ///< byte offsets into the text
+    std::size_t Begin = 0; ///< byte offsets into the text
     std::size_t End = 0;
-    std::size_t Span = 0;   ///< index of the span that it belongs to
-    double Advance = 0;     ///< along the line
+    std::size_t Span = 0; ///< index of the span that it belongs to
+    double Advance = 0;   ///< along the line
     bool RightToLeft = false;
     bool Connected = false; ///< joined to its neighbours by its script (Arabic and the like)
     TFigures Outline;       ///< y down, origin on the base line at the left of the advance
@@ -51,12 +37,12 @@ struct TFontMetrics {
     double Descent = 0;
     double XHeight = 0;
     double CapHeight = 0;
-    double UnderlinePosition = 0;   ///< of the line's middle, below the base line positive
+    double UnderlinePosition = 0; ///< of the line's middle, below the base line positive
     double UnderlineThickness = 0;
-    double StrikePosition = 0;      ///< of the line's middle, above the base line positive
+    double StrikePosition = 0; ///< of the line's middle, above the base line positive
     double StrikeThickness = 0;
-    double SubscriptDrop = 0;       ///< of a subscript's base line, below the base line positive
-    double SuperscriptRise = 0;     ///< of a superscript's base line, above the base line positive
+    double SubscriptDrop = 0;   ///< of a subscript's base line, below the base line positive
+    double SuperscriptRise = 0; ///< of a superscript's base line, above the base line positive
 };
 
 /// Shapes one line of text: bidirectional order, fonts with fallback, glyphs. The clusters come in visual
@@ -66,7 +52,8 @@ struct TFontMetrics {
 /// covers take part in the order but are left out. A size that is not finite or not above 0 gives empty
 /// outlines and advances of 0; one beyond 1e9 counts as 1e9. Neighbouring spans in the same style kern and
 /// join over the seam, but no ligature is made of letters of two spans. Can be called from any thread.
-std::vector<TCluster> ShapeText(std::string_view text, std::span<const TTextSpan> spans, TTextDirection direction);
+std::vector<TCluster> ShapeText(std::string_view text, std::span<const TTextSpan> spans,
+                                TTextDirection direction);
 
 /// All 0 for a size that is not finite or not above 0.
 TFontMetrics GetFontMetrics(const TTextStyle& style);

@@ -95,7 +95,8 @@ public:
     void DrawBefore(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
     void DrawAfter(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
     /// False where the three parts would not make the whole: an ancestor of the element is laid down as one
-    /// (opacity, mask, clip, filter, blending), or the element is drawn only through references.
+    /// (opacity, mask, clip, filter, blending), another element blends with what lies under it, or the
+    /// element is drawn only through references.
     bool CanDrawInParts(const TSVGGraphicElement& element) const;
     /// Device pixels that DrawElement may touch.
     TRectD GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const;
@@ -131,6 +132,8 @@ private:
     void Notify(const TSVGChange& change);
     void DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
                   const TSVGGraphicElement& element) const;
+    /// All elements with a blend mode of their own.
+    const std::vector<const TSVGElement*>& BlendingElements() const;
     void AddDiagnostic(std::string text);
     /// Takes over the content of another document, which is empty afterwards.
     void TakeContent(TSVGDocument& other);
@@ -141,6 +144,8 @@ private:
     bool FPending = false;
     TSVGChange FPendingChange{};
     std::uint64_t FEpoch = 1;
+    mutable std::vector<const TSVGElement*> FBlending; ///< of the epoch FBlendingEpoch
+    mutable std::uint64_t FBlendingEpoch = 0;
     TSVGPreserveAspectRatio FPlacement;
     TSVGPreserveAspectRatio FViewPlacement;
     TAffine FDrawMatrix;

@@ -101,6 +101,18 @@ private:
 
 } // namespace
 
+namespace {
+
+/// True where the element itself sets one of the properties that make a layer to something that does.
+bool IsInForce(const TSVGElement& element, TSVGStyleProperty property) {
+    const TStyleValue* const value = element.GetStyle().Find(property);
+    if (!value || value->Kind == TStyleValue::TKind::NoPaint) return false;
+    return value->Kind != TStyleValue::TKind::Keyword ||
+           (value->Word != TKeyword::Normal && value->Word != TKeyword::Auto);
+}
+
+} // namespace
+
 void TSVGDocument::Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const {
     auto& self = const_cast<TSVGDocument&>(*this);
     const TMatrix shown = matrix.ToMatrix();
@@ -135,6 +147,11 @@ void TSVGDocument::DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine&
 
 bool TSVGDocument::CanDrawInParts(const TSVGGraphicElement& element) const {
     if (&element.GetDocument() != this || !element.GetParent()) return false;
+    // What blends with all that was painted before it cannot be painted on its own.
+    const auto blendsOutside = [&](const TSVGElement* blending) {
+        return blending != &element && !blending->HasAncestor(&element);
+    };
+    if (std::ranges::any_of(BlendingElements(), blendsOutside)) return false;
     for (const TSVGElement* at = element.GetParent(); at; at = at->GetParent()) {
         const auto* const group = dynamic_cast<const TSVGGraphicElement*>(at);
         const TSVGTag tag = at->GetTag();
@@ -142,15 +159,25 @@ bool TSVGDocument::CanDrawInParts(const TSVGGraphicElement& element) const {
             tag == TSVGTag::G || tag == TSVGTag::A || tag == TSVGTag::Switch || at == this;
         if (!group || !isContainer || group->GetOpacity() < 1) return false;
         // Only properties that the element sets itself make a layer: none of them is inherited.
-        const TSVGStyleSet& own = at->GetStyle();
         for (const auto property :
              {TSVGStyleProperty::ClipPath, TSVGStyleProperty::Mask, TSVGStyleProperty::Filter,
               TSVGStyleProperty::MixBlendMode, TSVGStyleProperty::Isolation})
-            if (const TStyleValue* const value = own.Find(property);
-                value && value->Kind != TStyleValue::TKind::NoPaint)
-                return false;
+            if (IsInForce(*at, property)) return false;
     }
     return true;
+}
+
+const std::vector<const TSVGElement*>& TSVGDocument::BlendingElements() const {
+    if (FBlendingEpoch == FEpoch) return FBlending;
+    FBlending.clear();
+    FBlendingEpoch = FEpoch;
+    const auto collect = [this](const TSVGElement& element, auto&& self) -> void {
+        if (IsInForce(element, TSVGStyleProperty::MixBlendMode)) FBlending.push_back(&element);
+        for (const auto& child : element.Children())
+            self(*child, self);
+    };
+    collect(*this, collect);
+    return FBlending;
 }
 
 TRectD TSVGDocument::GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const {

@@ -185,7 +185,7 @@ TVZGPColor TSVGGradientStop::GetStopColor() const {
 
 std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLengthBasis& basis,
                                                     double opacity, bool enabled) const {
-    const std::vector<TRampStop> stops = MakeStops(enabled);
+    std::vector<TRampStop> stops = MakeStops(enabled);
     if (stops.empty()) return {};
     const auto solid = [&](TVZGPColor color) {
         TPaint paint;
@@ -226,6 +226,13 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
         paint.FocusRadius = length(TPart::FR, {});
         if (paint.Radius < 0 || paint.FocusRadius < 0) return {};
         if (paint.Radius == 0) return solid(stops.back().Color);
+        if (paint.FocusRadius >= paint.Radius) {
+            // What a cone of no depth paints is left open (SVG 2, 14.2.3.1): the first colour inside, the last around.
+            paint.FocusRadius = 0;
+            paint.Focus = paint.Center;
+            paint.Spread = TSpread::Pad;
+            stops = {{1, stops.front().Color}, {1, stops.back().Color}};
+        }
     }
     paint.Ramp = std::make_shared<const TGradientRamp>(stops, opacity);
     return paint;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "graphics/Figures.h"
-#include "graphics/PaintDevice.h"
-#include "graphics/Text.h"
+#include "graphics/TextStyle.h"
 #include "svg/Keywords.h"
 #include "svg/StyleProps.h"
 

@@ -239,8 +239,17 @@ TMeasure MeasureOf(const TPixels& a, const TPixels& b) {
     return measure;
 }
 
+/// Cases in which cairo's picture is known to be another one, and why.
+constexpr std::pair<std::string_view, std::string_view> Exceptions[] = {
+    {"painting/stroke/control-points-clamping-1", "cairo rounds the outside of a curve's sharpest bend"},
+    {"painting/marker/no-stroke-on-target", "cairo cuts a pixel once where a clip and a shape share an edge within it"},
+};
+
 TEST(Devices, DrawAlike) {
     ForCases([](TCase& item, std::vector<std::string>& faults) {
+        if (std::ranges::find(Exceptions, item.Name, &std::pair<std::string_view, std::string_view>::first) !=
+            std::end(Exceptions))
+            return;
         const TBitmap raster = DrawnWhole(item, *item.Document);
         const TBitmap vector = Blank(item);
         TVectorDevice device(vector->GetPixels());

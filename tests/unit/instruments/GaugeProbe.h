@@ -69,7 +69,8 @@ inline double FontSizeOf(const TVZSVGControl& control, std::string_view id) {
     return ElementOf(control, id).GetComputedStyle().Text->Font.Size;
 }
 
-/// Where a hand points, in degrees from 0 up to 360, read back from its matrix; a hand at rest points to nine o'clock.
+/// Where a hand points, in degrees from 0 up to 360, read back from its matrix; a hand at rest points to nine
+/// o'clock.
 inline double PointsTo(const TVZSVGControl& control, std::string_view id) {
     const TMatrix m = ElementOf(control, id).GetMatrix();
     const double turned = std::atan2(double(m.M12), double(m.M11)) * 180 / std::numbers::pi;

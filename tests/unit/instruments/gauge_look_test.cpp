@@ -29,7 +29,8 @@ const std::map<std::string, TParts> NeededParts{
 };
 
 constexpr std::string_view LitElements[] = {
-    "FrameBackfaceShadow", "DialLight", "GlassGroup", "KnobHighlight", "BoltShadow", "AttachmentFaceHighlight",
+    "FrameBackfaceShadow", "DialLight",  "GlassGroup",
+    "KnobHighlight",       "BoltShadow", "AttachmentFaceHighlight",
 };
 
 struct TBevel {

@@ -37,10 +37,6 @@ inline constexpr std::string_view DialSvg = R"svg(<svg xmlns="http://www.w3.org/
   <g id="Veil" opacity="0.5"><rect id="Glass" x="30" y="30" width="40" height="20" fill="#fff" fill-opacity="0.4"/></g>
 </svg>)svg";
 
-inline TPixels PixelsOf(const TVZGPBitmap& picture) {
-    return picture.GetPixels();
-}
-
 inline std::vector<std::uint32_t> CopyOf(const TVZGPBitmap& picture) {
     const TPixels pixels = picture.GetPixels();
     std::vector<std::uint32_t> copy;

@@ -2,6 +2,7 @@
 
 #include "ControlScene.h"
 #include "controls/Form.h"
+#include "graphics/RasterDevice.h"
 #include "svg/Servers.h"
 
 #include <gtest/gtest.h>

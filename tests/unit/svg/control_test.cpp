@@ -3,6 +3,7 @@
 #include "ControlScene.h"
 #include "controls/Form.h"
 #include "controls/Palette.h"
+#include "graphics/RasterDevice.h"
 #include "graphics/VectorDevice.h"
 #include "runtime/Resources.h"
 

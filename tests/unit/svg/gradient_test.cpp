@@ -190,11 +190,23 @@ TEST(RadialGradient, HasAFocus) {
     EXPECT_NEAR(GreyAt(drawing, 20, 50), 121, 3) << "9.5 of 20";
 }
 
-TEST(RadialGradient, MovesAFocusOutsideOntoTheCircle) {
-    const TDrawing out = Drawn(*Filled(Radial("gradientUnits='userSpaceOnUse' cx='50' cy='50' r='40' fx='-300' fy='50'")));
-    const TDrawing on = Drawn(*Filled(Radial("gradientUnits='userSpaceOnUse' cx='50' cy='50' r='40' fx='10' fy='50'")));
-    EXPECT_LE(GreatestDifference(out, on), 2);
-    EXPECT_NEAR(GreyAt(on, 50, 50), 129, 3) << "40.5 of 80";
+TEST(RadialGradient, MakesAConeOfAFocusOutside) {
+    // The cone from (-300, 50) about the circle of radius 40 at 50: it opens by 40 in 350.
+    const TDrawing drawing =
+        Drawn(*Filled(Radial("gradientUnits='userSpaceOnUse' cx='50' cy='50' r='40' fx='-300' fy='50'")));
+    EXPECT_NEAR(GreyAt(drawing, 0, 50), 247, 2) << "300.5 of 310 on the axis";
+    EXPECT_EQ(drawing.At(50, 50), 0xFFFFFFFFu) << "beyond the circle's near side";
+    EXPECT_EQ(drawing.At(0, 20), drawing.At(0, 79)) << "as high above the axis as below";
+    EXPECT_NE(drawing.At(0, 20), 0u);
+    EXPECT_EQ(drawing.At(0, 10), 0u) << "outside of the cone, 34.5 high here";
+    EXPECT_EQ(drawing.At(99, 2), 0u);
+}
+
+TEST(RadialGradient, OfNoDepthIsAStep) {
+    const TDrawing drawing = Drawn(*Filled(Radial("r='.3' fr='.3'")));
+    EXPECT_EQ(drawing.At(50, 50), 0xFF000000u);
+    EXPECT_EQ(drawing.At(50, 25), 0xFF000000u);
+    EXPECT_EQ(drawing.At(50, 15), 0xFFFFFFFFu);
 }
 
 TEST(RadialGradient, FocusFollowsTheCentreWhereNotGiven) {

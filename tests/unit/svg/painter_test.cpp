@@ -209,7 +209,9 @@ TEST(Painter, SaysWhereThePartsAreNotTheWhole) {
     EXPECT_FALSE(can("<g clip-path='url(#c)'><g><rect id='r'/></g></g>"));
     EXPECT_FALSE(can("<g mask='url(#c)'><rect id='r'/></g>"));
     EXPECT_FALSE(can("<g style='mix-blend-mode:multiply'><rect id='r'/></g>"));
-    EXPECT_TRUE(can("<g mask='none'><rect id='r'/></g>"));
+    EXPECT_TRUE(can("<g mask='none' style='mix-blend-mode:normal;isolation:auto'><rect id='r'/></g>"));
+    EXPECT_FALSE(can("<rect id='r'/><rect style='mix-blend-mode:multiply'/>")) << "blends with what was cached apart";
+    EXPECT_TRUE(can("<g id='r' style='mix-blend-mode:screen'><rect style='mix-blend-mode:multiply'/></g>"));
     EXPECT_FALSE(can("<defs><rect id='r'/></defs>"));
     EXPECT_FALSE(can("<pattern><rect id='r'/></pattern>"));
     const auto document = LoadContent("<rect id='r'/>");
