@@ -152,7 +152,7 @@ TCairoSurface MakeSurface(const TPixels& pixels, double opacity) {
     TCairoSurface whole(cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(pixels.Data), CAIRO_FORMAT_ARGB32, pixels.Width, pixels.Height,
         static_cast<int>(pixels.Stride * static_cast<std::ptrdiff_t>(sizeof(std::uint32_t)))));
-    if (opacity >= 1) return whole;
+    // A copy in any case: a file's pictures are written when it is finished, and the pixels may be gone by then.
     TCairoSurface faint(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.Width, pixels.Height));
     const TCairoContext context(cairo_create(faint.get()));
     cairo_set_source_surface(context.get(), whole.get(), 0, 0);

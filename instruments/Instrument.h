@@ -76,31 +76,48 @@ public:
 
     // The steps that bring the artwork into line with the properties; each is one document update.
 
+    // Those with Do are what a class fills in; the others wrap them, mark the caches stale and invalidate.
+
+    /// Switches all that has a gradient to it, or to flat colours.
     virtual void DoEnableGradients(bool enable) {}
+    /// Rebuilds all that the instrument owns. The base's: UpdateDecoration, DoUpdateParts, DoUpdateDesign.
     virtual void DoInitializeGauge();
+    /// Shows or hides what the design decides.
     virtual void DoUpdateDesign() {}
+    /// Tints what shines with LightColor.
     virtual void DoUpdateLight() {}
+    /// Shows or hides the parts.
     virtual void DoUpdateParts() {}
+    /// Gives the decoration element the catalogue's path; none for dcNone and, which is meant, for dcCustom.
+    /// Repaints also where there is no such element.
     virtual void UpdateDecoration();
     virtual void UpdateDesign();
+    /// Runs DoInitializeGauge, unless a batch is open. Does not invalidate by itself.
     virtual void InitializeGauge();
-    /// Reads what the artwork itself defines into the fields.
+    /// Reads what the artwork itself defines into the fields: the base, the decoration's fill and stroke.
+    /// Runs after each load, before anything is written to the artwork.
     virtual void LoadSVGProperties();
     virtual void UpdateGradients();
     virtual void UpdateLight();
     /// Rewrites the numbers that the instrument shows.
     virtual void UpdateNumbers() {}
+    /// Nothing happens, and nothing is repainted, while the document is empty.
     virtual void UpdateParts();
-    /// The elements that the class looks for in an artwork.
+    /// The elements that the class looks for in an artwork, for tests and for designers of artworks.
     virtual std::span<const TArtworkRow> GetArtworkContract() const { return {}; }
+    /// Name of the embedded artwork.
     virtual std::string GetSVGResourceName() const { return {}; }
+    /// Paints the decoration in its colour, or not at all for 0x00000000. Nothing happens, and nothing is
+    /// repainted, where the artwork has no decoration element.
     virtual void UpdateDecorationFill();
     virtual void UpdateDecorationStroke();
+    /// Raises OnChange; what sets the instrument's main value calls it.
     void DoOnChange();
 
     // Properties that the concrete classes publish.
 
-    /// Default sdDetailed. A change runs UpdateDesign.
+    /// With decorative detail, or plain; what that hides is the class's. Default sdDetailed. A change runs
+    /// UpdateDesign.
     TSVGDesign GetDesign() const { return FDesign; }
     void SetDesign(TSVGDesign value);
     /// The emblem; the default is the class's. A change runs UpdateDecoration.
@@ -112,15 +129,19 @@ public:
     const TVZPathData* GetDecorationPath() const;
     void SetDecorationPath(const TVZPathData& value);
     bool IsDecorationPathStored() const { return FDecoration == TDecoration::dcCustom; }
-    /// 0x00000000 switches the fill (the stroke) off. The artwork's own until set.
+    /// Fill of the decoration, 0xAARRGGBB; 0x00000000 switches it off. Default: the artwork's own, until it
+    /// is set.
     TVZGPColor GetDecorationFillColor() const { return FDecorationFillColor; }
     void SetDecorationFillColor(TVZGPColor value);
+    /// Outline of the decoration, 0xAARRGGBB; 0x00000000 switches it off. Default: the artwork's own, until
+    /// it is set.
     TVZGPColor GetDecorationStrokeColor() const { return FDecorationStrokeColor; }
     void SetDecorationStrokeColor(TVZGPColor value);
-    /// False: flat colours in place of gradients. Default true.
+    /// False: flat colours in place of gradients. Default true. A change runs UpdateGradients.
     bool GetEnableGradients() const { return FEnableGradients; }
     void SetEnableGradients(bool value);
-    /// What tints highlights (and, inverted, shadows). Default 0xFFFFFFFF.
+    /// What tints highlights and, less its grey (see GetShadowColor), shadows; 0xAARRGGBB. Default
+    /// 0xFFFFFFFF. A change runs UpdateLight.
     TVZGPColor GetLightColor() const { return FLightColor; }
     void SetLightColor(TVZGPColor value);
     /// The picture of numbers (see FormatFloat), under US settings whatever the user's. Default "0.#". A

@@ -23,6 +23,29 @@ ABILITIES = [
     ('Transform', DIAL, ['--set', f'Transform=matrix(0.82 0.26 -0.3 0.7 {TILE / 4} {TILE / 12})']),
     ('48 pixels', DIAL, ['--size', '48x48']),
 ]
+# Instruments with values that show what they are, and looks that they all have.
+INSTRUMENTS = [
+    ('Speedometer', 'TVZSpeedometer', ['--set', 'Value=87']),
+    ('Altimeter', 'TVZCircularAltimeter', ['--set', 'Value=12345']),
+    ('Barometer', 'TVZCircularBarometer', ['--set', 'Value=1013']),
+    ('Fuel gauge', 'TVZCircularFuelGauge', ['--set', 'Value=62']),
+    ('Circular speedometer', 'TVZCircularSpeedometer', ['--set', 'Value=74']),
+    ('Circular clock', 'TVZCircularClock', ['--set', 'Time=10:08:36']),
+    ('Analog calendar', 'TVZAnalogCalendar', ['--set', 'Time=2026-03-15']),
+]
+LOOKS = [
+    ('simple design', 'TVZSpeedometer', ['--set', 'Value=87', '--set', 'Design=sdSimple']),
+    ('gradients off', 'TVZSpeedometer', ['--set', 'Value=87', '--set', 'EnableGradients=false']),
+    ('own colours', 'TVZSpeedometer', ['--set', 'Value=87', '--set', 'FrameColor=0xFF274C77',
+                                      '--set', 'BackfaceColor=0xFF102A43', '--set', 'NeedleFillColor=0xFFFF7043']),
+    ('simple barometer', 'TVZCircularBarometer', ['--set', 'Value=1013', '--set', 'Design=sdSimple']),
+    ('white dial', 'TVZCircularClock', ['--set', 'Time=10:08:36', '--set', 'BackfaceColor=0xFFF7F4EA',
+                                       '--set', 'LabelsFillColor=0xFF22262B', '--set', 'LabelsStrokeColor=0x00000000',
+                                       '--set', 'MajorMarkersColor=0xFF22262B', '--set', 'MinorMarkersColor=0xFF22262B',
+                                       '--set', 'BigHandColor=0xFF22262B', '--set', 'LittleHandColor=0xFF22262B',
+                                       '--set', 'ThinHandColor=0xFFC62828']),
+    ('disabled gauge', 'TVZCircularFuelGauge', ['--set', 'Value=62', '--set', 'Enabled=false']),
+]
 
 
 def title_of(path):
@@ -32,8 +55,9 @@ def title_of(path):
 def sections():
     """Heading, and the tiles under it as caption, source, arguments."""
     return [
+        ('Instruments', INSTRUMENTS),
+        ('Looks', LOOKS),
         ('Samples', [(title_of(path), path, []) for path in sorted(glob.glob('examples/svg/*.svg'))]),
-        ('Artworks', [(title_of(path), path, []) for path in sorted(glob.glob('resources/*.svg'))]),
         ('The control', ABILITIES),
     ]
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/PathRuler.h"
+#include "graphics/Text.h"
 #include "svg/TextLayout.h"
 
 #include <cstdint>

@@ -3,6 +3,8 @@
 #include "runtime/PropAccess.h"
 #include "runtime/PropText.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -18,18 +20,30 @@ struct TRow {
     bool IsStored = false;
 };
 
+void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow>& rows);
+
+/// The rows of an owned object's properties; true where one of them is stored, and so the object.
+bool AppendParts(TPersistent& owned, const std::string& prefix, std::vector<TRow>& rows) {
+    const auto first = std::ssize(rows);
+    AppendRows(owned, prefix, rows);
+    return std::any_of(rows.begin() + first, rows.end(), [](const TRow& row) { return row.IsStored; });
+}
+
 void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow>& rows) {
     for (const TProp& prop : object.GetPropTable()) {
+        const std::size_t index = rows.size();
         TRow& row = rows.emplace_back();
         row.Name = prefix + std::string(prop.Name);
         row.Type = prop.Type;
-        row.IsStored = IsPropStored(object, prop);
         if (prop.Default.index() != 0) row.Default = ValueToText(prop.Default);
-        if (prop.Type.Kind == TValueKind::Event) continue;
-        if (prop.Type.Kind != TValueKind::Object)
+        if (prop.Type.Kind == TValueKind::Object) {
+            TPersistent* const owned = prop.GetObject(object);
+            const bool isStored = owned && AppendParts(*owned, std::string(row.Name) + '.', rows);
+            rows[index].IsStored = isStored; // `row` may have moved
+        } else if (prop.Type.Kind != TValueKind::Event) {
+            row.IsStored = IsPropStored(object, prop);
             row.Value = GetPropText({&object, &prop});
-        else if (TPersistent* const owned = prop.GetObject(object))
-            AppendRows(*owned, std::string(row.Name) + '.', rows);
+        }
     }
 }
 

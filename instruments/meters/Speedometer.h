@@ -62,28 +62,37 @@ public:
     TSVGFont& GetFont() const { return *FFont; }
     void SetFont(const TSVGFont& value);
 
-    // Colours, 0xAARRGGBB. A stroke of 0x00000000 is not drawn. Defaults are those of the artwork.
+    // Colours, 0xAARRGGBB. A fresh one has the artwork's, which are the defaults named here. While gradients
+    // are off, frame, dial and knob are flat.
 
+    /// Of the frame, of which the artwork makes light and shade. Default 0xFF888A85.
     TVZGPColor GetFrameColor() const { return FFrameColor; }
     void SetFrameColor(TVZGPColor value);
+    /// Of the dial, of which the artwork makes light and shade. Default 0xFF555753.
     TVZGPColor GetBackfaceColor() const { return FBackfaceColor; }
     void SetBackfaceColor(TVZGPColor value);
-    /// Of major and minor markers.
+    /// Of major and minor markers. Default 0xFFFFFFFF.
     TVZGPColor GetMarkersFillColor() const { return FMarkersFillColor; }
     void SetMarkersFillColor(TVZGPColor value);
+    /// Outline of major and minor markers; 0x00000000: none. Default 0xFF000000.
     TVZGPColor GetMarkersStrokeColor() const { return FMarkersStrokeColor; }
     void SetMarkersStrokeColor(TVZGPColor value);
+    /// Of the numbers. Default 0xFFFFFFFF.
     TVZGPColor GetLabelsFillColor() const { return FLabelsFillColor; }
     void SetLabelsFillColor(TVZGPColor value);
+    /// Outline of the numbers; 0x00000000: none. Default 0xFF000000.
     TVZGPColor GetLabelsStrokeColor() const { return FLabelsStrokeColor; }
     void SetLabelsStrokeColor(TVZGPColor value);
+    /// Of the knob, of which the artwork makes light and shade. Default 0xFFFFFFFF.
     TVZGPColor GetKnobFillColor() const { return FKnobFillColor; }
     void SetKnobFillColor(TVZGPColor value);
+    /// Outline of the knob; 0x00000000: none. Default 0xFF000000.
     TVZGPColor GetKnobStrokeColor() const { return FKnobStrokeColor; }
     void SetKnobStrokeColor(TVZGPColor value);
-    /// In the detailed design the needle's ridge takes half its brightness.
+    /// Of the needle; in the detailed design its ridge takes half the brightness. Default 0xFFFFFFFF.
     TVZGPColor GetNeedleFillColor() const { return FNeedleFillColor; }
     void SetNeedleFillColor(TVZGPColor value);
+    /// Outline of the needle; 0x00000000: none. Default 0xFF000000.
     TVZGPColor GetNeedleStrokeColor() const { return FNeedleStrokeColor; }
     void SetNeedleStrokeColor(TVZGPColor value);
 

@@ -47,6 +47,16 @@ TEST_F(TCommandTest, DescribeAsJsonSaysTheSame) {
     EXPECT_EQ(Output({"describe", "TVZForm", "--json"}), "[]\n");
 }
 
+TEST_F(TCommandTest, OwnedObjectIsDescribedWithItsParts) {
+    const auto lines = Lines(Output({"describe", "TVZSpeedometer"}));
+    const auto font = std::ranges::find(lines, "Font\tTSVGFont\t\t-\t");
+    ASSERT_LT(std::ranges::distance(lines.begin(), font) + 1, std::ssize(lines));
+    EXPECT_THAT(*(font + 1), StartsWith("Font.Family\tstring\t"));
+    EXPECT_EQ(Output({"get", "TVZSpeedometer", "--set", "Font.Size=8", "Font.Size"}), "Font.Size=8\n");
+    EXPECT_THAT(Complaint({"get", "TVZSpeedometer", "--set", "Font.Size=big"}),
+                HasSubstr("Font.Size: 'big'"));
+}
+
 TEST_F(TCommandTest, EveryClassIsDescribedDrawnAndWritten) {
     for (const std::string& name : Lines(Output({"classes"}))) {
         Output({"describe", name});
