@@ -148,16 +148,19 @@ void SetPath(cairo_t* context, const TPolygons& polygons, const TAffine& matrix)
     }
 }
 
-TCairoSurface MakeSurface(const TPixels& pixels, double opacity) {
-    TCairoSurface whole(cairo_image_surface_create_for_data(
+TCairoSurface MakeSurface(const TPixels& pixels) {
+    return TCairoSurface(cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(pixels.Data), CAIRO_FORMAT_ARGB32, pixels.Width, pixels.Height,
         static_cast<int>(pixels.Stride * static_cast<std::ptrdiff_t>(sizeof(std::uint32_t)))));
-    // A copy in any case: a file's pictures are written when it is finished, and the pixels may be gone by then.
-    TCairoSurface faint(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.Width, pixels.Height));
-    const TCairoContext context(cairo_create(faint.get()));
-    cairo_set_source_surface(context.get(), whole.get(), 0, 0);
-    cairo_paint_with_alpha(context.get(), opacity > 0 ? opacity : 0);
-    return faint;
+}
+
+TCairoSurface MakePicture(const TPixels& pixels, double opacity) {
+    TCairoSurface picture(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.Width, pixels.Height));
+    const TCairoSurface surface = MakeSurface(pixels);
+    const TCairoContext context(cairo_create(picture.get()));
+    cairo_set_source_surface(context.get(), surface.get(), 0, 0);
+    cairo_paint_with_alpha(context.get(), opacity > 0 ? std::min(opacity, 1.0) : 0);
+    return picture;
 }
 
 cairo_filter_t FilterOf(TInterpolation mode) {
@@ -187,7 +190,7 @@ bool SetSource(cairo_t* context, const TPaint& paint, const TAffine& toDevice, T
     if (!map.IsInvertible()) return false;
     if (paint.Kind == TPaint::TKind::Image) {
         if (!paint.Image || paint.Image->GetWidth() == 0 || paint.Image->GetHeight() == 0) return false;
-        const TCairoSurface surface = MakeSurface(paint.Image->GetPixels(), paint.Opacity);
+        const TCairoSurface surface = MakePicture(paint.Image->GetPixels(), paint.Opacity);
         const TCairoPattern pattern(cairo_pattern_create_for_surface(surface.get()));
         cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_REPEAT);
         cairo_pattern_set_filter(pattern.get(), FilterOf(paint.Interpolation));

@@ -23,8 +23,11 @@ void SetPath(cairo_t* context, const TFigures& figures, const TAffine& matrix);
 /// Replaces the context's path by the polygons under a matrix.
 void SetPath(cairo_t* context, const TPolygons& polygons, const TAffine& matrix);
 
-/// A surface that looks at the pixels, or has its own copy of them with some opacity below 1.
-TCairoSurface MakeSurface(const TPixels& pixels, double opacity);
+/// A surface that draws on the pixels.
+TCairoSurface MakeSurface(const TPixels& pixels);
+/// A copy of the pixels, their opacity lowered: a file's pictures are written when it is finished, when the pixels may
+/// be gone.
+TCairoSurface MakePicture(const TPixels& pixels, double opacity);
 cairo_filter_t FilterOf(TInterpolation mode);
 /// The operator that lays a layer down in this way.
 cairo_operator_t OperatorOf(TBlendMode blend);

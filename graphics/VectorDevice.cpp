@@ -195,7 +195,7 @@ TVectorDevice::TVectorDevice(TFormat format, double width, double height)
 TVectorDevice::TVectorDevice(const TPixels& target)
     : FState(std::make_unique<TState>()) {
     FState->IsFile = false;
-    FState->Surface = MakeSurface(target, 1);
+    FState->Surface = MakeSurface(target);
     FState->Start();
 }
 
@@ -219,7 +219,7 @@ void TVectorDevice::DrawImage(const TPixels& image, const TAffine& toDevice, dou
     if (TPiece* const piece = FState->Piece())
         return piece->Device->DrawImage(image, toDevice.Then(piece->FromDevice()), opacity, mode);
     cairo_t* const context = FState->Cairo();
-    const TCairoSurface surface = MakeSurface(image, opacity);
+    const TCairoSurface surface = MakePicture(image, opacity);
     const TCairoPattern pattern(cairo_pattern_create_for_surface(surface.get()));
     const cairo_matrix_t matrix = ToCairo(toDevice.Inverse());
     cairo_pattern_set_matrix(pattern.get(), &matrix);
