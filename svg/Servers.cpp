@@ -226,7 +226,7 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
         paint.FocusRadius = length(TPart::FR, {});
         if (paint.Radius < 0 || paint.FocusRadius < 0) return {};
         if (paint.Radius == 0) return solid(stops.back().Color);
-        if (paint.FocusRadius >= paint.Radius) {
+        if (paint.FocusRadius == paint.Radius) {
             // What a cone of no depth paints is left open (SVG 2, 14.2.3.1): the first colour inside, the last around.
             paint.FocusRadius = 0;
             paint.Focus = paint.Center;
