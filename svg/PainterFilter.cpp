@@ -409,9 +409,10 @@ void TSVGPainter::TFilterJob::Show(const TFilterImage& image) {
         Painter.FDevice.PushClip({&clip, 1});
     }
     Painter.FCurrent = Inner.Use ? Inner.Use : &Element;
-    Painter.FDevice.DrawImage(bitmap.GetPixels(),
-                              TAffine::Translation(box.Left, box.Top).Then(GridToDevice()), 1,
-                              TInterpolation::Bicubic);
+    // What was computed coarser has no detail that is worth the dearer way.
+    const TInterpolation mode = Detail < 1 ? TInterpolation::Bilinear : TInterpolation::Bicubic;
+    const TAffine toDevice = TAffine::Translation(box.Left, box.Top).Then(GridToDevice());
+    Painter.FDevice.DrawImage(bitmap.GetPixels(), toDevice, 1, mode);
     if (clipped) Painter.FDevice.PopClip();
 }
 

@@ -11,4 +11,6 @@ void FixEnvironment() {
     setenv("TZ", "UTC", 1);
 }
 
+const char* TestsFolder() { return TAVRO_TESTS_DIR; }
+
 } // namespace Vz::Test

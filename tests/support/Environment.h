@@ -6,4 +6,7 @@ namespace Vz::Test {
 /// zone. Called first by every program of the tests.
 void FixEnvironment();
 
+/// The folder of the tests, without a separator at its end.
+const char* TestsFolder();
+
 } // namespace Vz::Test

@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 
 constexpr int DefaultLimit = 2;
 constexpr std::uintmax_t MaxFile = 64 << 20;
-const fs::path Folder = TAVRO_TESTS_DIR "/golden";
+const fs::path Folder = fs::path(TestsFolder()) / "golden";
 const fs::path FailureFolder = TAVRO_GOLDEN_OUTPUT;
 
 struct TOptions {

@@ -2,6 +2,8 @@
 
 #include "runtime/Exceptions.h"
 
+#include "tests/support/Environment.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +19,7 @@ namespace {
 
 using namespace Vz;
 
-const std::filesystem::path FontFolder = std::filesystem::path(__FILE__).parent_path() / "../../fonts";
+const std::filesystem::path FontFolder = std::filesystem::path(Test::TestsFolder()) / "fonts";
 constexpr double Digit = 0.572; // advance of each digit of the tests' font, in em
 constexpr double NoGlyph = 0.6; // of the box for what it lacks
 

@@ -10,6 +10,8 @@
 #include "runtime/Strings.h"
 #include "svg/VZSVGControl.h"
 
+#include "tests/support/Environment.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -22,7 +24,7 @@
 namespace Vz::Test {
 namespace {
 
-constexpr const char* NamesFile = TAVRO_TESTS_DIR "/unit/instruments/published.txt";
+const std::string NamesFile = std::string(TestsFolder()) + "/unit/instruments/published.txt";
 
 std::span<const TClassEntry> Classes() {
     RegisterComponentClasses();
