@@ -1,7 +1,6 @@
 #include "instruments/ArtworkCheck.h"
 
 #include "instruments/Instrument.h"
-#include "runtime/Exceptions.h"
 
 #include <algorithm>
 #include <cctype>
@@ -31,6 +30,14 @@ std::size_t FindId(std::string_view svg, std::string_view id) {
     return svg.npos;
 }
 
+/// Where the root's tag begins: the first that is neither a declaration nor a comment.
+std::size_t FindRoot(std::string_view svg) {
+    std::size_t at = svg.find('<');
+    while (at + 1 < svg.size() && (svg[at + 1] == '?' || svg[at + 1] == '!' || IsInComment(svg, at)))
+        at = svg.find('<', at + 1);
+    return at;
+}
+
 /// True for the first byte of a character in UTF-8.
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
 
@@ -45,7 +52,7 @@ public:
         for (const TArtworkRow& row : rows) {
             const TSVGElement* const element = FDocument.FindElement(row.Id);
             if (!element)
-                FFaults.push_back({0, 0, "there is no element " + Quoted(row.Id)});
+                NoteMissing(row);
             else if (const std::string wish = Mismatch(row, *element); !wish.empty())
                 Note(row.Id, Quoted(row.Id) + " is a " + std::string(element->GetTagName()) +
                                  " and should be " + wish);
@@ -58,10 +65,19 @@ public:
     }
 
 private:
-    void Note(std::string_view id, std::string text) {
+    void NoteMissing(const TArtworkRow& row) {
+        const bool hasParent = !row.Parent.empty() && FDocument.FindElement(row.Parent);
+        std::string text = "there is no element " + Quoted(row.Id);
+        if (!row.Parent.empty()) text += ", which should lie in " + Quoted(row.Parent);
+        NoteAt(hasParent ? FindId(FSvg, row.Parent) : FindRoot(FSvg), std::move(text));
+    }
+
+    void Note(std::string_view id, std::string text) { NoteAt(FindId(FSvg, id), std::move(text)); }
+
+    void NoteAt(std::size_t at, std::string text) {
         TArtworkFault fault;
         fault.Text = std::move(text);
-        if (const std::size_t at = FindId(FSvg, id); at != FSvg.npos) {
+        if (at != FSvg.npos) {
             const std::string_view before = FSvg.substr(0, at);
             const std::string_view line = before.substr(before.rfind('\n') + 1);
             fault.Line = 1 + static_cast<int>(std::ranges::count(before, '\n'));
@@ -126,13 +142,10 @@ private:
 
 } // namespace
 
-std::vector<TArtworkFault> CheckArtwork(const TVZSVGCustomInstrument& instrument, std::string_view svg) {
+std::vector<TArtworkFault> CheckArtwork(const TVZSVGCustomInstrument& instrument, std::string_view svg,
+                                        const std::string& name) {
     TSVGDocument document;
-    try {
-        document.LoadFromText(svg, "artwork");
-    } catch (const EReadError& error) {
-        return {{error.GetPlace().Line, error.GetPlace().Column, error.GetReason()}};
-    }
+    document.LoadFromText(svg, name);
     return TArtworkCheck(document, svg).Run(instrument.GetArtworkContract());
 }
 

@@ -10,14 +10,16 @@ class TVZSVGCustomInstrument;
 
 /// Something that an artwork lacks or has wrong.
 struct TArtworkFault {
-    int Line = 0; ///< 1 first; 0: it has no place, as with an element that is missing
-    int Column = 0;
+    int Line = 1; ///< 1 first; of an element that is missing, where the one begins that should hold it
+    int Column = 1;
     std::string Text;
 };
 
 /// Holds an SVG text against what an instrument's class looks for in its artwork (GetArtworkContract), and
 /// gives the faults: those of the contract in its order, then what the reader skipped. Empty: the artwork
-/// serves. A text that is no SVG document is one fault with its place. The instrument stays as it is.
-std::vector<TArtworkFault> CheckArtwork(const TVZSVGCustomInstrument& instrument, std::string_view svg);
+/// serves. Raises EReadError, which names `name` and the place, for a text that is no SVG document. The
+/// instrument stays as it is.
+std::vector<TArtworkFault> CheckArtwork(const TVZSVGCustomInstrument& instrument, std::string_view svg,
+                                        const std::string& name = "artwork");
 
 } // namespace Vz

@@ -7,7 +7,11 @@
 #include "Source.h"
 #include "Trace.h"
 #include "UsageError.h"
+#include "instruments/ArtworkCheck.h"
+#include "instruments/Instrument.h"
+#include "runtime/AtomicFile.h"
 #include "runtime/ClassRegistry.h"
+#include "runtime/Exceptions.h"
 #include "runtime/FormFile.h"
 #include "runtime/PropAccess.h"
 #include "svg/Document.h"
@@ -74,6 +78,26 @@ void RunGet(const TRequest& request) {
 
 void RunTrace(const TRequest& request) { Trace(request, TSource(request.Source)); }
 
+/// As a compiler names a fault, so that an editor finds its place.
+std::string TextOf(const TArtworkFault& fault, const std::string& file) {
+    return file + ':' + std::to_string(fault.Line) + ':' + std::to_string(fault.Column) + ": " + fault.Text +
+           '\n';
+}
+
+void RunCheck(const TRequest& request) {
+    const auto fresh = GetClass(request.Source).Create();
+    const auto* const instrument = dynamic_cast<const TVZSVGCustomInstrument*>(fresh.get());
+    if (!instrument) throw EInvalidOperation("a " + request.Source + " has no artwork of its own");
+    const std::string svg = ReadWholeFile(request.Artwork, TSVGDocument::MaxTextSize);
+    const auto faults = CheckArtwork(*instrument, svg, request.Artwork);
+    std::string text;
+    for (const TArtworkFault& fault : faults)
+        text += TextOf(fault, request.Artwork);
+    Print(text);
+    if (!faults.empty())
+        throw EReadError(request.Artwork + " does not serve as the artwork of a " + request.Source);
+}
+
 constexpr unsigned Edited = AcceptsSource | AcceptsEdits;
 
 constexpr TCommand Commands[] = {
@@ -89,6 +113,8 @@ constexpr TCommand Commands[] = {
     {"get", "SOURCE [edits] [NAME...]", "a NAME=VALUE line for each property named, or for all",
      Edited | AcceptsNames, RunGet},
     {"trace", "SOURCE [edits]", "each edit, and under it the events that it raised", Edited, RunTrace},
+    {"check", "CLASS FILE.svg", "what an artwork for the class lacks or has wrong, a line each",
+     AcceptsSource | NeedsArtwork, RunCheck},
 };
 
 } // namespace

@@ -156,6 +156,8 @@ const TOption& FindOption(const TCommand& command, std::string_view word) {
 void TakePlainWord(const TCommand& command, TRequest& request, std::string_view word) {
     if ((command.Accepts & AcceptsSource) && request.Source.empty() && !word.empty())
         request.Source = word;
+    else if ((command.Accepts & NeedsArtwork) && request.Artwork.empty() && !word.empty())
+        request.Artwork = word;
     else if (command.Accepts & AcceptsNames)
         request.Names.emplace_back(word);
     else
@@ -183,6 +185,8 @@ TRequest ParseRequest(const TCommand& command, const std::vector<std::string_vie
     if (!request.Help && (command.Accepts & AcceptsSource) && request.Source.empty())
         throw TUsageError(Quoted(command.Name) + " needs a " +
                           (command.Accepts & AcceptsEdits ? "SOURCE" : "CLASS"));
+    if (!request.Help && (command.Accepts & NeedsArtwork) && request.Artwork.empty())
+        throw TUsageError(Quoted(command.Name) + " needs a FILE");
     return request;
 }
 

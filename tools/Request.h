@@ -43,6 +43,7 @@ struct TRequest {
     TPictureOptions Picture;
     std::optional<std::string> Output; ///< `-` is standard output
     std::vector<std::string> Names;    ///< of properties
+    std::string Artwork;               ///< of `check`: the SVG file
     bool Json = false;
     bool Help = false;
 };
@@ -55,6 +56,7 @@ enum TAccepts : unsigned {
     AcceptsOutput = 8,
     AcceptsPicture = 16,
     AcceptsJson = 32,
+    NeedsArtwork = 64,
 };
 
 /// A command of the tool.

@@ -4,6 +4,7 @@
 #include "instruments/meters/Vz.Tavro.Speedometers.h"
 #include "package/Package.h"
 #include "runtime/ClassRegistry.h"
+#include "runtime/Exceptions.h"
 #include "runtime/Resources.h"
 
 #include <gtest/gtest.h>
@@ -59,8 +60,22 @@ TEST(ArtworkCheck, EachMissingElementIsNamed) {
         const std::string id(row.Id);
         const auto faults = Check(Replaced(Artwork(), " id=\"" + id + '"', ""));
         ASSERT_FALSE(faults.empty()) << id;
-        EXPECT_EQ(faults[0].Text, "there is no element \"" + id + '"');
-        EXPECT_EQ(faults[0].Line, 0);
+        const std::string parent(row.Parent);
+        EXPECT_EQ(faults[0].Text, "there is no element \"" + id + '"' +
+                                      (parent.empty() ? "" : ", which should lie in \"" + parent + '"'));
+        const TArtworkFault place = PlaceOf(Artwork(), parent.empty() ? "<svg" : "id=\"" + parent + '"');
+        EXPECT_EQ(faults[0].Line, place.Line);
+        EXPECT_EQ(faults[0].Column, place.Column);
+    }
+}
+
+TEST(ArtworkCheck, WhatIsMissingInAMissingGroupBelongsToTheRoot) {
+    const auto faults =
+        Check("<?xml version='1.0'?>\n<!-- <svg> -->\n <svg xmlns='http://www.w3.org/2000/svg'/>");
+    EXPECT_EQ(faults.size(), TVZSpeedometer::Create()->GetArtworkContract().size());
+    for (const TArtworkFault& fault : faults) {
+        EXPECT_EQ(fault.Line, 3) << fault.Text;
+        EXPECT_EQ(fault.Column, 2) << fault.Text;
     }
 }
 
@@ -116,12 +131,18 @@ TEST(ArtworkCheck, PlacesInTheTree) {
 }
 
 TEST(ArtworkCheck, BrokenTexts) {
-    auto faults = Check("<svg xmlns='http://www.w3.org/2000/svg'>\n  <g></svg>");
-    ASSERT_EQ(faults.size(), 1u);
-    EXPECT_EQ(faults[0].Line, 2);
-    EXPECT_NE(faults[0].Text, "");
-    EXPECT_EQ(Check("").size(), 1u);
-    faults = Check(Replaced(Artwork(), "cx=\"200\"", "cx=\"many\""));
+    const auto complaint = [](std::string_view svg) -> std::string {
+        try {
+            CheckArtwork(*TVZSpeedometer::Create(), svg, "new.svg");
+        } catch (const EReadError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_TRUE(complaint("<svg xmlns='http://www.w3.org/2000/svg'>\n  <g></svg>").starts_with("new.svg:2:"));
+    EXPECT_TRUE(complaint("").starts_with("new.svg"));
+    EXPECT_TRUE(complaint("<html/>").starts_with("new.svg:1:"));
+    const auto faults = Check(Replaced(Artwork(), "cx=\"200\"", "cx=\"many\""));
     ASSERT_EQ(faults.size(), 1u); // what the reader skips
     EXPECT_GT(faults[0].Line, 0);
 }
