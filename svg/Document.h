@@ -53,6 +53,8 @@ public:
     /// Replaces the content by a copy of another document's.
     void AssignContent(const TSVGDocument& source);
     /// The live document as SVG: ids kept, style properties as attributes, the same picture in other viewers.
+    /// For those that know no text on a path such text is followed, in a `switch`, by its outlines; these are
+    /// made anew whenever a document that has them is written again.
     std::string WriteText() const;
     void SaveToFile(const std::string& path) const;
     /// What the last load skipped, at most 200 notes.

@@ -25,7 +25,7 @@ def is_text(name):
 def all_files(root):
     for folder, folders, files in os.walk(root):
         folders[:] = sorted(set(folders) - SKIPPED_FOLDERS)
-        for file in sorted(files):
+        for file in sorted(set(files) - SKIPPED_FOLDERS):  # .git is a file in a further working tree
             if is_text(file) and 'corpus' not in folder:
                 yield os.path.join(folder, file)
 

@@ -174,5 +174,70 @@ INSTANTIATE_TEST_SUITE_P(
         "<g style='mix-blend-mode:multiply;isolation:isolate'><rect width='60' height='60' fill='#f80'/><rect x='20' y='20' width='60' "
         "height='60' fill='#08f' style='mix-blend-mode:screen' shape-rendering='crispEdges' vector-effect='non-scaling-stroke'/></g>"));
 
+constexpr const char* OnPaths = "<defs><path id='p' d='M0 20H90'/></defs>"
+                                "<g id='all' font-size='10' fill='#ff0000'>"
+                                "<text><textPath href='#p'>ab</textPath></text>"
+                                "<text transform='translate(0 20)' fill='#0000ff'><textPath href='#p'>c"
+                                "<tspan fill='#00ff00'>d</tspan></textPath></text></g>";
+
+/// How often a piece stands in a text.
+int Count(std::string_view text, std::string_view piece) {
+    int count = 0;
+    for (std::size_t at = text.find(piece); at != text.npos; at = text.find(piece, at + 1))
+        ++count;
+    return count;
+}
+
+TEST(Writer, TextOnAPathIsFollowedByItsOutlines) {
+    const std::string text = LoadContent(OnPaths)->WriteText();
+    EXPECT_THAT(text, HasSubstr("  <switch>\n    <g id=\"all\" requiredFeatures=\"http"));
+    EXPECT_THAT(text, HasSubstr("<text transform=\"matrix(1 0 0 1 0 20)\" fill=\"#0000ff\"><textPath "));
+    EXPECT_THAT(text, HasSubstr("    </g>\n    <g fill=\"#ff0000\" font-size=\"10\">\n      <path d=\"M"));
+    EXPECT_EQ(Count(text, "<path "), 1 + 3); // the line, and the outlines in their three colours
+    EXPECT_EQ(Count(text, " fill=\"#00ff00\"/>"), 1);
+    EXPECT_EQ(Count(text, "<path transform=\"matrix(1 0 0 1 0 20)\" d=\""), 2);
+    EXPECT_EQ(Count(text, "<switch>"), 1);
+}
+
+TEST(Writer, OutlinesAreThePictureOfTheText) {
+    const auto document = LoadContent(OnPaths);
+    const std::string text = document->WriteText();
+    const std::size_t begin = text.find("<g id=\"all\"");
+    const std::size_t end = text.find("</g>", begin);
+    const auto outlines = LoadText(text.substr(0, begin) + text.substr(end + 4));
+    const auto bounds = document->GetBounds();
+    const auto alike = outlines->GetBounds();
+    EXPECT_NEAR(alike.Right, bounds.Right, 1); // of the letters themselves, not of their advances
+    EXPECT_GT(alike.Right, bounds.Left);
+    const auto drawn = Drawn(*document);
+    EXPECT_TRUE(Drawn(*LoadText(text)) == drawn);
+    EXPECT_LE(GreatestDifference(Drawn(*outlines), drawn), 2);
+}
+
+TEST(Writer, OutlinesAreMadeAnew) {
+    const auto document = LoadContent(OnPaths);
+    const std::string text = document->WriteText();
+    const auto again = LoadText(text);
+    EXPECT_EQ(again->WriteText(), text);
+    dynamic_cast<TSVGCustomText&>(again->FindElement("all")->GetChild(0).GetChild(0)).SetText("xyz");
+    const std::string changed = again->WriteText();
+    EXPECT_NE(changed, text);
+    EXPECT_EQ(Count(changed, "<switch>"), 1);
+    EXPECT_EQ(Count(changed, "<path "), 1 + 3);
+}
+
+TEST(Writer, OnlyWhatIsDrawnInPlaceHasOutlines) {
+    const std::string line = "<path id='p' d='M0 20H90'/>";
+    const std::string words = "<text><textPath href='#p'>ab</textPath></text>";
+    for (const std::string& content :
+         {"<g display='none'>" + words + "</g>", "<defs><g>" + words + "</g></defs>",
+          "<clipPath id='c'>" + words + "</clipPath>", std::string("<text x='5' y='9'>ab</text>")})
+        EXPECT_THAT(LoadContent((line + content).c_str())->WriteText(), Not(HasSubstr("<switch>"))) << content;
+    // Beside other things a text stands for itself.
+    const std::string mixed = LoadContent((line + "<g><rect id='r'/>" + words + words + "</g>").c_str())->WriteText();
+    EXPECT_EQ(Count(mixed, "<switch>"), 2);
+    EXPECT_EQ(Count(mixed, "<path d="), 2);
+}
+
 } // namespace
 } // namespace Vz::Test
