@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -243,7 +244,10 @@ TShiftState TControl::WithHeld(TShiftState shift) const {
 
 void TControl::HandleMouseDown(TMouseButton button, TShiftState shift, int x, int y) {
     if (FHeld.Contains(button)) FHeld = {}; // its release was lost
-    if (FHeld.IsEmpty()) FCaptured.Set(ControlAt(x, y));
+    if (FHeld.IsEmpty()) {
+        FCaptured.Set(ControlAt(x, y));
+        FPressedLast.Set(FCaptured.Get());
+    }
     FHeld.Include(button);
     TControl* const target = MouseTarget(x, y);
     PointAt(target);
@@ -271,6 +275,29 @@ void TControl::HandleMouseUp(TMouseButton button, TShiftState shift, int x, int 
     if (target) target->MouseUp(button, shift, x, y);
 }
 
+bool TControl::HandleMouseWheel(TShiftState shift, double notches, int x, int y) {
+    if (!std::isfinite(notches) || notches == 0) return false;
+    TControlPtr target(ControlAt(x, y));
+    while (target) {
+        int atX = x;
+        int atY = y;
+        if (!ToTarget(*target.Get(), atX, atY)) return false;
+        if (target->MouseWheel(WithHeld(shift), notches, atX, atY)) return true;
+        target.Set(target && target.Get() != this ? target->FParent : nullptr);
+    }
+    return false;
+}
+
+bool TControl::HandleKeyDown(TKey key, TShiftState shift) {
+    const bool isOurs = FPressedLast && FPressedLast->IsInside(*this);
+    TControlPtr target(isOurs ? FPressedLast.Get() : this);
+    while (target) {
+        if (target->TakesMouse() && target->KeyDown(key, WithHeld(shift))) return true;
+        target.Set(target && target.Get() != this ? target->FParent : nullptr);
+    }
+    return false;
+}
+
 void TControl::PointAt(TControl* control) {
     FUnderMouse.Set(control);
     ShowCursor();
@@ -296,6 +323,16 @@ void TControl::MouseUp(TMouseButton button, TShiftState shift, int x, int y) {
     Raise(FOnMouseUp, *this, button, shift, x, y);
 }
 void TControl::Click() { Raise(FOnClick, *this); }
+bool TControl::MouseWheel(TShiftState shift, double notches, int x, int y) {
+    bool isHandled = false;
+    Raise(FOnMouseWheel, *this, shift, notches, x, y, isHandled);
+    return isHandled;
+}
+bool TControl::KeyDown(TKey key, TShiftState shift) {
+    bool isHandled = false;
+    Raise(FOnKeyDown, *this, key, shift, isHandled);
+    return isHandled;
+}
 
 // Tables.
 
@@ -318,6 +355,8 @@ std::span<const TProp> TControl::GetCommonEvents() const {
         EventProp<&TControl::SetOnMouseDown>("OnMouseDown"),
         EventProp<&TControl::SetOnMouseMove>("OnMouseMove"),
         EventProp<&TControl::SetOnMouseUp>("OnMouseUp"),
+        EventProp<&TControl::SetOnMouseWheel>("OnMouseWheel"),
+        EventProp<&TControl::SetOnKeyDown>("OnKeyDown"),
         EventProp<&TControl::SetOnClick>("OnClick"),
         EventProp<&TControl::SetOnResize>("OnResize"),
         EventProp<&TControl::SetOnInvalidate>("Invalidate"),

@@ -98,6 +98,15 @@ public:
     void HandleMouseDown(TMouseButton button, TShiftState shift, int x, int y);
     void HandleMouseMove(TShiftState shift, int x, int y);
     void HandleMouseUp(TMouseButton button, TShiftState shift, int x, int y);
+    /// The control at the point gets the turn of the wheel, then its parents until one takes it. False where
+    /// none does.
+    bool HandleMouseWheel(TShiftState shift, double notches, int x, int y);
+    /// The control that was pressed last gets the key, and before any press the root; then its parents until
+    /// one takes it. False where none does.
+    bool HandleKeyDown(TKey key, TShiftState shift);
+    /// Whether a host should give it the keyboard when it is clicked or reached by the tab key. By default
+    /// when OnKeyDown is set.
+    virtual bool TakesKeys() const { return FOnKeyDown != nullptr; }
 
     // Events. All empty by default.
 
@@ -107,6 +116,10 @@ public:
     void SetOnMouseMove(TMouseMoveEvent event) { FOnMouseMove = std::move(event); }
     const TMouseEvent& GetOnMouseUp() const { return FOnMouseUp; }
     void SetOnMouseUp(TMouseEvent event) { FOnMouseUp = std::move(event); }
+    const TMouseWheelEvent& GetOnMouseWheel() const { return FOnMouseWheel; }
+    void SetOnMouseWheel(TMouseWheelEvent event) { FOnMouseWheel = std::move(event); }
+    const TKeyEvent& GetOnKeyDown() const { return FOnKeyDown; }
+    void SetOnKeyDown(TKeyEvent event) { FOnKeyDown = std::move(event); }
     /// A left press and release inside of the control; comes before OnMouseUp.
     const TNotifyEvent& GetOnClick() const { return FOnClick; }
     void SetOnClick(TNotifyEvent event) { FOnClick = std::move(event); }
@@ -120,7 +133,8 @@ public:
     /// Name, Left, Top, Width, Height, Enabled, Visible.
     std::span<const TProp> GetCommonProps() const override;
     /// The events that every control of the class has, beside those of its property table: OnMouseDown,
-    /// OnMouseMove, OnMouseUp, OnClick, OnResize, and OnInvalidate, whose row is named "Invalidate".
+    /// OnMouseMove, OnMouseUp, OnMouseWheel, OnKeyDown, OnClick, OnResize, and OnInvalidate, whose row is
+    /// named "Invalidate".
     virtual std::span<const TProp> GetCommonEvents() const;
 
     void SetParentComponent(TComponent& parent) override;
@@ -137,6 +151,9 @@ public:
     virtual void MouseMove(TShiftState shift, int x, int y);
     virtual void MouseUp(TMouseButton button, TShiftState shift, int x, int y);
     virtual void Click();
+    /// True when the control took it; else its parent is asked. Raises the event.
+    virtual bool MouseWheel(TShiftState shift, double notches, int x, int y);
+    virtual bool KeyDown(TKey key, TShiftState shift);
 
 protected:
     void AfterConstruction() override;
@@ -178,12 +195,15 @@ private:
     IControlHost* FHost = nullptr;
     TControlPtr FCaptured; ///< got a press; gets the mouse until all buttons are up
     TControlPtr FUnderMouse;
+    TControlPtr FPressedLast; ///< gets the keys
     TSet<TMouseButton> FHeld;
     TCursor FShownCursor = TCursor::Default;
 
     TMouseEvent FOnMouseDown;
     TMouseMoveEvent FOnMouseMove;
     TMouseEvent FOnMouseUp;
+    TMouseWheelEvent FOnMouseWheel;
+    TKeyEvent FOnKeyDown;
     TNotifyEvent FOnClick;
     TNotifyEvent FOnResize;
     TNotifyEvent FOnInvalidate;

@@ -6,8 +6,9 @@
 namespace Vz {
 
 /// A host without a window: it collects what became stale and paints it into a bitmap that it keeps, all of
-/// it or only the stale region. It follows the root's size.
-class THeadlessHost final : public IControlHost {
+/// it or only the stale region. It follows the root's size. A host with a window derives from it and shows
+/// the bitmap.
+class THeadlessHost : public IControlHost {
 public:
     /// The largest scale.
     static constexpr double MaxScale = 64;

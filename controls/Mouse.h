@@ -25,5 +25,14 @@ constexpr TShiftKey HeldKey(TMouseButton button) {
 using TMouseEvent =
     std::function<void(TObject& sender, TMouseButton button, TShiftState shift, int x, int y)>;
 using TMouseMoveEvent = std::function<void(TObject& sender, TShiftState shift, int x, int y)>;
+/// A turn of the wheel. `notches`: away from the user above 0; a part of one on fine wheels. A handler that
+/// sets `isHandled` keeps the turn from the control's parent and from what scrolls around it.
+using TMouseWheelEvent =
+    std::function<void(TObject& sender, TShiftState shift, double notches, int x, int y, bool& isHandled)>;
+
+/// The keys that a control may answer to.
+enum class TKey : std::uint8_t { Left, Right, Up, Down, PageUp, PageDown, Home, End, Enter, Space, Escape };
+/// A press of a key, or its repetition while it is held. `isHandled` as for the wheel.
+using TKeyEvent = std::function<void(TObject& sender, TKey key, TShiftState shift, bool& isHandled)>;
 
 } // namespace Vz

@@ -2,10 +2,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# What the library and the tool are built from, what the tests need beside, and what looks at sources before a commit.
+# What the library and the tool are built from, what the Qt host and the tests need beside, and what looks at sources
+# before a commit.
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcairo2-dev libpango1.0-dev libharfbuzz-dev libfontconfig-dev
     libfreetype-dev libexpat1-dev libagg-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pil librsvg2-bin"
+QT_PACKAGES="qt6-base-dev qt6-tools-dev qt6-tools-dev-tools designer-qt6 libgl1-mesa-dev libopengl-dev"
 CHECK_PACKAGES="git clang-format clang-tidy python3"
 
 say() { printf '\n== %s\n' "$*"; }

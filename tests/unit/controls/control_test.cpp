@@ -430,6 +430,55 @@ TEST_F(ControlTest, PressBesideAllControlsStaysWithTheForm) {
     EXPECT_TRUE(plate.Notes.empty());
 }
 
+TEST_F(ControlTest, WheelGoesToTheControlAtThePointAndThenToItsParents) {
+    TPlate& plate = AddPlate(10, 10, 40, 40);
+    TNotes notes;
+    const auto note = [&](std::string name, bool takesIt) {
+        return [&notes, name, takesIt](TObject&, TShiftState, double notches, int x, int y, bool& isHandled) {
+            notes.push_back(name + ' ' + std::to_string(int(notches * 10)) + " at " + std::to_string(x) +
+                            ',' + std::to_string(y));
+            isHandled = takesIt;
+        };
+    };
+    Form->SetOnMouseWheel(note("form", true));
+    EXPECT_TRUE(Form->HandleMouseWheel({}, 0.5, 15, 16));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"form 5 at 15,16"}));
+    plate.SetOnMouseWheel(note("plate", false));
+    EXPECT_TRUE(Form->HandleMouseWheel({}, -1, 15, 16));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"plate -10 at 5,6", "form -10 at 15,16"}));
+    plate.SetOnMouseWheel(note("plate", true));
+    EXPECT_TRUE(Form->HandleMouseWheel({}, 1, 15, 16));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"plate 10 at 5,6"}));
+    EXPECT_FALSE(Form->HandleMouseWheel({}, 0, 15, 16));
+    EXPECT_FALSE(Form->HandleMouseWheel({}, std::numeric_limits<double>::quiet_NaN(), 15, 16));
+    EXPECT_FALSE(Form->HandleMouseWheel({}, 1, -1, 16));
+    EXPECT_TRUE(notes.empty());
+}
+
+TEST_F(ControlTest, KeysGoToTheControlThatWasPressedLast) {
+    TPlate& plate = AddPlate(10, 10, 40, 40);
+    TNotes notes;
+    const auto note = [&](std::string name, bool takesIt) {
+        return [&notes, name, takesIt](TObject&, TKey key, TShiftState, bool& isHandled) {
+            notes.push_back(name + ' ' + std::to_string(int(key)));
+            isHandled = takesIt;
+        };
+    };
+    EXPECT_FALSE(Form->HandleKeyDown(TKey::Up, {}));
+    EXPECT_FALSE(Form->TakesKeys());
+    Form->SetOnKeyDown(note("form", true));
+    plate.SetOnKeyDown(note("plate", false));
+    EXPECT_TRUE(plate.TakesKeys());
+    EXPECT_TRUE(Form->HandleKeyDown(TKey::Up, {}));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"form 2"})) << "nothing was pressed yet";
+    Host.Click(15, 15);
+    EXPECT_TRUE(Form->HandleKeyDown(TKey::Left, {}));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"plate 0", "form 0"}));
+    plate.SetEnabled(false);
+    EXPECT_TRUE(Form->HandleKeyDown(TKey::Left, {}));
+    EXPECT_EQ(std::exchange(notes, {}), (TNotes{"form 0"}));
+}
+
 TEST_F(ControlTest, LostReleaseDoesNotHoldTheMouse) {
     TPlate& a = AddPlate(0, 0, 20, 20);
     TPlate& b = AddPlate(20, 0, 20, 20);
@@ -523,8 +572,8 @@ TEST_F(ControlTest, CommonPropertiesAndEvents) {
     EXPECT_EQ(NamesOf(plate->GetCommonProps()),
               (TNotes{"Name", "Left", "Top", "Width", "Height", "Enabled", "Visible"}));
     EXPECT_EQ(NamesOf(plate->GetCommonEvents()),
-              (TNotes{"OnMouseDown", "OnMouseMove", "OnMouseUp", "OnClick", "OnResize", "Invalidate",
-                      "OnPainting", "OnPainted"}));
+              (TNotes{"OnMouseDown", "OnMouseMove", "OnMouseUp", "OnMouseWheel", "OnKeyDown", "OnClick",
+                      "OnResize", "Invalidate", "OnPainting", "OnPainted"}));
     std::vector<std::string_view> raised;
     for (const TProp& row : plate->GetCommonEvents())
         row.Attach(*plate, [&raised, name = row.Name] { raised.push_back(name); });

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "controls/Control.h"
+
+#include <QVariant>
+#include <QWidget>
+
+#include <memory>
+#include <span>
+
+/// A widget that shows a component of the library and hands it the mouse, the wheel and the keys. The typed
+/// widgets (VzSpeedometer, VzCircularClock ...) derive from it; by itself it shows any component, such as a
+/// form with instruments on it.
+///
+/// The component is painted into a bitmap of device pixels, of which only what became stale is painted anew;
+/// its background stays transparent. Widget and component follow each other's size, the component follows
+/// whether the widget is enabled. Lengths are Qt's device-independent pixels.
+class VzWidget : public QWidget {
+    Q_OBJECT
+public:
+    /// Owns the component, which must not have a parent. The widget's preferred size is the component's size
+    /// at this moment.
+    explicit VzWidget(std::unique_ptr<Vz::TControl> component, QWidget* parent = nullptr);
+    ~VzWidget() override;
+
+    /// The component itself, with the library's own properties and events. Changes made to it directly are
+    /// seen by the widget: the picture follows, and notify signals come when control returns to the event
+    /// loop.
+    Vz::TControl& component() const;
+
+    /// Whether a form has to keep a property of the component, by its Qt name, as the component's own rules
+    /// of declared defaults and stored values say. False for a property that is not the component's.
+    bool isPropertyStored(const char* name) const;
+
+    /// The component's size when it was made.
+    QSize sizeHint() const override;
+    /// 16 x 16.
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// A press and release of the left button inside of the widget.
+    void clicked();
+
+protected:
+    /// What a typed widget says of itself: its properties of the component, in the order of the Q_PROPERTY
+    /// lines, and its events, by the component's own names.
+    struct TTable {
+        const QMetaObject* Meta;
+        std::span<const char* const> Properties;
+        std::span<const char* const> Events;
+        std::span<const char* const> EventSignals; ///< as a method signature of Meta, a row for each event
+    };
+    VzWidget(std::unique_ptr<Vz::TControl> component, const TTable& table, QWidget* parent);
+
+    /// The row-th property's value: bool, qlonglong, double, QColor, int for an enumeration or a set,
+    /// QDateTime, QString, QStringList or QFont (PropVariant.h).
+    QVariant read(int row) const;
+    /// Sets it through the component's setter. What that refuses is reported by qWarning; the property is
+    /// then as it was.
+    void write(int row, const QVariant& value);
+    /// Gives the property the value that a fresh component has.
+    void resetAt(int row);
+    /// Emits the notify signal of the row-th property, the signal of the row-th event.
+    virtual void notifyProperty(int row) {}
+    virtual void notifyEvent(int row) {}
+
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void connectNotify(const QMetaMethod& signal) override;
+    void disconnectNotify(const QMetaMethod& signal) override;
+
+private:
+    class THost;
+
+    void start(const TTable& table);
+    void followWatched();
+    void paintComponent(QPainter& painter);
+    void handOver(QMouseEvent& event,
+                  void (Vz::TControl::*handle)(Vz::TMouseButton, Vz::TShiftState, int, int));
+
+    std::unique_ptr<THost> host;
+};

@@ -1,0 +1,411 @@
+// The widgets as a program sees them: properties, signals, pictures, input.
+
+#include "VzAnalogCalendar.h"
+#include "VzCircularAltimeter.h"
+#include "VzCircularClock.h"
+#include "VzSVGControl.h"
+#include "VzSpeedometer.h"
+
+#include "controls/Form.h"
+#include "controls/HeadlessHost.h"
+#include "instruments/clocks/Vz.Tavro.Clocks.h"
+#include "instruments/meters/Vz.Tavro.Speedometers.h"
+#include "package/Package.h"
+#include "runtime/ClassRegistry.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QImage>
+#include <QMetaProperty>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace Vz;
+
+/// The widget's own pixels as the platform shows them.
+QImage shown(QWidget& widget) {
+    return widget.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QImage imageOf(const TVZGPBitmap& bitmap) {
+    const TPixels pixels = bitmap.GetPixels();
+    return QImage(reinterpret_cast<const uchar*>(pixels.Data), pixels.Width, pixels.Height,
+                  int(pixels.Stride * 4), QImage::Format_ARGB32_Premultiplied)
+        .copy();
+}
+
+/// The opaque background that a widget is shown on.
+constexpr QRgb Ground = 0xFF305070;
+
+/// A picture of the component on the ground, as the core makes it.
+QImage expected(TControl& control, double scale) {
+    THeadlessHost host(control, scale);
+    host.SetBackground(Ground);
+    return imageOf(host.Paint());
+}
+
+int worstDifference(const QImage& a, const QImage& b) {
+    if (a.size() != b.size()) return 1000;
+    int worst = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            for (int shift = 0; shift < 32; shift += 8) {
+                const int difference = int(a.pixel(x, y) >> shift & 255) - int(b.pixel(x, y) >> shift & 255);
+                worst = std::max(worst, std::abs(difference));
+            }
+    return worst;
+}
+
+/// A window of one colour on which the widgets stand.
+class TGround : public QWidget {
+public:
+    TGround() {
+        resize(320, 260);
+        QPalette palette;
+        palette.setColor(QPalette::Window, QColor::fromRgba(Ground));
+        setPalette(palette);
+        setAutoFillBackground(true);
+    }
+};
+
+/// Counts what a signal brings.
+template <class W, class... A> struct TSpy {
+    TSpy(W& widget, void (W::*signal)(A...)) {
+        QObject::connect(&widget, signal, [this](auto&&...) { ++Count; });
+    }
+    int Count = 0;
+};
+
+TEST(VzWidget, PropertiesReadAndWriteTheComponent) {
+    VzSpeedometer widget;
+    widget.setMaximum(200);
+    widget.setValue(87.25);
+    EXPECT_EQ(widget.value(), 87.25);
+    EXPECT_EQ(widget.instrument().GetValue(), 87.25f);
+    EXPECT_EQ(widget.instrument().GetMax(), 200.0f);
+    widget.setFrameColor(QColor(1, 2, 3, 4));
+    EXPECT_EQ(widget.instrument().GetFrameColor(), TVZGPColor{0x04010203});
+    EXPECT_EQ(widget.frameColor(), QColor(1, 2, 3, 4));
+    widget.setParts(VzSpeedometer::spFrame | VzSpeedometer::spNeedle);
+    EXPECT_EQ(widget.instrument().GetParts().GetMask(), 1u | 1u << 7);
+    widget.setDesign(VzSpeedometer::sdSimple);
+    EXPECT_EQ(widget.instrument().GetDesign(), TSVGDesign::sdSimple);
+    widget.setFormatStr(QStringLiteral("0 'km/h' \u00e4"));
+    EXPECT_EQ(widget.instrument().GetFormatStr(), "0 'km/h' \xc3\xa4");
+    EXPECT_EQ(widget.formatStr(), QStringLiteral("0 'km/h' \u00e4"));
+}
+
+TEST(VzWidget, SinglesAreShownByTheirShortestText) {
+    VzSpeedometer widget;
+    widget.setValue(0.1);
+    EXPECT_EQ(widget.value(), 0.1);
+}
+
+TEST(VzWidget, TimesAreLocalAndListsAndFontsGoThrough) {
+    VzCircularClock clock;
+    const QDateTime time(QDate(2026, 3, 15), QTime(15, 30, 45, 250));
+    clock.setTime(time);
+    EXPECT_EQ(clock.time(), time);
+    EXPECT_EQ(clock.instrument().GetTime().Days, EncodeDateTime({2026, 3, 15}, {15, 30, 45, 250}).Days);
+    const QStringList labels{QStringLiteral("a"), QStringLiteral("\u00b5")};
+    clock.setLabels(labels);
+    EXPECT_EQ(clock.labels(), labels);
+    QFont font;
+    font.setFamilies({QStringLiteral("Noto Sans"), QStringLiteral("serif")});
+    font.setBold(true);
+    clock.setTextFont(font);
+    EXPECT_EQ(clock.instrument().GetFont().GetFamily(), "'Noto Sans', serif");
+    EXPECT_EQ(clock.instrument().GetFont().GetWeight(), 700);
+    EXPECT_EQ(clock.instrument().GetFont().GetSize(), 0.0f)
+        << "what the font leaves open stays the artwork's";
+    EXPECT_EQ(clock.textFont().families(), font.families());
+    clock.setTime(QDateTime());
+    EXPECT_EQ(clock.time(), time) << "an invalid time leaves it";
+}
+
+TEST(VzWidget, SignalsComeOncePerChange) {
+    VzSpeedometer widget;
+    TSpy values(widget, &VzSpeedometer::valueChanged);
+    TSpy minimums(widget, &VzSpeedometer::minimumChanged);
+    TSpy changes(widget, &VzSpeedometer::changed);
+    widget.setValue(50);
+    widget.setValue(50);
+    EXPECT_EQ(values.Count, 1);
+    EXPECT_EQ(changes.Count, 1);
+    widget.setMaximum(-5);
+    EXPECT_EQ(minimums.Count, 1) << "a maximum below the minimum moves that";
+    EXPECT_EQ(values.Count, 2) << "and brings the value down";
+}
+
+TEST(VzWidget, ChangesOfTheComponentItselfAreNoticed) {
+    VzSpeedometer widget;
+    TSpy values(widget, &VzSpeedometer::valueChanged);
+    TSpy changes(widget, &VzSpeedometer::changed);
+    widget.instrument().SetValue(50);
+    widget.instrument().SetValue(60);
+    EXPECT_EQ(changes.Count, 2);
+    EXPECT_EQ(values.Count, 0);
+    QApplication::processEvents();
+    EXPECT_EQ(values.Count, 1);
+    EXPECT_EQ(widget.value(), 60);
+}
+
+TEST(VzWidget, AHandlerMaySetAnotherProperty) {
+    VzSpeedometer widget;
+    QObject::connect(&widget, &VzSpeedometer::valueChanged, &widget,
+                     [&](double value) { widget.setEnableGradients(value < 10); });
+    TSpy gradients(widget, &VzSpeedometer::enableGradientsChanged);
+    widget.setValue(50);
+    EXPECT_FALSE(widget.enableGradients());
+    EXPECT_EQ(gradients.Count, 1);
+}
+
+TEST(VzWidget, ResetAndStoredFollowTheComponentsRules) {
+    VzSpeedometer widget;
+    EXPECT_FALSE(widget.isPropertyStored("maximum"));
+    EXPECT_FALSE(widget.isPropertyStored("windowTitle"));
+    widget.setMaximum(100);
+    widget.setNeedleFillColor(Qt::red);
+    EXPECT_TRUE(widget.isPropertyStored("maximum"));
+    EXPECT_TRUE(widget.isPropertyStored("needleFillColor"));
+    widget.resetMaximum();
+    widget.resetNeedleFillColor();
+    EXPECT_EQ(widget.maximum(), 240);
+    EXPECT_EQ(widget.needleFillColor(), QColor(Qt::white));
+    EXPECT_FALSE(widget.isPropertyStored("maximum"));
+}
+
+TEST(VzWidget, BadValuesLeaveThePropertyAsItWas) {
+    VzSpeedometer widget;
+    widget.setValue(20);
+    widget.setValue(std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(widget.value(), 20);
+    widget.setFrameColor(QColor());
+    EXPECT_EQ(widget.frameColor(), QColor::fromRgba(0xFF888A85));
+    widget.setParts(VzSpeedometer::Parts(1 << 20));
+    EXPECT_EQ(widget.parts(), VzSpeedometer::Parts(511));
+    widget.setProperty("decorationPath", QStringLiteral("no path"));
+    VzSVGControl control;
+    control.setTransform(QStringLiteral("nonsense"));
+    EXPECT_EQ(control.transform(), QStringLiteral("matrix(1 0 0 1 0 0)"));
+}
+
+TEST(VzWidget, NoPropertyHidesOneOfQWidget) {
+    const QWidget* const widgets[] = {new VzSpeedometer, new VzCircularClock, new VzSVGControl,
+                                      new VzAnalogCalendar};
+    for (const QWidget* const widget : widgets) {
+        const QMetaObject& meta = *widget->metaObject();
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+            const char* const name = meta.property(i).name();
+            EXPECT_LT(QWidget::staticMetaObject.indexOfProperty(name), 0) << name;
+            EXPECT_TRUE(meta.property(i).hasNotifySignal()) << name;
+            EXPECT_TRUE(meta.property(i).isResettable()) << name;
+        }
+        delete widget;
+    }
+}
+
+TEST(VzWidget, SizesFollowEachOther) {
+    VzSpeedometer widget;
+    EXPECT_EQ(widget.sizeHint(), QSize(widget.instrument().GetWidth(), widget.instrument().GetHeight()));
+    widget.show();
+    widget.resize(123, 77);
+    EXPECT_EQ(widget.instrument().GetBounds(), (TRect{0, 0, 123, 77}));
+    widget.instrument().SetBounds(0, 0, 64, 48);
+    EXPECT_EQ(widget.size(), QSize(64, 48));
+}
+
+TEST(VzWidget, EnabledIsFollowed) {
+    VzSpeedometer widget;
+    widget.setEnabled(false);
+    EXPECT_FALSE(widget.instrument().GetEnabled());
+    QWidget parent;
+    VzSpeedometer child;
+    child.setParent(&parent);
+    parent.setEnabled(false);
+    EXPECT_FALSE(child.instrument().GetEnabled());
+}
+
+// Pictures. The scale is the one that the program runs with.
+
+TEST(VzWidgetPicture, EqualsTheCoresPixelForPixel) {
+    TGround ground;
+    const auto component = TVZSpeedometer::Create();
+    VzSpeedometer widget;
+    widget.setParent(&ground);
+    const double scale = ground.devicePixelRatioF();
+    for (const QPoint at : {QPoint(0, 0), QPoint(7, 5), QPoint(40, 13)}) {
+        widget.setGeometry(at.x(), at.y(), 200, 200);
+        widget.setValue(87);
+        component->SetBounds(0, 0, 200, 200);
+        component->SetValue(87);
+        const QImage whole = expected(*component, scale);
+        const QPoint corner(int(std::lround(at.x() * scale)), int(std::lround(at.y() * scale)));
+        const QImage part = shown(ground).copy(QRect(corner, whole.size()));
+        EXPECT_LE(worstDifference(part, whole), 1) << "at " << at.x() << ',' << at.y() << ", scale " << scale;
+    }
+}
+
+TEST(VzWidgetPicture, StaleRegionsGiveTheWholePicture) {
+    TGround ground;
+    const auto component = TVZSpeedometer::Create();
+    VzSpeedometer widget;
+    widget.setParent(&ground);
+    widget.setGeometry(10, 10, 200, 200);
+    ground.show();
+    component->SetBounds(0, 0, 200, 200);
+    const double scale = ground.devicePixelRatioF();
+    for (const double value : {0.0, 3.0, 120.0, 121.0, 240.0, 60.0}) {
+        widget.setValue(value);
+        QApplication::processEvents();
+    }
+    component->SetValue(60);
+    const QPoint corner(int(std::lround(10 * scale)), int(std::lround(10 * scale)));
+    const QImage whole = expected(*component, scale);
+    EXPECT_LE(worstDifference(shown(ground).copy(QRect(corner, whole.size())), whole), 1);
+}
+
+/// Notes the regions of a widget's paint events.
+class TPaintNotes : public QObject {
+public:
+    explicit TPaintNotes(QWidget& widget) { widget.installEventFilter(this); }
+    QRegion Painted;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) Painted += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+};
+
+TEST(VzWidgetPicture, OnlyWhatIsStaleIsPainted) {
+    TGround ground;
+    VzSpeedometer widget;
+    widget.setParent(&ground);
+    widget.setGeometry(0, 0, 200, 200);
+    widget.setValue(100);
+    ground.show();
+    QApplication::processEvents();
+    TPaintNotes notes(widget);
+    widget.setValue(101);
+    QApplication::processEvents();
+    ASSERT_FALSE(notes.Painted.isEmpty());
+    const QRect box = notes.Painted.boundingRect();
+    EXPECT_LT(box.width() * box.height(), 200 * 200 / 2);
+}
+
+TEST(VzWidgetPicture, AFormWithInstrumentsIsOneWidget) {
+    auto form = TVZForm::Create();
+    form->SetBounds(0, 0, 200, 100);
+    auto& speed = TVZSpeedometer::Create(*form);
+    speed.SetParent(form.get());
+    speed.SetBounds(100, 0, 100, 100);
+    TVZForm* const seen = form.get();
+    TGround ground;
+    VzWidget widget(std::move(form));
+    EXPECT_EQ(widget.sizeHint(), QSize(200, 100));
+    widget.setParent(&ground);
+    widget.move(0, 0);
+    const QImage picture = shown(ground);
+    const double scale = ground.devicePixelRatioF();
+    EXPECT_EQ(picture.pixel(int(50 * scale), int(50 * scale)), Ground);
+    EXPECT_NE(picture.pixel(int(150 * scale), int(50 * scale)), Ground);
+    EXPECT_EQ(seen->GetControls().size(), 1u);
+}
+
+// Input.
+
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF at, Qt::MouseButton button,
+               Qt::KeyboardModifiers modifiers = {}) {
+    QMouseEvent event(type, at, widget.mapToGlobal(at), button,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : button, modifiers);
+    QApplication::sendEvent(&widget, &event);
+}
+
+TEST(VzWidgetInput, MouseReachesTheComponent) {
+    VzSpeedometer widget;
+    std::vector<std::string> notes;
+    widget.instrument().SetOnMouseDown([&](TObject&, TMouseButton button, TShiftState shift, int x, int y) {
+        notes.push_back("down " + std::to_string(int(button)) +
+                        (shift.Contains(TShiftKey::Ctrl) ? " ctrl " : " ") + std::to_string(x) + ',' +
+                        std::to_string(y));
+    });
+    TSpy clicks(static_cast<VzWidget&>(widget), &VzWidget::clicked);
+    sendMouse(widget, QEvent::MouseButtonPress, {10.6, 20}, Qt::LeftButton, Qt::ControlModifier);
+    sendMouse(widget, QEvent::MouseButtonRelease, {10, 20}, Qt::LeftButton);
+    EXPECT_EQ(notes, (std::vector<std::string>{"down 0 ctrl 10,20"}));
+    EXPECT_EQ(clicks.Count, 1);
+    sendMouse(widget, QEvent::MouseButtonPress, {10, 20}, Qt::RightButton);
+    EXPECT_EQ(notes.size(), 2u);
+}
+
+TEST(VzWidgetInput, WheelAndKeysReachTheComponentAndGoOnWhenItLeavesThem) {
+    VzSpeedometer widget;
+    const auto turn = [&](int delta) {
+        QWheelEvent event({5, 5}, {5, 5}, {}, {0, delta}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&widget, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(turn(120));
+    double turned = 0;
+    widget.instrument().SetOnMouseWheel(
+        [&](TObject&, TShiftState, double notches, int, int, bool& isHandled) {
+            turned += notches;
+            isHandled = true;
+        });
+    EXPECT_TRUE(turn(-60));
+    EXPECT_EQ(turned, -0.5);
+    const auto press = [&](Qt::Key key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(press(Qt::Key_Up));
+    widget.instrument().SetOnKeyDown(
+        [&](TObject&, TKey key, TShiftState, bool& isHandled) { isHandled = key == TKey::Up; });
+    EXPECT_TRUE(press(Qt::Key_Up));
+    EXPECT_FALSE(press(Qt::Key_Down));
+    EXPECT_FALSE(press(Qt::Key_A));
+}
+
+TEST(VzWidgetInput, AHandlersExceptionDoesNotCrossTheEventLoop) {
+    VzSpeedometer widget;
+    widget.instrument().SetOnMouseDown(
+        [](TObject&, TMouseButton, TShiftState, int, int) { throw EInvalidOperation("no"); });
+    EXPECT_NO_THROW(sendMouse(widget, QEvent::MouseButtonPress, {10, 20}, Qt::LeftButton));
+}
+
+// Assistive technology.
+
+TEST(VzWidgetAccessible, RoleNameValueAndRange) {
+    VzSpeedometer widget;
+    widget.setValue(87.26);
+    QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&widget);
+    ASSERT_TRUE(seen);
+    EXPECT_EQ(seen->role(), QAccessible::Dial);
+    EXPECT_EQ(seen->text(QAccessible::Name), QStringLiteral("Speedometer"));
+    EXPECT_EQ(seen->text(QAccessible::Value), QStringLiteral("87.3"));
+    ASSERT_TRUE(seen->valueInterface());
+    EXPECT_EQ(seen->valueInterface()->currentValue().toDouble(), 87.26);
+    EXPECT_EQ(seen->valueInterface()->maximumValue().toDouble(), 240);
+    widget.setAccessibleName(QStringLiteral("Drive"));
+    EXPECT_EQ(seen->text(QAccessible::Name), QStringLiteral("Drive"));
+    VzCircularClock clock;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&clock)->role(), QAccessible::Clock);
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(&clock)->valueInterface());
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&clock)->text(QAccessible::Name),
+              QStringLiteral("Circular Clock"));
+    VzSVGControl picture;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&picture)->role(), QAccessible::Graphic);
+}
+
+} // namespace
