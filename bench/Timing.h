@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <vector>
 
@@ -24,5 +25,33 @@ template <class F> double Timed(F call) {
     call();
     return Now() - begin;
 }
+
+constexpr int FramesPerSweep = 54;
+
+/// Microseconds, by frame of the sweep and by round: what else runs on the machine then spoils a few of them
+/// only.
+class TTimes {
+public:
+    template <class TAction> void Sweep(TAction&& action) {
+        for (int frame = 0; frame < FramesPerSweep; ++frame) {
+            const double start = Now();
+            action(frame);
+            FTimes[std::size_t(frame)].push_back(Now() - start);
+        }
+    }
+    /// The mean over the frames of the rounds' quantile: 0.5 is their median.
+    double At(double quantile) const {
+        double sum = 0;
+        for (std::vector<double> times : FTimes) {
+            const auto place = times.begin() + std::ptrdiff_t(double(times.size() - 1) * quantile);
+            std::nth_element(times.begin(), place, times.end());
+            sum += *place;
+        }
+        return sum / FramesPerSweep;
+    }
+
+private:
+    std::array<std::vector<double>, FramesPerSweep> FTimes;
+};
 
 } // namespace Bench

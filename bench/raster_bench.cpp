@@ -2,6 +2,9 @@
 // copy and two vectorised blends of the stale rectangle, beside what cairo takes for the same. All three are
 // measured in turn in one run; the counters are medians over the run.
 
+#include "Floor.h"
+#include "Timing.h"
+
 #include "graphics/RasterDevice.h"
 
 #include <benchmark/benchmark.h>
@@ -9,84 +12,17 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <numbers>
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
-
 namespace {
 
 using namespace Vz;
+using namespace Bench;
 
-constexpr int FramesPerSweep = 54;
 constexpr double ArtworkSize = 400;
 constexpr double TurnPerFrame = 270.0 / FramesPerSweep / 180 * std::numbers::pi;
-
-struct TBitmap {
-    explicit TBitmap(int size)
-        : Store(std::size_t(size) * std::size_t(size)) {
-        Pixels = {Store.data(), size, size, size};
-    }
-    std::vector<std::uint32_t> Store;
-    TPixels Pixels;
-};
-
-double Now() {
-    using namespace std::chrono;
-    return duration<double, std::micro>(steady_clock::now().time_since_epoch()).count();
-}
-
-// The floor.
-
-#if defined(__x86_64__)
-__attribute__((target("avx2"), always_inline)) inline __m256i PlainOver(__m256i over, __m256i under) {
-    const __m256i low = _mm256_set1_epi16(0x00FF);
-    const __m256i half = _mm256_set1_epi16(128);
-    const __m256i by257 = _mm256_set1_epi16(257);
-    const __m256i alphas = _mm256_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1, 3, -1,
-                                            3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1);
-    const __m256i rest = _mm256_sub_epi16(low, _mm256_shuffle_epi8(over, alphas));
-    __m256i even = _mm256_mullo_epi16(_mm256_and_si256(under, low), rest);
-    __m256i odd = _mm256_mullo_epi16(_mm256_srli_epi16(under, 8), rest);
-    even = _mm256_mulhi_epu16(_mm256_add_epi16(even, half), by257);
-    odd = _mm256_mulhi_epu16(_mm256_add_epi16(odd, half), by257);
-    return _mm256_add_epi8(over, _mm256_or_si256(even, _mm256_slli_epi16(odd, 8)));
-}
-
-/// Pixels over a row without looking at what they are.
-__attribute__((target("avx2"))) void BlendPlain(std::uint32_t* row, const std::uint32_t* pixels, int count) {
-    int i = 0;
-    for (; i + 8 <= count; i += 8) {
-        const __m256i over = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pixels + i));
-        const __m256i under = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + i));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(row + i), PlainOver(over, under));
-    }
-    if (i == count) return;
-    const __m256i lanes =
-        _mm256_cmpgt_epi32(_mm256_set1_epi32(count - i), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
-    const __m256i over = _mm256_maskload_epi32(reinterpret_cast<const int*>(pixels + i), lanes);
-    const __m256i under = _mm256_maskload_epi32(reinterpret_cast<const int*>(row + i), lanes);
-    _mm256_maskstore_epi32(reinterpret_cast<int*>(row + i), lanes, PlainOver(over, under));
-}
-#else
-void Over(std::uint32_t& row, std::uint32_t pixel) {
-    std::uint32_t sum = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const std::uint32_t t = (row >> shift & 255) * (255 - (pixel >> 24)) + 128;
-        sum |= ((pixel >> shift & 255) + ((t + (t >> 8)) >> 8)) << shift;
-    }
-    row = sum;
-}
-
-void BlendPlain(std::uint32_t* row, const std::uint32_t* pixels, int count) {
-    for (int i = 0; i < count; ++i)
-        Over(row[i], pixels[i]);
-}
-#endif
 
 // The scene.
 
@@ -202,16 +138,6 @@ private:
 
 // The frame: its floor, by our device and by cairo.
 
-void PaintFloor(TScene& scene, const TRect& stale) {
-    const TPixels& frame = scene.Frame.Pixels;
-    const auto width = static_cast<std::size_t>(stale.Width());
-    for (int y = stale.Top; y < stale.Bottom; ++y)
-        std::memcpy(frame.Row(y) + stale.Left, scene.Before.Pixels.Row(y) + stale.Left, width * 4);
-    for (const TPixels& layer : {scene.Element.Pixels, scene.After.Pixels})
-        for (int y = stale.Top; y < stale.Bottom; ++y)
-            BlendPlain(frame.Row(y) + stale.Left, layer.Row(y) + stale.Left, stale.Width());
-}
-
 void PaintFrame(TScene& scene, int frame, TRegion& region, bool whole) {
     const TAffine matrix = scene.MatrixAt(frame);
     region.Clear();
@@ -297,32 +223,6 @@ void PaintCairoFrame(TScene& scene, const TCairoSurfaces& surfaces, int frame, b
     cairo_destroy(cr);
 }
 
-/// Microseconds, by frame of the sweep and by round: what else runs on the machine then spoils a few of them
-/// only.
-class TTimes {
-public:
-    template <class TAction> void Sweep(TAction&& action) {
-        for (int frame = 0; frame < FramesPerSweep; ++frame) {
-            const double start = Now();
-            action(frame);
-            FTimes[std::size_t(frame)].push_back(Now() - start);
-        }
-    }
-    /// The mean over the frames of the rounds' quantile: 0.5 is their median.
-    double At(double quantile) const {
-        double sum = 0;
-        for (std::vector<double> times : FTimes) {
-            const auto place = times.begin() + std::ptrdiff_t(double(times.size() - 1) * quantile);
-            std::nth_element(times.begin(), place, times.end());
-            sum += *place;
-        }
-        return sum / FramesPerSweep;
-    }
-
-private:
-    std::array<std::vector<double>, FramesPerSweep> FTimes;
-};
-
 struct TMeasured {
     TTimes Unit, Frame, Cairo;
 };
@@ -351,7 +251,7 @@ void Needle(benchmark::State& state, bool whole) {
             if (whole)
                 std::memcpy(scene.Frame.Pixels.Data, scene.Before.Pixels.Data, scene.Frame.Store.size() * 4);
             else
-                PaintFloor(scene, scene.Stale[std::size_t(i)]);
+                PaintFloor(scene.Frame, scene.Stale[std::size_t(i)], {&scene.Before, &scene.Element, &scene.After});
             benchmark::ClobberMemory();
         });
         measured.Frame.Sweep([&](int i) { PaintFrame(scene, i, region, whole); });

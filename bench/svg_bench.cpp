@@ -2,6 +2,7 @@
 // is measured in turn in one run; the counters are medians, and ratios to the time that expat takes to read the text
 // with empty handlers (E) or to a plain copy of the frame.
 
+#include "Floor.h"
 #include "Timing.h"
 
 #include "controls/Form.h"
@@ -22,8 +23,7 @@
 namespace {
 
 using namespace Vz;
-using Bench::Median;
-using Bench::Timed;
+using namespace Bench;
 
 struct TArtwork {
     const char* File;
@@ -90,48 +90,104 @@ void Load(benchmark::State& state) {
 }
 BENCHMARK(Load)->Arg(0)->Arg(1)->Iterations(60)->Unit(benchmark::kMillisecond);
 
-/// One frame: the element turns, and the stale region, or all, is painted again. In plain copies of the frame.
-void Frame(benchmark::State& state) {
-    const TArtwork& artwork = Artworks[state.range(0)];
-    const int size = static_cast<int>(state.range(1));
-    const auto control = TVZSVGControl::Create();
-    control->LoadFromText(ReadArtwork(artwork));
-    control->SetBounds(0, 0, size, size);
-    auto* const moving = control->GetDocument().Find<TSVGGraphicElement>(artwork.Moving);
-    control->SetActiveSVGElement(moving);
-    THeadlessHost host(*control);
-    host.Paint();
-    const std::size_t pixels = static_cast<std::size_t>(size) * static_cast<std::size_t>(size);
-    std::vector<std::uint32_t> from(pixels, 1), to(pixels);
-    double angleDeg = -100;
-    const auto turn = [&] {
-        angleDeg = angleDeg > 100 ? -100 : angleDeg + 0.7;
-        control->GetDocument().BeginUpdate();
-        moving->SetMatrix(CreateRotationVZMatrix({artwork.Center, artwork.Center},
-                                                 static_cast<float>(angleDeg * std::numbers::pi / 180)));
-        control->GetDocument().EndUpdate();
-        control->Invalidate();
-    };
-    std::vector<double> copy, edit, stale, whole;
-    for (auto _ : state) {
-        copy.push_back(Timed([&] { std::memcpy(to.data(), from.data(), pixels * sizeof from[0]); }));
-        benchmark::DoNotOptimize(to.data());
-        stale.push_back(Timed([&] {
-            turn();
-            host.PaintStale();
-        }));
-        edit.push_back(Timed(turn));
-        whole.push_back(Timed([&] { host.Paint(); }));
+/// A control that shows an artwork on a host without a window, and turns one element in steps of a sweep.
+struct TScene {
+    TScene(const TArtwork& artwork, int size)
+        : Artwork(artwork)
+        , Moving(Load(artwork, size))
+        , Host(*Control) {
+        Host.Paint();
     }
-    state.counters["copy_us"] = Median(copy);
-    state.counters["edit_us"] = Median(edit);
-    state.counters["stale_us"] = Median(stale);
-    state.counters["stale_copies"] = Median(stale) / Median(copy);
-    state.counters["whole_us"] = Median(whole);
-    state.counters["whole_copies"] = Median(whole) / Median(copy);
-    state.SetLabel(artwork.File);
+
+    /// The edit of a frame, as an instrument's setter makes it.
+    void Turn(int frame) {
+        const double angleDeg = -135 + 270.0 / FramesPerSweep * frame;
+        Control->GetDocument().BeginUpdate();
+        Moving->SetMatrix(CreateRotationVZMatrix({Artwork.Center, Artwork.Center},
+                                                 static_cast<float>(angleDeg * std::numbers::pi / 180)));
+        Control->GetDocument().EndUpdate();
+        Control->Invalidate();
+    }
+    /// What the host is to paint in each frame of a sweep.
+    std::vector<std::vector<TRect>> StaleRects() {
+        std::vector<std::vector<TRect>> frames;
+        Rewind();
+        for (int frame = 0; frame < FramesPerSweep; ++frame) {
+            Turn(frame);
+            const auto rects = Host.GetStale().Rects();
+            frames.emplace_back(rects.begin(), rects.end());
+            Host.PaintStale();
+        }
+        return frames;
+    }
+    /// Goes to the frame before the first.
+    void Rewind() {
+        Turn(-1);
+        Host.Paint();
+    }
+
+    const TArtwork& Artwork;
+    const std::unique_ptr<TVZSVGControl> Control = TVZSVGControl::Create();
+    TSVGGraphicElement* const Moving;
+    THeadlessHost Host;
+
+private:
+    TSVGGraphicElement* Load(const TArtwork& artwork, int size) {
+        Control->LoadFromText(ReadArtwork(artwork));
+        Control->SetBounds(0, 0, size, size);
+        auto* const moving = Control->GetDocument().Find<TSVGGraphicElement>(artwork.Moving);
+        Control->SetActiveSVGElement(moving);
+        return moving;
+    }
+};
+
+/// One frame: the element turns, and the stale region, or all, is painted again. In L, which is one copy and two blends
+/// of the stale region, and in plain copies of the frame.
+void Frame(benchmark::State& state) {
+    const int size = static_cast<int>(state.range(1));
+    TScene scene(Artworks[state.range(0)], size);
+    const TBitmap before(size), element(size), after(size), frame(size);
+    const auto stale = scene.StaleRects();
+    TTimes floor, copy, edit, part, whole;
+    for (auto _ : state) {
+        floor.Sweep([&](int i) {
+            for (const TRect& rect : stale[static_cast<std::size_t>(i)])
+                PaintFloor(frame, rect, {&before, &element, &after});
+            benchmark::ClobberMemory();
+        });
+        copy.Sweep([&](int) {
+            std::memcpy(frame.Pixels.Data, before.Pixels.Data, frame.Store.size() * sizeof frame.Store[0]);
+            benchmark::ClobberMemory();
+        });
+        scene.Rewind();
+        part.Sweep([&](int i) {
+            scene.Turn(i);
+            scene.Host.PaintStale();
+        });
+        whole.Sweep([&](int i) {
+            scene.Turn(i);
+            scene.Host.Paint();
+        });
+        edit.Sweep([&](int i) { scene.Turn(i); });
+        scene.Host.PaintStale();
+    }
+    double area = 0;
+    for (const auto& rects : stale)
+        for (const TRect& rect : rects)
+            area += double(rect.Width()) * rect.Height() / double(frame.Store.size()) / FramesPerSweep;
+    const auto median = [](const TTimes& times) { return times.At(0.5); };
+    state.counters["L_us"] = median(floor);
+    state.counters["copy_us"] = median(copy);
+    state.counters["edit_us"] = median(edit);
+    state.counters["edit_part"] = median(edit) / median(part);
+    state.counters["stale_us"] = median(part);
+    state.counters["stale_L"] = median(part) / median(floor);
+    state.counters["whole_us"] = median(whole);
+    state.counters["whole_copies"] = median(whole) / median(copy);
+    state.counters["stale_part"] = area;
+    state.SetLabel(scene.Artwork.File);
 }
-BENCHMARK(Frame)->ArgsProduct({{0, 1}, {200, 400, 1000}})->Iterations(300)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Frame)->ArgsProduct({{0, 1}, {200, 400, 1000}})->Iterations(40)->Unit(benchmark::kMicrosecond);
 
 /// Bytes that a document takes, in sizes of its text: bare, and after it was painted in parts once.
 void Memory(benchmark::State& state) {

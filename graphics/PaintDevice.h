@@ -3,6 +3,7 @@
 #include "graphics/Bitmap.h"
 #include "graphics/Color.h"
 #include "graphics/Figures.h"
+#include "graphics/LayerPair.h"
 
 #include <functional>
 #include <memory>
@@ -104,6 +105,10 @@ public:
     /// the mask's drawing becomes transparent.
     virtual void PushMask(TMaskKind kind) = 0;
     virtual void PopMask() = 0;
+    /// What is drawn between these calls comes to lie between the two pictures, of which pixel (0, 0) lies at (x, y).
+    /// Both calls get the same arguments, with the same clip in force.
+    virtual void BeginBetween(const TLayerPair& layers, int x, int y);
+    virtual void EndBetween(const TLayerPair& layers, int x, int y);
     /// Device pixels that can change now: the clip's box. Whoever draws may skip what lies outside.
     virtual TRect GetClipBounds() const = 0;
     /// True when shapes stay curves (a file) and pixels are not what counts.

@@ -96,6 +96,14 @@ void TRasterDevice::PopMask() {
     FState->EndSurface([this](const TSurface& done) { FState->ApplyMask(done); });
 }
 
+void TRasterDevice::BeginBetween(const TLayerPair& layers, int x, int y) {
+    if (!FState->BeginBetween(layers, x, y)) IPaintDevice::BeginBetween(layers, x, y);
+}
+
+void TRasterDevice::EndBetween(const TLayerPair& layers, int x, int y) {
+    if (!FState->EndBetween(layers)) IPaintDevice::EndBetween(layers, x, y);
+}
+
 TRect TRasterDevice::GetClipBounds() const { return FState->ActiveBox(); }
 
 void TRasterDevice::Clear(TVZGPColor color) {

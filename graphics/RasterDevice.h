@@ -27,6 +27,8 @@ public:
     void PopLayer() override;
     void PushMask(TMaskKind kind) override;
     void PopMask() override;
+    void BeginBetween(const TLayerPair& layers, int x, int y) override;
+    void EndBetween(const TLayerPair& layers, int x, int y) override;
     TRect GetClipBounds() const override;
     bool IsVector() const override { return false; }
 

@@ -57,6 +57,7 @@ void TRasterState::GiveBack(TRasterState* state) {
 void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region) {
     Surfaces.Clear();
     Clips.Clear();
+    Between.Layers = nullptr;
     Target = target.Data ? target.Bounds() : TRect{};
     TSurface& surface = Surfaces.Push();
     surface.Box = Target;
@@ -175,6 +176,7 @@ void TRasterState::LayDown(const TSurface& layer) {
     TSurface& under = Surface();
     under.Drawn = Union(under.Drawn, Intersection(layer.Drawn, Clip().Box));
     EachRow(layer.Drawn, [&](int y, int left, int right) {
+        AboutToChange(y, left, right);
         const std::uint32_t* pixels = layer.At(left, y);
         std::uint32_t* row = under.At(left, y);
         const int count = right - left;
@@ -197,6 +199,7 @@ void TRasterState::ApplyMask(const TSurface& mask) {
     for (const TRect& rect : under.Rects) {
         const TRect part = Intersection(rect, box);
         for (int y = part.Top; y < part.Bottom; ++y) {
+            AboutToChange(y, part.Left, part.Right);
             MaskCoverage(mask.MaskKind, mask.At(part.Left, y), part.Width(), CoverageRow.data());
             std::uint32_t* row = under.At(part.Left, y);
             for (int i = 0; i < part.Width(); ++i)
@@ -236,6 +239,8 @@ void TRasterState::FillBox(const TRect& box, TFillRule rule, const TPaintSource&
         job.ClipStride = map->Box.Width();
     }
     while (!(job.Rows = Coverage.Next()).empty()) {
+        for (const TCoverageRow& row : job.Rows)
+            AboutToChange(row.Y, row.X, row.X + row.Count);
         if (source.Fills())
             source.Fill(job);
         else

@@ -67,6 +67,19 @@ struct TSurface {
     std::uint32_t* At(int x, int y) const { return Pixels.Row(y - Box.Top) + (x - Box.Left); }
 };
 
+/// The drawing between two kept pictures that goes on.
+struct TBetween {
+    /// The columns of a row that it may have changed: the lower picture lies there.
+    struct TReach {
+        int Left = 0, Right = 0;
+    };
+    const TLayerPair* Layers = nullptr; ///< null: there is none
+    std::size_t Depth = 0;              ///< of the surface that it goes on
+    int X = 0, Y = 0;                   ///< device place of the pictures
+    TRect Box;                          ///< their pixels within the clip
+    std::vector<TReach> Reached;        ///< one a row of Box
+};
+
 /// A raster device's surfaces, clips and working memory.
 struct TRasterState {
     /// A state at rest of this thread, or a new one, set up for a target.
@@ -94,6 +107,14 @@ struct TRasterState {
     void LayDown(const TSurface& layer);
     void ApplyMask(const TSurface& mask);
 
+    /// Begins a drawing between two pictures; false where that has to be done the long way.
+    bool BeginBetween(const TLayerPair& layers, int x, int y);
+    bool EndBetween(const TLayerPair& layers);
+    /// Called before pixels of the surface in force change.
+    void AboutToChange(int y, int left, int right) {
+        if (Between.Layers && Between.Depth == Surfaces.Depth()) Reach(y, left, right);
+    }
+
     /// Paints the coverage's shape.
     void Fill(TFillRule rule, const TPaintSource& source);
     /// Calls action(y, left, right) for each run of pixels of a box that can change.
@@ -104,6 +125,7 @@ struct TRasterState {
     TRect Target;
     TCoverage Coverage;
     TPolygons Polygons;
+    TBetween Between;
     std::vector<std::uint8_t> CoverageRow;
     std::vector<std::uint32_t> PixelRow;
     TSampleScratch Scratch;
@@ -114,6 +136,7 @@ private:
     void FetchRows(const TFillJob& job, const TPaintSource& source);
     void AddToClip(TCoverageMap& map, TFillRule rule);
     void Forget(TSurface& layer);
+    void Reach(int y, int left, int right);
     void Shrink();
 
     /// Counts memory that a layer or clip takes. Those that follow each other count twice, which is on the

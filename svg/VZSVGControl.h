@@ -180,7 +180,7 @@ private:
     mutable std::uint64_t FCheckedEpoch = 0;
     TAffine FSurface; ///< control pixels -> device pixels of the last painting, without the transform
     TCachePlan FPlan; ///< of the caches as they are
-    TRect FBeforeUsed, FAfterUsed;               ///< the pixels of the caches that are not transparent
+    TLayerPair FLayers;                          ///< the caches as they are
     std::unique_ptr<TVZGPBitmap> FElementBuffer; ///< the active element in the caches' size
     TRect FElementUsed;                          ///< the pixels of that which are not transparent
     TPainted FPainted;

@@ -83,23 +83,6 @@ bool IsPaintable(const TRectF& rect) {
            std::isfinite(rect.Height());
 }
 
-/// The pixels that are not transparent: a box around them.
-TRect UsedPixels(const TPixels& pixels) {
-    TRect used;
-    for (int y = 0; y < pixels.Height; ++y) {
-        const std::uint32_t* const begin = pixels.Row(y);
-        const std::uint32_t* const end = begin + pixels.Width;
-        const auto isUsed = [](std::uint32_t pixel) { return pixel != 0; };
-        const std::uint32_t* const first = std::find_if(begin, end, isUsed);
-        if (first == end) continue;
-        const std::uint32_t* last = end;
-        while (*--last == 0) {
-        }
-        used = Union(used, {int(first - begin), y, int(last - begin) + 1, y + 1});
-    }
-    return used;
-}
-
 /// True when two rectangles had better be painted as the one around them: shapes are traced for each
 /// rectangle, which a few pixels more outweigh.
 bool IsOneAsGood(const TRect& a, const TRect& b, const TRect& both) {
@@ -182,10 +165,10 @@ void TVZSVGControl::UpdateBuffers() {
         if (!cache) cache = std::make_unique<TVZGPBitmap>();
         cache->SetSize(FPlan.Width, FPlan.Height);
         (FSVG.get()->*draw)(cache->GetCanvas(), FPlan.ToCache, *active);
-        return UsedPixels(cache->GetPixels());
+        return cache->GetPixels();
     };
-    FBeforeUsed = rebuild(FBeforeBuffer, &TSVGDocument::DrawBefore);
-    FAfterUsed = rebuild(FAfterBuffer, &TSVGDocument::DrawAfter);
+    const TPixels before = rebuild(FBeforeBuffer, &TSVGDocument::DrawBefore);
+    FLayers.Set(before, rebuild(FAfterBuffer, &TSVGDocument::DrawAfter));
     FBuffersStale = false;
     ++FCacheCount;
 }
@@ -257,24 +240,34 @@ void TVZSVGControl::PaintUncached(TVZGPCanvas& canvas, const TAffine& matrix) {
 
 void TVZSVGControl::PaintExact(TVZGPCanvas& canvas, const TAffine& matrix, const TRect& elementBox) {
     IPaintDevice& device = canvas.GetDevice();
-    LayDown(device, *FBeforeBuffer, FBeforeUsed, FPlan.Box.Left, FPlan.Box.Top, FOpacity);
-    if (!Intersection(device.GetClipBounds(), elementBox).IsEmpty()) {
+    const auto drawElement = [&] {
+        if (Intersection(device.GetClipBounds(), elementBox).IsEmpty()) return;
         const TLayerScope layer(device, FOpacity, &elementBox);
         FSVG->DrawElement(canvas, matrix, *FActiveSVGElement);
+    };
+    const int x = FPlan.Box.Left;
+    const int y = FPlan.Box.Top;
+    if (FOpacity == 1) {
+        device.BeginBetween(FLayers, x, y);
+        drawElement();
+        device.EndBetween(FLayers, x, y);
+        return;
     }
-    LayDown(device, *FAfterBuffer, FAfterUsed, FPlan.Box.Left, FPlan.Box.Top, FOpacity);
+    LayDown(device, *FBeforeBuffer, FLayers.BeforeUsed(), x, y, FOpacity);
+    drawElement();
+    LayDown(device, *FAfterBuffer, FLayers.AfterUsed(), x, y, FOpacity);
 }
 
 void TVZSVGControl::PaintStretched(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect,
                                    const TRect& elementBox) {
     constexpr int HighQualityBicubic = 7;
     if (FQuality > 1) canvas.SetInterpolationMode(HighQualityBicubic);
-    if (!FBeforeUsed.IsEmpty()) canvas.DrawImage(*FBeforeBuffer, rect, FOpacity);
+    if (!FLayers.BeforeUsed().IsEmpty()) canvas.DrawImage(*FBeforeBuffer, rect, FOpacity);
     if (FOpacity < 1 || FQuality > 1)
         PaintElementStretched(canvas, rect, elementBox);
     else
         FSVG->DrawElement(canvas, matrix, *FActiveSVGElement);
-    if (!FAfterUsed.IsEmpty()) canvas.DrawImage(*FAfterBuffer, rect, FOpacity);
+    if (!FLayers.AfterUsed().IsEmpty()) canvas.DrawImage(*FAfterBuffer, rect, FOpacity);
 }
 
 /// Draws the element in the caches' size first. That bitmap is kept for the next time.
