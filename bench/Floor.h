@@ -38,7 +38,8 @@ __attribute__((target("avx2"), always_inline)) inline __m256i PlainOver(__m256i 
 }
 
 /// Pixels over a row without looking at what they are.
-__attribute__((target("avx2"))) inline void BlendPlain(std::uint32_t* row, const std::uint32_t* pixels, int count) {
+__attribute__((target("avx2"))) inline void BlendPlain(std::uint32_t* row, const std::uint32_t* pixels,
+                                                       int count) {
     int i = 0;
     for (; i + 8 <= count; i += 8) {
         const __m256i over = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pixels + i));

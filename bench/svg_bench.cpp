@@ -1,6 +1,6 @@
-// From an artwork's text to its picture: reading, cloning, first painting and frames in which one element turns. All
-// is measured in turn in one run; the counters are medians, and ratios to the time that expat takes to read the text
-// with empty handlers (E) or to a plain copy of the frame.
+// From an artwork's text to its picture: reading, cloning, first painting and frames in which one element
+// turns. All is measured in turn in one run; the counters are medians, and ratios to the time that expat
+// takes to read the text with empty handlers (E) or to a plain copy of the frame.
 
 #include "Floor.h"
 #include "Timing.h"
@@ -30,7 +30,8 @@ struct TArtwork {
     const char* Moving; ///< id of the element that turns
     float Center;       ///< of the turn, x and y
 };
-constexpr TArtwork Artworks[] = {{"SpeedometerSVG.svg", "NeedleGroup", 200}, {"CircularGaugeSVG.svg", "Hands", 100}};
+constexpr TArtwork Artworks[] = {{"SpeedometerSVG.svg", "NeedleGroup", 200},
+                                 {"CircularGaugeSVG.svg", "Hands", 100}};
 
 std::string ReadArtwork(const TArtwork& artwork) {
     std::ifstream file(std::string(TAVRO_SOURCE_DIR "/resources/") + artwork.File, std::ios::binary);
@@ -141,8 +142,8 @@ private:
     }
 };
 
-/// One frame: the element turns, and the stale region, or all, is painted again. In L, which is one copy and two blends
-/// of the stale region, and in plain copies of the frame.
+/// One frame: the element turns, and the stale region, or all, is painted again. In L, which is one copy and
+/// two blends of the stale region, and in plain copies of the frame.
 void Frame(benchmark::State& state) {
     const int size = static_cast<int>(state.range(1));
     TScene scene(Artworks[state.range(0)], size);
@@ -258,12 +259,14 @@ void Many(benchmark::State& state) {
     for (auto _ : state) {
         angle += 0.01F;
         each.push_back(Timed([&] {
-            for (int i = 0; i < count; ++i) {
-                needles[static_cast<std::size_t>(i)]->SetMatrix(CreateRotationVZMatrix({200, 200}, angle));
-                controls[static_cast<std::size_t>(i)]->Invalidate();
-            }
-            host.PaintStale();
-        }) / count);
+                           for (int i = 0; i < count; ++i) {
+                               needles[static_cast<std::size_t>(i)]->SetMatrix(
+                                   CreateRotationVZMatrix({200, 200}, angle));
+                               controls[static_cast<std::size_t>(i)]->Invalidate();
+                           }
+                           host.PaintStale();
+                       }) /
+                       count);
     }
     state.counters["each_us"] = Median(each);
 }

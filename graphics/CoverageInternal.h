@@ -18,10 +18,36 @@ struct TCoverageRow {
     int Count = 0; ///< columns up to where nothing changes any more
 };
 
-/// Columns of a box touched in a row, and the winding behind the last.
-struct TColumnSpan {
-    int First, Last, Sum;
+/// Rows are worked on in bands of at most this many.
+inline constexpr int MostBandRows = 64;
+
+/// Of each row of a band: the first and the last column of the box that was touched, and the winding behind
+/// the last.
+struct TBandSpans {
+    static constexpr std::size_t Size = MostBandRows + 4; ///< vectors of four rows reach beyond the end
+    std::array<int, Size> First, Last, Sum;
+    void Clear(int rows, int width);
 };
+
+/// The part of an edge that lies in a band. Columns are shifted by TCoverage::Shift.
+struct TTraceJob {
+    double X0, Y0, Slope; ///< the edge: X0 + (y - Y0) Slope
+    double Rate;          ///< the height that falls on a column's width, in 1 / TCoverage::One
+    double Begin, End;    ///< the rows that it covers, Begin < End
+    int Sign;
+    int Top; ///< the band's first row
+    int BoxLeft, BoxRight;
+    std::int32_t* Steps; ///< that of the box's first column in the band's first row
+    std::ptrdiff_t Stride;
+    TBandSpans* Spans;
+};
+
+/// Adds an edge's part in one row of its band, counted from the band's first.
+void TraceRow(const TTraceJob& job, int row);
+/// Adds it in all rows. Implementation for any machine.
+void TraceRows(const TTraceJob& job);
+/// The same, to the last bit, with vector instructions; only where TRowOps has it.
+void TraceRowsAvx2(const TTraceJob& job);
 
 /// Turns polygons into rows of exact area coverage. An edge's part in a pixel is a whole number that depends
 /// on the edge and the pixel only, never on the box, so that a picture painted in pieces equals one painted
@@ -29,6 +55,9 @@ struct TColumnSpan {
 class TCoverage {
 public:
     static constexpr int One = 1 << 16;
+    /// Device columns are shifted by this, so that all that can lie in a box is positive and truncation
+    /// rounds down.
+    static constexpr double Shift = 1 << 18;
     /// Entries of Steps behind the last column that may be read and written.
     static constexpr int Margin = 16;
 
@@ -49,8 +78,8 @@ public:
     std::size_t HeldBytes() const;
 
 private:
-    /// Rows are worked on in bands of at most this many, as long as their steps stay in the nearest cache.
-    static constexpr int MaxBand = 64;
+    /// The steps of a band stay in the nearest cache.
+    static constexpr int MaxBand = MostBandRows;
     static constexpr int BandSteps = 6144;
 
     /// A falling or rising side of a polygon; Y0 < Y1, both whole multiples of 1 / One.
@@ -80,7 +109,8 @@ private:
     std::vector<std::int32_t> FFirstInBand;
     std::vector<std::int32_t> FActive;
     std::vector<std::int32_t> FSteps;
-    std::array<TColumnSpan, MaxBand> FSpans;
+    void (*FTrace)(const TTraceJob& job) = nullptr;
+    TBandSpans FSpans;
     std::array<TCoverageRow, MaxBand> FRows;
 };
 

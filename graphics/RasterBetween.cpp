@@ -1,5 +1,5 @@
-// Drawing between two kept pictures. The lower one is laid down where the drawing is about to reach, row by row; at
-// the end the upper one is laid over just that, and both as one over the rest.
+// Drawing between two kept pictures. The lower one is laid down where the drawing is about to reach, row by
+// row; at the end the upper one is laid over just that, and both as one over the rest.
 
 #include "graphics/RasterStateInternal.h"
 
@@ -41,6 +41,8 @@ bool TRasterState::BeginBetween(const TLayerPair& layers, int x, int y) {
     const TPixels& pixels = layers.Before();
     Between.Layers = &layers;
     Between.Depth = Surfaces.Depth();
+    Between.FirstRect = Clip().First;
+    Between.EndRect = Clip().End;
     Between.X = x;
     Between.Y = y;
     Between.Box = Intersection({x, y, x + pixels.Width, y + pixels.Height}, ActiveBox());
@@ -58,7 +60,9 @@ void TRasterState::Reach(int y, int left, int right) {
     if (left >= reached.Left && right <= reached.Right) return;
     const TSurface& surface = Surfaces.Top();
     const auto lay = [&](int from, int to) {
-        for (const TRect& rect : OpenRects()) {
+        // All that were open at the beginning: a clip of the drawing's own may leave out some in between.
+        for (std::size_t i = Between.FirstRect; i < Between.EndRect; ++i) {
+            const TRect& rect = surface.Rects[i];
             const int first = std::max(from, rect.Left);
             const int end = std::min(to, rect.Right);
             if (y >= rect.Top && y < rect.Bottom && first < end)

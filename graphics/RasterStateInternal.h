@@ -75,9 +75,11 @@ struct TBetween {
     };
     const TLayerPair* Layers = nullptr; ///< null: there is none
     std::size_t Depth = 0;              ///< of the surface that it goes on
-    int X = 0, Y = 0;                   ///< device place of the pictures
-    TRect Box;                          ///< their pixels within the clip
-    std::vector<TReach> Reached;        ///< one a row of Box
+    std::size_t FirstRect = 0;          ///< that surface's rectangles which were open at the beginning
+    std::size_t EndRect = 0;
+    int X = 0, Y = 0;            ///< device place of the pictures
+    TRect Box;                   ///< their pixels within the clip
+    std::vector<TReach> Reached; ///< one a row of Box
 };
 
 /// A raster device's surfaces, clips and working memory.

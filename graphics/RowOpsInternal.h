@@ -118,6 +118,8 @@ struct TRowOps {
     void (*FillLinear)(const TFillJob& job, const TRampWalk& walk);
     void (*FillRadial)(const TFillJob& job, const TRampWalk& walk);
     void (*FillFocal)(const TFillJob& job, const TFocalWalk& walk);
+    /// Adds an edge's part in the rows of a band.
+    void (*Trace)(const TTraceJob& job);
     /// A row's coverage as bytes. May write 8 bytes more than there are columns.
     void (*Resolve)(const TCoverageRow& row, TFillRule rule, std::uint8_t* coverage);
     /// coverage *= factor.

@@ -533,6 +533,43 @@ TEST(Raster, APictureIsTheSameWithAndWithoutVectorInstructions) {
     }
 }
 
+TEST(Raster, ADrawingBetweenPicturesEqualsAllThreeInTurn) {
+    constexpr int size = 70;
+    std::mt19937 random(7);
+    const auto number = [&random](int low, int high) {
+        return std::uniform_int_distribution(low, high)(random);
+    };
+    constexpr std::uint32_t grounds[] = {0, 0, 0xFF203040, 0x60101010};
+    for (unsigned seed = 3000; seed < 3300; ++seed) {
+        TBitmap before(size, size, grounds[number(0, 3)]);
+        TScene(seed).Paint(*std::make_unique<TRasterDevice>(before.Pixels));
+        TBitmap after(size, size);
+        if (seed % 4) TScene(seed + 1).Paint(*std::make_unique<TRasterDevice>(after.Pixels));
+        TLayerPair layers;
+        layers.Set(before.Pixels, after.Pixels);
+        const TRegion region = RandomRegion(random, size);
+        const int x = number(-20, 20);
+        const int y = number(-20, 20);
+        const std::uint32_t ground = grounds[number(0, 3)];
+        TBitmap turn(size, size, ground);
+        {
+            TRasterDevice device(turn.Pixels, region);
+            const TAffine place = TAffine::Translation(x, y);
+            device.DrawImage(before.Pixels, place, 1, TInterpolation::Nearest);
+            TScene(seed + 2).Paint(device);
+            device.DrawImage(after.Pixels, place, 1, TInterpolation::Nearest);
+        }
+        TBitmap between(size, size, ground);
+        {
+            TRasterDevice device(between.Pixels, region);
+            device.BeginBetween(layers, x, y);
+            TScene(seed + 2).Paint(device);
+            device.EndBetween(layers, x, y);
+        }
+        ASSERT_EQ(between.Store, turn.Store) << "scene " << seed;
+    }
+}
+
 TEST(Raster, EveryPixelStaysPremultiplied) {
     constexpr int size = 70;
     for (unsigned seed = 2000; seed < 2100; ++seed) {

@@ -203,6 +203,46 @@ TEST_F(RowOps, BlendAlike) {
     }
 }
 
+TEST_F(RowOps, TraceAlike) {
+    constexpr int width = 40;
+    constexpr int height = 50;
+    constexpr int left = 1000;
+    constexpr std::ptrdiff_t stride = width + TCoverage::Margin;
+    const auto onGrid = [](double y) { return std::floor(y * TCoverage::One) / TCoverage::One; };
+    for (int i = 0; i < Rounds * 4; ++i) {
+        const double reach = Number(0, 3) ? 0 : Number(0, 3) ? 30 : 1e9;
+        TTraceJob job;
+        job.Top = Number(-10, 10);
+        job.X0 = left + Real(-reach, width + reach);
+        job.Y0 = onGrid(job.Top + Real(-20, height - 0.1));
+        const double bottom = onGrid(job.Y0 + std::max(Number(0, 2) ? Real(0, 70) : Real(0, 3), 1e-4));
+        const double right = Number(0, 5) ? left + Real(-reach, width + reach) : job.X0;
+        job.Slope = (right - job.X0) / (bottom - job.Y0);
+        job.Rate = TCoverage::One / std::abs(job.Slope);
+        job.Begin = std::max(job.Y0, double(job.Top));
+        job.End = std::min(bottom, double(job.Top + height));
+        if (job.Begin >= job.End) continue;
+        job.Sign = Number(0, 1) ? 1 : -1;
+        job.BoxLeft = left;
+        job.BoxRight = left + width;
+        job.Stride = stride;
+        std::vector<std::int32_t> steps[2];
+        TBandSpans spans[2];
+        const TRowOps* ops[] = {&PortableRowOps(), VectorRowOps()};
+        for (int k = 0; k < 2; ++k) {
+            steps[k].assign(std::size_t(stride * height), 3);
+            spans[k].Clear(TBandSpans::Size, width);
+            job.Steps = steps[k].data();
+            job.Spans = &spans[k];
+            ops[k]->Trace(job);
+        }
+        ASSERT_EQ(steps[0], steps[1]) << job.X0 << " " << job.Slope;
+        ASSERT_EQ(spans[0].First, spans[1].First);
+        ASSERT_EQ(spans[0].Last, spans[1].Last);
+        ASSERT_EQ(spans[0].Sum, spans[1].Sum);
+    }
+}
+
 TEST_F(RowOps, AverageAlike) {
     for (int i = 0; i < Rounds; ++i) {
         TPixelBoxes boxes;
