@@ -7,19 +7,20 @@ namespace Vz {
 namespace {
 
 constexpr int MostNested = 600;
-/// Elements looked at for one box, references followed; beyond it nothing more counts.
-constexpr int MostVisits = 200000;
 
 /// Adds up boxes of fills over a tree, references followed.
 class TBoxFinder {
 public:
+    explicit TBoxFinder(TPaintWork& work)
+        : FWork(work) {}
+
     TRectD Box;
 
     void Add(const TSVGGraphicElement& element, const TComputedStyle& parentStyle, const TAffine& matrix,
              double viewWidth, double viewHeight, bool ownTransform) {
         const TSVGTag tag = element.GetTag();
-        if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || FDepth >= MostNested || ++FVisits > MostVisits)
-            return;
+        if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || FDepth >= MostNested || !FWork.IsLeft()) return;
+        FWork.Add(tag == TSVGTag::Text ? TPaintWork::TextVisit : TPaintWork::BoxVisit);
         ++FDepth;
         const TComputedStyle style =
             ComputeStyle(parentStyle, element.GetStyle(), BasisOf(parentStyle, viewWidth, viewHeight));
@@ -82,7 +83,8 @@ private:
         if (!(w > 0) || !(h > 0)) return;
         TAffine inner = matrix;
         if (!isSymbol)
-            inner = TAffine::Translation(view.GetX().Resolve(TAxis::X, basis), view.GetY().Resolve(TAxis::Y, basis))
+            inner = TAffine::Translation(view.GetX().Resolve(TAxis::X, basis),
+                                         view.GetY().Resolve(TAxis::Y, basis))
                         .Then(matrix);
         const auto& box = view.GetViewBox();
         if (box)
@@ -112,16 +114,16 @@ private:
         FActive.pop_back();
     }
 
+    TPaintWork& FWork;
     std::vector<const TSVGElement*> FActive;
     int FDepth = 0;
-    int FVisits = 0;
 };
 
 } // namespace
 
 TRectD FillBounds(const TSVGGraphicElement& element, const TComputedStyle& style, const TAffine& matrix,
-                  double viewWidth, double viewHeight, bool ownTransform) {
-    TBoxFinder finder;
+                  double viewWidth, double viewHeight, bool ownTransform, TPaintWork& work) {
+    TBoxFinder finder(work);
     if (&element == &element.GetDocument())
         finder.AddChildren(element, style, matrix, viewWidth, viewHeight);
     else
@@ -131,11 +133,13 @@ TRectD FillBounds(const TSVGGraphicElement& element, const TComputedStyle& style
 
 TRectF TSVGGraphicElement::GetBounds(const TMatrix& matrix) const {
     const TSVGDocument& document = GetDocument();
+    TContentBounds nothing;
+    TPaintWork work(nothing);
     const auto& view = document.GetViewBox();
     const TComputedStyle style = GetParent() ? GetParent()->GetComputedStyle() : TComputedStyle::Initial();
     const TRectD box = FillBounds(*this, style, TAffine::FromMatrix(matrix),
                                   view ? view->Width : double{document.GetWidth()},
-                                  view ? view->Height : double{document.GetHeight()}, true);
+                                  view ? view->Height : double{document.GetHeight()}, true, work);
     if (box.IsEmpty()) return {};
     return {static_cast<float>(box.Left), static_cast<float>(box.Top), static_cast<float>(box.Right),
             static_cast<float>(box.Bottom)};

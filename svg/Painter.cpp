@@ -18,12 +18,20 @@ TAffine AboutOrigin(const TAffine& own, const TComputedStyle& style, double view
     return TAffine::Translation(-x, -y).Then(own).Then(TAffine::Translation(x, y));
 }
 
+bool TSVGPainter::IsFollowed(const TSVGElement* element) const {
+    return std::ranges::find(FActive, element) != FActive.end();
+}
+
 bool IsLayer(const TSVGGraphicElement& element, const TComputedStyle& style) {
     return element.GetOpacity() < 1 || style.ClipPath || style.Mask || style.Filter ||
            style.Blend != TKeyword::Normal || style.Isolation == TKeyword::Isolate;
 }
 
-bool TSVGPainter::Enter() { return ++FVisits <= MaxVisits; }
+bool TSVGPainter::Enter() {
+    if (!FWork.IsFollowing()) return true;
+    FWork.Add(TPaintWork::Visit);
+    return FWork.IsLeft();
+}
 
 TPaintContext TSVGPainter::RootContext(const TAffine& matrix) const {
     TPaintContext root;
@@ -70,7 +78,6 @@ void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const 
     if (!matrix.IsFinite() || !FDocument.GetVisible()) return;
     FPass = pass;
     FPivot = pivot;
-    FVisits = 0;
     TPaintContext root = RootContext(matrix);
     TComputedStyle scratch;
     root.Style = &StyleOf(FDocument, root, scratch);
@@ -182,6 +189,7 @@ void TSVGPainter::PaintDrawable(const TSVGGraphicElement& element, const TPaintC
                                 double opacity) {
     FCurrent = inner.Use ? inner.Use : &element;
     const bool isText = element.GetTag() == TSVGTag::Text;
+    if (isText && FWork.IsFollowing()) FWork.Add(TPaintWork::TextVisit);
     const auto make = [&] {
         return isText ? MakeTextList(static_cast<const TSVGText&>(element), inner)
                       : MakeShapeList(static_cast<const TSVGShape&>(element), inner, opacity);
@@ -229,10 +237,9 @@ void TSVGPainter::PaintShape(const TSVGShape& shape, const TDrawList& list, cons
 void TSVGPainter::PaintUse(const TSVGUse& use, const TPaintContext& inner) {
     const TSVGElement* const target = use.GetTarget();
     const auto* const drawn = dynamic_cast<const TSVGGraphicElement*>(target);
-    const bool circular = !drawn || drawn == &FDocument || use.HasAncestor(drawn) ||
-                          std::ranges::find(FActive, target) != FActive.end();
+    const bool circular = !drawn || drawn == &FDocument || use.HasAncestor(drawn) || IsFollowed(target);
     if (circular || FActive.size() > 64) return;
-    FActive.push_back(target);
+    const TFollow follow(*this, target);
     TPaintContext context = inner;
     context.Referenced = true;
     if (!context.Use) context.Use = &use;
@@ -262,7 +269,6 @@ void TSVGPainter::PaintUse(const TSVGUse& use, const TPaintContext& inner) {
         WithEffects(FindEffects(view, style), view, within,
                     [&](const TPaintContext& c) { PaintView(view, c, width, height, own); });
     }
-    FActive.pop_back();
 }
 
 void TSVGPainter::PaintView(const TSVGViewElement& view, const TPaintContext& inner,
@@ -278,6 +284,8 @@ void TSVGPainter::PaintView(const TSVGViewElement& view, const TPaintContext& in
     const bool open = inner.Style->HasOverflow &&
                       (inner.Style->Overflow == TKeyword::Visible || inner.Style->Overflow == TKeyword::Auto);
     TFigures frame;
+    const TPaintWork::THold hold(FWork, open ? 0 : FDevice.Pixels() * HeldByClip);
+    if (!hold.Fits()) return;
     if (!open) {
         frame.AddRect(0, 0, w, h);
         const TClipShape clip{{&frame}, context.Matrix};
@@ -327,7 +335,8 @@ void TSVGPainter::PaintImage(const TSVGImage& image, const TPaintContext& inner)
         FDevice.DrawImage(bitmap->GetPixels(), map, 1,
                           coarse ? TInterpolation::Nearest : TInterpolation::Bilinear);
     } else {
-        TSVGPainter(*embedded, FDevice).Paint(TPaintPass::Whole, nullptr, map);
+        const TFollow follow(*this, &image);
+        TSVGPainter(*embedded, FDevice.Target(), FWork).Paint(TPaintPass::Whole, nullptr, map);
     }
     FDevice.PopClip();
 }

@@ -97,7 +97,7 @@ const TSVGReferenced* TSVGPainter::FindReferenced(const std::shared_ptr<const st
     const TSVGElement* const element = id ? FDocument.FindElement(*id) : nullptr;
     // What leads back to itself counts as absent.
     const bool usable =
-        element && element->GetTag() == tag && std::ranges::find(FActive, element) == FActive.end();
+        element && element->GetTag() == tag && FActive.size() <= MostNested && !IsFollowed(element);
     return usable ? static_cast<const TSVGReferenced*>(element) : nullptr;
 }
 
@@ -112,8 +112,8 @@ TSVGPainter::TEffects TSVGPainter::FindEffects(const TSVGGraphicElement& element
     return effects;
 }
 
-TRectD TSVGPainter::ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner) const {
-    return FillBounds(element, *inner.Style, {}, inner.ViewWidth, inner.ViewHeight, false);
+TRectD TSVGPainter::ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner) {
+    return FillBounds(element, *inner.Style, {}, inner.ViewWidth, inner.ViewHeight, false, FWork);
 }
 
 void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement& element,
@@ -129,15 +129,17 @@ void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement&
     if (effects.Clip) {
         clipContext = ClipContext(*effects.Clip, element, inner, clipStyle);
         if (!clipContext.Matrix.IsInvertible()) return;
-        FActive.push_back(effects.Clip);
+        const TFollow follow(*this, effects.Clip);
         clipMasks = FindReferenced(clipStyle.ClipPath, TSVGTag::ClipPath) ||
                     !CollectClip(*effects.Clip, clipContext, shapes, figures, 0);
-        FActive.pop_back();
         if (!clipMasks && shapes.empty()) return;
         clipped = !clipMasks;
     }
-    if (clipped) FDevice.PushClip(shapes);
     const bool layered = effects.NeedsLayer() || clipMasks;
+    const double held = layered + (clipped ? HeldByClip : 0);
+    const TPaintWork::THold hold(FWork, held > 0 ? held * FDevice.Pixels() : 0);
+    if (!hold.Fits()) return;
+    if (clipped) FDevice.PushClip(shapes);
     if (layered) {
         TLayerStyle layer;
         layer.Opacity = effects.Opacity;
@@ -159,7 +161,7 @@ void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement&
 }
 
 TPaintContext TSVGPainter::ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
-                                       const TPaintContext& inner, TComputedStyle& style) const {
+                                       const TPaintContext& inner, TComputedStyle& style) {
     style = clip.GetComputedStyle();
     TPaintContext context = inner;
     context.Style = &style;
@@ -223,7 +225,7 @@ bool TSVGPainter::CollectClip(const TSVGElement& parent, const TPaintContext& co
 }
 
 void TSVGPainter::PaintClip(const TSVGReferenced& clip, const TPaintContext& context) {
-    FActive.push_back(&clip);
+    const TFollow follow(*this, &clip);
     TPaint black;
     const auto paint = [&](const TPaintContext& inner, const TSVGElement& parent, auto&& self) -> void {
         const bool isUse = parent.GetTag() == TSVGTag::Use;
@@ -270,7 +272,6 @@ void TSVGPainter::PaintClip(const TSVGReferenced& clip, const TPaintContext& con
     own.Style = context.Style;
     own.Clip = FindReferenced(context.Style->ClipPath, TSVGTag::ClipPath);
     WithEffects(own, clip, context, [&](const TPaintContext& inner) { paint(inner, clip, paint); });
-    FActive.pop_back();
 }
 
 void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element,
@@ -279,6 +280,9 @@ void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement
     const TMaskKind kind = style.MaskType == TKeyword::Alpha                 ? TMaskKind::Alpha
                            : style.ColorInterpolation == TKeyword::LinearRgb ? TMaskKind::LinearLuminance
                                                                              : TMaskKind::Luminance;
+    const TFollow follow(*this, &mask);
+    const TPaintWork::THold hold(FWork, 2 * FDevice.Pixels());
+    if (!hold.Fits()) return;
     FDevice.PushMask(kind);
     using U = TSVGUnits;
     const bool boxUnits = mask.GetUnits().value_or(U::ObjectBoundingBox) == U::ObjectBoundingBox;
@@ -298,7 +302,6 @@ void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement
         frame.AddRect(x, y, w, h);
         const TClipShape clip{{&frame}, (boxUnits ? BoxMap(box) : TAffine{}).Then(inner.Matrix)};
         FDevice.PushClip({&clip, 1});
-        FActive.push_back(&mask);
         TPaintContext context = inner;
         context.Style = &style;
         context.Referenced = true;
@@ -314,7 +317,6 @@ void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement
         } else {
             PaintChildren(mask, context);
         }
-        FActive.pop_back();
         FDevice.PopClip();
     }
     FDevice.PopMask();

@@ -17,10 +17,12 @@ constexpr double MostPixels = 4096;
 /// About the nanoseconds that one filtered element may take, that all of one painting may, and the part of
 /// what is left of them that the next one may; beyond it pictures are computed coarser, too.
 constexpr double MostCost = 5e8;
-constexpr double MostCostOfAll = 4e9;
-constexpr double MostShare = 1.0 / 8;
+constexpr double MostCostOfAll = 1.5e9;
+constexpr double MostShare = 1.0 / 3;
 /// What a filtered element takes beside its primitives, in nanoseconds a pixel.
 constexpr double OwnCost = 30;
+/// What it takes however small it is, in nanoseconds.
+constexpr double FixedCost = 2e5;
 /// From this count of pixels on it is worth while to look where the content lies.
 constexpr double ManyPixels = 1 << 20;
 constexpr int MostTemplates = 32;
@@ -162,8 +164,7 @@ bool TSVGPainter::TFilterJob::FindStages() {
         if (item.Kind == TFilterItem::TKind::Reference) {
             stage.Filter =
                 Painter.FindReferenced(std::make_shared<const std::string>(item.Id), TSVGTag::Filter);
-            const auto& active = Painter.FActive;
-            if (!stage.Filter || std::ranges::find(active, stage.Filter) != active.end()) continue;
+            if (!stage.Filter) continue;
             stage.Content = ContentOf(*stage.Filter);
             if (Box.IsEmpty()) Box = Painter.ObjectBox(Element, Inner);
             stage.Region = RegionOf(*stage.Filter, Box, Basis);
@@ -234,6 +235,7 @@ const TRectD& TSVGPainter::TFilterJob::ContentBox() {
     if (!Content) {
         TContentBounds bounds;
         TDeviceSwitch::TTurn turn(Painter.FDevice, bounds);
+        const TPaintWork::TFollow follow(Painter.FWork); // the content is painted once more
         TPaintContext context = Inner;
         context.Matrix = ToPixels;
         Paint(context);
@@ -265,16 +267,16 @@ void TSVGPainter::TFilterJob::FindBoxes() {
 }
 
 void TSVGPainter::TFilterJob::ChooseDetail() {
-    double cost = 1;
+    double cost = FixedCost;
     double widest = 1;
     for (const TStage& stage : Stages) {
         cost += (stage.Cost + OwnCost) * AreaOf(stage.Pixels);
         if (!stage.Pixels.IsEmpty()) widest = std::max({widest, stage.Pixels.Width(), stage.Pixels.Height()});
     }
-    const double share = std::max(MostCostOfAll - Painter.FFilterCost, 0.0) * MostShare;
+    const double share = std::max(MostCostOfAll - Painter.FWork.FilterCost, 0.0) * MostShare;
     const double most = std::min(MostPixels / (widest + 2), std::sqrt(std::min(MostCost, share) / cost));
     Detail = std::min(Painter.FDevice.IsVector() ? 2.0 : 1.0, most);
-    Painter.FFilterCost += cost * Detail * Detail;
+    Painter.FWork.FilterCost += cost * Detail * Detail;
 }
 
 /// What `draw` paints on a device of the box's pixels; it is given the map from the element's units to them.
@@ -371,14 +373,12 @@ TFilterImagePtr TSVGPainter::TFilterJob::RunStage(const TStage& stage, const TFi
         return std::make_shared<const TFilterImage>(
             RunFunction(stage, InColors(*source, TFilterColors::Srgb)));
     if (!stage.Content) return std::make_shared<const TFilterImage>();
-    Painter.FActive.push_back(stage.Filter);
+    const TFollow follow(Painter, stage.Filter);
     const TFilterPainter painter{[&](bool stroke) { return PaintedPaint(stroke, stage); },
                                  [&](const TSVGPlainElement& part, const TRectD& area, const TRect& at) {
                                      return PaintedImage(part, area, at);
                                  }};
-    TFilterImagePtr result = TFilterGraph(*stage.Content, PlaceOf(stage)).Run(source, painter);
-    Painter.FActive.pop_back();
-    return result;
+    return TFilterGraph(*stage.Content, PlaceOf(stage)).Run(source, painter);
 }
 
 /// Functions work on sRGB colours (Filter Effects 1, 13).
@@ -439,12 +439,10 @@ void TSVGPainter::PaintFiltered(const TSVGGraphicElement& element, const TPaintC
     TFilterJob job(*this, element, inner, paint);
     if (!inner.Matrix.IsFinite() || !inner.Matrix.IsInvertible()) return;
     if (!job.FindStages()) return paint(inner);
-    const std::size_t active = FActive.size();
     try {
         job.Run();
     } catch (const std::bad_alloc&) {
         // Nothing is painted where the memory does not suffice.
-        FActive.resize(active);
     }
 }
 

@@ -39,14 +39,20 @@ struct TPaintContext {
 /// Walks a document in painting order and hands what it paints to a device.
 class TSVGPainter {
 public:
-    /// Elements visited in one painting, references followed; beyond it nothing more is painted.
-    static constexpr int MaxVisits = 400000;
     /// Elements within elements, references followed.
     static constexpr int MaxDepth = 1200;
 
     TSVGPainter(const TSVGDocument& document, IPaintDevice& device)
         : FDocument(document)
-        , FDevice(device) {}
+        , FOwnWork(device)
+        , FWork(FOwnWork)
+        , FDevice(device, FWork) {}
+    /// For a part of another painting, with which it shares the bounds.
+    TSVGPainter(const TSVGDocument& document, IPaintDevice& device, TPaintWork& work)
+        : FDocument(document)
+        , FOwnWork(device)
+        , FWork(work)
+        , FDevice(device, FWork) {}
 
     /// `matrix` maps the document's natural pixels to the device's.
     void Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const TAffine& matrix);
@@ -54,6 +60,21 @@ public:
     const TSVGGraphicElement* GetCurrent() const { return FCurrent; }
 
 private:
+    /// A reference that is being followed: what leads back to it is left out.
+    class TFollow {
+    public:
+        TFollow(TSVGPainter& painter, const TSVGElement* element)
+            : FPainter(painter)
+            , FFollow(painter.FWork) {
+            FPainter.FActive.push_back(element);
+        }
+        ~TFollow() { FPainter.FActive.pop_back(); }
+
+    private:
+        TSVGPainter& FPainter;
+        TPaintWork::TFollow FFollow;
+    };
+
     /// What lays an element's drawing down as one.
     struct TEffects {
         double Opacity = 1;
@@ -96,6 +117,7 @@ private:
     /// The context inside an element: its own transform and style on top.
     TPaintContext Inside(const TSVGGraphicElement& element, const TPaintContext& context,
                          const TComputedStyle& style) const;
+    /// Counts an element that is reached through a reference; false where it is to be left out.
     bool Enter();
 
     // PainterSteps.cpp: from elements to draw steps.
@@ -115,7 +137,7 @@ private:
     void WithEffects(const TEffects& effects, const TSVGGraphicElement& element, const TPaintContext& inner,
                      const std::function<void(const TPaintContext&)>& paint);
     TPaintContext ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
-                              const TPaintContext& inner, TComputedStyle& style) const;
+                              const TPaintContext& inner, TComputedStyle& style);
     bool CollectClip(const TSVGElement& parent, const TPaintContext& context, std::vector<TClipShape>& shapes,
                      std::list<TFigures>& figures, int depth);
     /// PainterFilter.cpp: paints through the filter that the element's style names.
@@ -126,7 +148,8 @@ private:
     void PaintClip(const TSVGReferenced& clip, const TPaintContext& context);
     void PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element, const TPaintContext& inner);
     const TSVGReferenced* FindReferenced(const std::shared_ptr<const std::string>& id, TSVGTag tag) const;
-    TRectD ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner) const;
+    bool IsFollowed(const TSVGElement* element) const;
+    TRectD ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner);
 
     // PainterMarkers.cpp
     void PaintMarkers(const TSVGShape& shape, const TPaintContext& inner);
@@ -134,13 +157,13 @@ private:
                      TPointD at, double angleRad);
 
     const TSVGDocument& FDocument;
+    TPaintWork FOwnWork;
+    TPaintWork& FWork;
     TDeviceSwitch FDevice;
     TPaintPass FPass = TPaintPass::Whole;
     const TSVGGraphicElement* FPivot = nullptr;
     std::vector<const TSVGElement*> FActive; ///< references being followed
     const TSVGGraphicElement* FCurrent = nullptr;
-    int FVisits = 0;
-    double FFilterCost = 0; ///< about the nanoseconds that filters took
 };
 
 /// Elements with one outline (TSVGShape).
@@ -153,9 +176,9 @@ constexpr bool IsReferencedTag(TSVGTag tag) {
 }
 
 /// The box around what an element fills (strokes left out), in the units in which `matrix` puts the element's
-/// parent. `style` is the parent's.
+/// parent. `style` is the parent's. What does not fit into `work` any more is left out.
 TRectD FillBounds(const TSVGGraphicElement& element, const TComputedStyle& style, const TAffine& matrix,
-                  double viewWidth, double viewHeight, bool ownTransform);
+                  double viewWidth, double viewHeight, bool ownTransform, TPaintWork& work);
 
 /// The transform of an element to its parent's units, its origin taken into account.
 TAffine TransformOf(const TSVGGraphicElement& element, const TComputedStyle& style, double viewWidth,

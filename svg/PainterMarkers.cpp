@@ -98,7 +98,9 @@ void TSVGPainter::PaintMarkers(const TSVGShape& shape, const TPaintContext& inne
     const TSVGReferenced* const end = FindReferenced(style.MarkerEnd, TSVGTag::Marker);
     for (std::size_t i = 0; i < vertices.size(); ++i) {
         const auto paint = [&](const TSVGReferenced* marker, bool reverse) {
-            if (!marker || !Enter()) return;
+            if (!marker || !FWork.IsLeft()) return;
+            const TFollow follow(*this, marker);
+            if (!Enter()) return;
             const double turn = reverse && marker->GetOrientReverse() ? std::numbers::pi : 0;
             PaintMarker(*marker, shape, inner, vertices[i].At, AngleAt(vertices[i]) + turn);
         };
@@ -152,6 +154,8 @@ void TSVGPainter::PaintMarker(const TSVGReferenced& marker, const TSVGShape& bea
     context.Referenced = true;
     context.Context = &shape;
     ++context.Depth;
+    const TPaintWork::THold hold(FWork, FDevice.Pixels());
+    if (!hold.Fits()) return;
     TFigures frame;
     const bool clipped =
         !style.HasOverflow || (style.Overflow != TKeyword::Visible && style.Overflow != TKeyword::Auto);
@@ -166,9 +170,7 @@ void TSVGPainter::PaintMarker(const TSVGReferenced& marker, const TSVGShape& bea
         layer.Opacity = opacity;
         FDevice.PushLayer(layer);
     }
-    FActive.push_back(&marker);
     PaintChildren(marker, context);
-    FActive.pop_back();
     if (opacity < 1) FDevice.PopLayer();
     if (clipped) FDevice.PopClip();
 }

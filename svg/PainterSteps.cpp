@@ -160,7 +160,7 @@ std::optional<TPaint> TSVGPainter::MakePattern(const TSVGReferenced& pattern, do
     };
     const TSVGReferenced* const content =
         along([](const TSVGReferenced& p) { return p.GetChildCount() ? &p : nullptr; });
-    if (!content || std::ranges::find(FActive, content) != FActive.end() || FActive.size() > 16) return {};
+    if (!content || IsFollowed(content) || FActive.size() > 16 || !FWork.IsLeft()) return {};
     using U = TSVGUnits;
     const U units = along([](const auto& p) { return p.GetUnits(); }).value_or(U::ObjectBoundingBox);
     const U contentUnits =
@@ -199,6 +199,12 @@ std::optional<TPaint> TSVGPainter::MakePattern(const TSVGReferenced& pattern, do
     const int tileHeight = static_cast<int>(std::clamp(std::round(h * scaleY), 1.0, most));
     const TAffine toTile{tileWidth / w, 0, 0, tileHeight / h, 0, 0};
 
+    if (FDevice.Pixels() == 0) return SolidPaint(Faded(0xFF000000, opacity)); // only asks what is painted
+    const TFollow follow(*this, content);
+    const double tilePixels = double(tileWidth) * tileHeight;
+    const TPaintWork::THold hold(FWork, tilePixels);
+    if (!hold.Fits()) return {};
+    FWork.Add(TPaintWork::TilePixel * tilePixels);
     auto tile = std::make_shared<TVZGPBitmap>(tileWidth, tileHeight);
     TComputedStyle tileStyle = content->GetComputedStyle();
     TPaintContext context;
@@ -218,14 +224,9 @@ std::optional<TPaint> TSVGPainter::MakePattern(const TSVGReferenced& pattern, do
         context.Matrix = origin.Then(toTile);
     }
     TRasterDevice device(tile->GetPixels());
-    TSVGPainter painter(FDocument, device);
+    TSVGPainter painter(FDocument, device, FWork);
     painter.FActive = FActive;
-    painter.FActive.push_back(content);
-    painter.FVisits = FVisits;
-    painter.FFilterCost = FFilterCost;
     painter.PaintChildren(*content, context);
-    FVisits = painter.FVisits;
-    FFilterCost = painter.FFilterCost;
 
     TPaint paint;
     paint.Kind = TPaint::TKind::Image;

@@ -69,7 +69,7 @@ std::optional<TSVGStyleProperty> FilterPartProperty(std::string_view name) {
 /// How many characters all references to texts together may bring in: each may refer to others.
 constexpr std::size_t MaxReferencedText = std::size_t{1} << 20;
 /// How many steps the search for matching rules may take in a document.
-constexpr std::int64_t MaxMatchSteps = 50'000'000;
+constexpr std::int64_t MaxMatchSteps = 16'000'000;
 
 void CollectCharacters(const TSVGElement& element, std::string& text) {
     if (text.size() > MaxReferencedText) return;
@@ -129,7 +129,8 @@ private:
     bool FHasSheets;
     XML_Parser FParser = nullptr;
     std::vector<TOpen> FOpen;
-    std::unordered_map<std::string_view, std::vector<std::string>> FNamespaces; ///< by prefix, the innermost last
+    std::unordered_map<std::string_view, std::vector<std::string>>
+        FNamespaces;                   ///< by prefix, the innermost last
     std::deque<std::string> FPrefixes; ///< in the order in which they were bound
     std::size_t FContentSize = 0;      ///< of all attributes and characters, entities expanded
     std::string FSheetText;
@@ -189,8 +190,8 @@ TSVGDiagnostic TSVGReader::Here() const {
             {}};
 }
 
-/// Entities may stand for much more text than they are written with; false, and the reading ends, where it becomes
-/// more than a document may have.
+/// Entities may stand for much more text than they are written with; false, and the reading ends, where it
+/// becomes more than a document may have.
 bool TSVGReader::CountContent(std::size_t size) {
     FContentSize += size;
     if (FContentSize <= TSVGDocument::MaxTextSize) return true;
@@ -203,7 +204,8 @@ void TSVGReader::BindNamespaces(const char** attributes) {
     for (; *attributes; attributes += 2) {
         const std::string_view name = attributes[0];
         if (name != "xmlns" && !name.starts_with("xmlns:")) continue;
-        const std::string& prefix = FPrefixes.emplace_back(name.substr(std::min<std::size_t>(name.size(), 6)));
+        const std::string& prefix =
+            FPrefixes.emplace_back(name.substr(std::min<std::size_t>(name.size(), 6)));
         FNamespaces[prefix].emplace_back(attributes[1]);
     }
 }
@@ -389,6 +391,7 @@ void TSVGReader::ApplySheets() {
             ApplyDeclarations(element, *match.Declarations, true);
         ApplyDeclarations(element, own, true);
     }
+    if (budget <= 0) Note("style: too many rules for too many elements; not all were applied");
 }
 
 /// A tref stands for the characters of another element (SVG 1.1, 10.6).
@@ -446,8 +449,7 @@ void ReadSvg(std::string_view text, std::string_view source, TSVGDocument& docum
     // Where a text is not of single bytes the words cannot be looked for.
     const bool isWide = text.substr(0, 4).find('\0') != text.npos || text.starts_with("\xFE\xFF") ||
                         text.starts_with("\xFF\xFE");
-    const bool hasSheets =
-        isWide || text.find("<style") != text.npos || text.find(":style") != text.npos;
+    const bool hasSheets = isWide || text.find("<style") != text.npos || text.find(":style") != text.npos;
     document.BeginUpdate();
     TSVGReader(source, document, hasSheets).Run(text);
     document.EndUpdate();

@@ -205,6 +205,9 @@ void TStyleSheet::BuildIndex() {
     }
 }
 
+/// What it takes to apply a declaration, in steps of the search.
+constexpr std::int64_t StepsToApply = 3;
+
 void TStyleSheet::Match(const IStyledElement& element, std::vector<TMatch>& matches,
                         std::int64_t* budget) const {
     matches.clear();
@@ -214,8 +217,9 @@ void TStyleSheet::Match(const IStyledElement& element, std::vector<TMatch>& matc
     for (const std::uint32_t place : Candidates(element)) {
         if (left <= 0) return;
         const TRule& rule = *FRules[place];
-        if (rule.Selector.Matches(element, left))
-            matches.push_back({&rule.Block->Declarations, &rule.Block->Transform});
+        if (!rule.Selector.Matches(element, left)) continue;
+        matches.push_back({&rule.Block->Declarations, &rule.Block->Transform});
+        left -= StepsToApply * static_cast<std::int64_t>(1 + rule.Block->Declarations.size());
     }
 }
 

@@ -12,6 +12,10 @@
 namespace Vz {
 namespace {
 
+/// What a text may have; what is more is left out.
+constexpr std::size_t MostCharacters = 1 << 16;
+constexpr std::size_t MostNodes = 1 << 13;
+
 constexpr double None = std::numeric_limits<double>::quiet_NaN();
 
 /// The character at the place `i` of well-formed UTF-8; moves `i` behind it.
@@ -121,7 +125,7 @@ void TTextCollector::AddChildren(const TSVGCustomText& element, std::size_t node
         if (const auto* const characters = dynamic_cast<const TSVGCharacters*>(child.get()))
             AddCharacters(characters->GetText(), node);
         else if (const auto* const inner = dynamic_cast<const TSVGCustomText*>(child.get());
-                 inner && inner->GetVisible() && inner->ConditionsHold())
+                 inner && inner->GetVisible() && inner->ConditionsHold() && FContent.Nodes.size() < MostNodes)
             Add(*inner, ComputeStyle(FContent.Nodes[node].Style, inner->GetStyle(), FView),
                 static_cast<int>(node));
     }
@@ -141,7 +145,7 @@ void TTextCollector::AddCharacters(const std::string& text, std::size_t node) {
 void TTextCollector::AddCharacter(std::uint32_t code, std::size_t node) {
     const bool isBlank = code == ' ' || code == '\t' || code == '\n' || code == '\r';
     const bool collapses = isBlank && !FContent.Nodes[node].Style.Text->PreserveSpace;
-    if (collapses && FSwallowsBlanks) return;
+    if ((collapses && FSwallowsBlanks) || FContent.Characters.size() >= MostCharacters) return;
     FSwallowsBlanks = isBlank;
     FEndCollapses = collapses;
     TTextCharacter& made = FContent.Characters.emplace_back();
