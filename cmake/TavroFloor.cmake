@@ -43,9 +43,10 @@ function(tavro_library target)
         target_sources(${target} PRIVATE $<TARGET_OBJECTS:tavro_${floor}>)
         target_link_libraries(${target} PRIVATE ${private})
     endforeach()
-    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include/tavro>)
     target_compile_features(${target} PUBLIC cxx_std_20)
-    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION 0)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME Core LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION 0)
     add_library(Tavro::Core ALIAS ${target})
 endfunction()
 

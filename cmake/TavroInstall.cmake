@@ -1,0 +1,61 @@
+# What is installed, and how others find it: `find_package(Tavro COMPONENTS Core Qt6)`, tavro.pc and tavro-qt6.pc.
+# Headers stand below include/tavro as they stand in the sources.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(headers ${CMAKE_INSTALL_INCLUDEDIR}/tavro)
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Tavro)
+
+install(DIRECTORY runtime graphics controls svg instruments package
+    DESTINATION ${headers} COMPONENT Core
+    FILES_MATCHING PATTERN "*.h" PATTERN "*Internal.h" EXCLUDE)
+install(TARGETS tavro EXPORT TavroCore
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Core
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Core)
+install(EXPORT TavroCore NAMESPACE Tavro:: FILE TavroCore.cmake DESTINATION ${package} COMPONENT Core)
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Core)
+# What is installed finds the library beside it, wherever the tree lies.
+file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+if(TAVRO_TOOLS)
+    set_target_properties(tavro_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+    install(TARGETS tavro_tool COMPONENT Core)
+endif()
+
+# tavro_pkg_config(NAME REQUIRES): NAME.pc. It finds its prefix from its own place, so that the tree can be moved.
+function(tavro_pkg_config name description requires libs cflags)
+    file(RELATIVE_PATH to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+    configure_file(cmake/tavro.pc.in ${name}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+set(static_requires "cairo pangoft2 harfbuzz fontconfig freetype2 libagg expat")
+tavro_pkg_config(tavro "${PROJECT_DESCRIPTION}" "" "-ltavro" "")
+
+if(TAVRO_QT)
+    install(DIRECTORY hosts/qt/ DESTINATION ${headers}/hosts/qt COMPONENT Qt6
+        FILES_MATCHING PATTERN "VzWidget.h" PATTERN "PropVariant.h")
+    foreach(widget IN LISTS TAVRO_QT_WIDGETS)
+        install(FILES ${CMAKE_BINARY_DIR}/hosts/qt/widgets/${widget}.h DESTINATION ${headers}/qt COMPONENT Qt6)
+    endforeach()
+    set_target_properties(tavro_qt6 PROPERTIES INSTALL_RPATH $ORIGIN)
+    install(TARGETS tavro_qt6 EXPORT TavroQt6
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Qt6
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Qt6)
+    install(EXPORT TavroQt6 NAMESPACE Tavro:: FILE TavroQt6.cmake DESTINATION ${package} COMPONENT Qt6)
+    tavro_pkg_config(tavro-qt6 "Tavro's widgets for Qt 6" "tavro Qt6Widgets" "-ltavro_qt6" "-I\${includedir}/tavro/qt")
+    # Designer looks for plugins where the distribution has Qt's.
+    if(TARGET tavro_designer)
+        set(TAVRO_DESIGNER_DIR ${QT6_INSTALL_PLUGINS}/designer CACHE STRING "Folder for the Designer plugin, below the prefix")
+        file(RELATIVE_PATH plugin_to_lib ${CMAKE_INSTALL_PREFIX}/${TAVRO_DESIGNER_DIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+        set_target_properties(tavro_designer PROPERTIES INSTALL_RPATH "$ORIGIN/${plugin_to_lib}")
+        install(TARGETS tavro_designer LIBRARY DESTINATION ${TAVRO_DESIGNER_DIR} COMPONENT Qt6)
+    endif()
+    if(TARGET tavro_gallery)
+        set_target_properties(tavro_gallery PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+        install(TARGETS tavro_gallery COMPONENT Qt6)
+    endif()
+endif()
+
+configure_package_config_file(cmake/TavroConfig.cmake.in TavroConfig.cmake INSTALL_DESTINATION ${package})
+write_basic_package_version_file(TavroConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TavroConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/TavroConfigVersion.cmake
+    DESTINATION ${package} COMPONENT Core)

@@ -1,0 +1,10 @@
+#include "controls/HeadlessHost.h"
+#include "instruments/meters/Vz.Tavro.Speedometers.h"
+#include "runtime/AtomicFile.h"
+
+int main(int count, char** arguments) {
+    const auto speedometer = Vz::TVZSpeedometer::Create();
+    speedometer->SetValue(87);
+    Vz::WriteFileAtomically(count > 1 ? arguments[1] : "speed.png",
+                            Vz::EncodePng(Vz::THeadlessHost(*speedometer).Paint().GetPixels()));
+}

@@ -1,0 +1,78 @@
+# Installs the build BUILD into FOLDER, and builds and runs programs against it.
+# Takes SOURCE (the project), QT (whether the host is built) and COMPILER.
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE text ERROR_VARIABLE text)
+    if(NOT status EQUAL 0)
+        list(JOIN ARGN " " command)
+        message(FATAL_ERROR "${command}\nended with ${status}:\n${text}")
+    endif()
+    set(output "${text}" PARENT_SCOPE)
+endfunction()
+
+function(expect_picture file)
+    if(NOT EXISTS ${file})
+        message(FATAL_ERROR "${file} was not written")
+    endif()
+    file(SIZE ${file} size)
+    if(size LESS 5000)
+        message(FATAL_ERROR "${file} has only ${size} bytes")
+    endif()
+endfunction()
+
+set(ENV{QT_QPA_PLATFORM} offscreen)
+set(prefix ${FOLDER}/prefix)
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+
+# Nothing that was installed includes what was not.
+file(GLOB_RECURSE headers RELATIVE ${prefix}/include/tavro ${prefix}/include/tavro/*.h)
+list(LENGTH headers count)
+if(count LESS 60)
+    message(FATAL_ERROR "only ${count} headers were installed")
+endif()
+foreach(header IN LISTS headers)
+    file(STRINGS ${prefix}/include/tavro/${header} includes REGEX "^ *# *include *\"")
+    foreach(line IN LISTS includes)
+        string(REGEX REPLACE ".*\"(.*)\".*" "\\1" name "${line}")
+        if(NOT EXISTS ${prefix}/include/tavro/${name})
+            message(FATAL_ERROR "${header} includes \"${name}\", which is not installed")
+        endif()
+    endforeach()
+endforeach()
+
+# find_package.
+run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/found -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DWITH_QT=${QT})
+run(${CMAKE_COMMAND} --build ${FOLDER}/found)
+run(${FOLDER}/found/picture ${FOLDER}/picture.png)
+expect_picture(${FOLDER}/picture.png)
+if(QT)
+    run(${FOLDER}/found/window ${FOLDER}/window.png)
+    expect_picture(${FOLDER}/window.png)
+endif()
+
+# pkg-config.
+file(GLOB_RECURSE pc ${prefix}/*/tavro.pc)
+get_filename_component(pc_folder ${pc} DIRECTORY)
+get_filename_component(library_folder ${pc_folder} DIRECTORY)
+set(ENV{PKG_CONFIG_PATH} ${pc_folder})
+run(pkg-config --cflags --libs tavro)
+separate_arguments(flags UNIX_COMMAND "${output}")
+run(${COMPILER} -std=c++20 ${SOURCE}/tests/install/consumer/picture.cpp -o ${FOLDER}/by-pkg-config ${flags})
+set(ENV{LD_LIBRARY_PATH} ${library_folder})
+run(${FOLDER}/by-pkg-config ${FOLDER}/by-pkg-config.png)
+expect_picture(${FOLDER}/by-pkg-config.png)
+if(QT)
+    run(pkg-config --cflags --libs tavro-qt6)
+endif()
+unset(ENV{LD_LIBRARY_PATH})
+
+# The tool from its new place.
+run(${prefix}/bin/tavro classes)
+
+# As a folder of another project: the program compiles; the library itself is not built once more.
+run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/inside -DTAVRO_FOLDER=${SOURCE}
+    -DCMAKE_CXX_COMPILER=${COMPILER})
+run(${CMAKE_COMMAND} --build ${FOLDER}/inside --target picture_source)
