@@ -1,0 +1,19 @@
+#pragma once
+
+#include <span>
+
+class QWidget;
+class VzWidget;
+
+/// One of the typed widgets, for what offers them all: Designer, the gallery.
+struct TVzWidgetClass {
+    const char* Name;   ///< "VzSpeedometer"; its header is of the same name, with ".h"
+    const char* Header; ///< of its component: "instruments/meters/Speedometer.h"
+    const char* Folder; ///< the last one of Header, which tells the family: "meters"
+
+    /// Makes one with a fresh component, owned by the parent if there is one.
+    VzWidget* (*Create)(QWidget* parent);
+};
+
+/// The typed widgets of all component classes, in the order in which the library registers these.
+std::span<const TVzWidgetClass> vzWidgetClasses();

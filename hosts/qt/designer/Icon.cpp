@@ -1,0 +1,51 @@
+#include "hosts/qt/designer/Icon.h"
+
+#include "controls/Control.h"
+#include "hosts/qt/VzWidget.h"
+#include "svg/VZSVGControl.h"
+
+#include <QPixmap>
+
+#include <memory>
+
+namespace {
+
+constexpr int SizesPx[] = {22, 44, 64};
+
+/// What the plain control shows, which has no artwork of its own: shapes and a curve over them.
+constexpr const char* PlainPicture = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 44 44">
+<rect x="4" y="16" width="24" height="24" rx="3" fill="#3584e4"/>
+<circle cx="28" cy="16" r="12" fill="#f6b73c" fill-opacity=".92"/>
+<path d="M6 34C18 38 12 8 38 26" fill="none" stroke="#20262e" stroke-width="3.2" stroke-linecap="round"/>
+</svg>)";
+
+std::unique_ptr<VzWidget> makeModel(const TVzWidgetClass& widgetClass) {
+    std::unique_ptr<VzWidget> model(widgetClass.Create(nullptr));
+    if (QLatin1String(widgetClass.Folder) == QLatin1String("svg"))
+        static_cast<Vz::TVZSVGControl&>(model->component()).LoadFromText(PlainPicture);
+    return model;
+}
+
+QPixmap drawn(VzWidget& model, QSize shape, int sizePx) {
+    model.resize(shape.scaled(sizePx, sizePx, Qt::KeepAspectRatio));
+    QPixmap pixmap(sizePx, sizePx);
+    pixmap.fill(Qt::transparent);
+    const QPoint corner((sizePx - model.width()) / 2, (sizePx - model.height()) / 2);
+    model.render(&pixmap, corner, {}, QWidget::DrawChildren);
+    return pixmap;
+}
+
+} // namespace
+
+QIcon vzWidgetIcon(const TVzWidgetClass& widgetClass) {
+    QIcon icon;
+    try {
+        const auto model = makeModel(widgetClass);
+        const QSize shape = model->size();
+        for (const int sizePx : SizesPx)
+            icon.addPixmap(drawn(*model, shape, sizePx));
+    } catch (const std::exception& error) {
+        qWarning("%s: no icon: %s", widgetClass.Name, error.what());
+    }
+    return icon;
+}
