@@ -4,6 +4,7 @@
 #include "hosts/qt/VzWidget.h"
 #include "svg/VZSVGControl.h"
 
+#include <QDateTime>
 #include <QPixmap>
 
 #include <memory>
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr int SizesPx[] = {22, 44, 64};
+constexpr double ShownShare = 0.62; // of the scale
 
 /// What the plain control shows, which has no artwork of its own: shapes and a curve over them.
 constexpr const char* PlainPicture = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 44 44">
@@ -23,6 +25,10 @@ std::unique_ptr<VzWidget> makeModel(const TVzWidgetClass& widgetClass) {
     std::unique_ptr<VzWidget> model(widgetClass.Create(nullptr));
     if (QLatin1String(widgetClass.Folder) == QLatin1String("svg"))
         static_cast<Vz::TVZSVGControl&>(model->component()).LoadFromText(PlainPicture);
+    const double minimum = model->property("minimum").toDouble();
+    const double maximum = model->property("maximum").toDouble();
+    if (maximum > minimum) model->setProperty("value", minimum + ShownShare * (maximum - minimum));
+    model->setProperty("time", QDateTime(QDate(2000, 5, 1), QTime(10, 9, 35)));
     return model;
 }
 

@@ -2,19 +2,15 @@
 
 #include "hosts/qt/VzWidget.h"
 
-#include <QDesignerPropertyEditorInterface>
+#include <QDesignerFormEditorInterface>
 #include <QExtensionManager>
 #include <QMetaProperty>
 
-VzPropertySheet::VzPropertySheet(QDesignerFormEditorInterface& theCore, VzWidget& theWidget,
-                                 QDesignerPropertySheetExtension& theBase, QObject* parent)
+VzPropertySheet::VzPropertySheet(VzWidget& theWidget, QDesignerPropertySheetExtension& theBase,
+                                 QObject* parent)
     : QObject(parent)
-    , core(theCore)
     , widget(theWidget)
-    , base(theBase) {
-    for (int index = 0; index < count(); ++index)
-        if (ownRow(index) >= 0) shown.push_back({index, property(index), isChanged(index)});
-}
+    , base(theBase) {}
 
 /// The row among the meta object's properties if it is the component's, -1 if it is QWidget's or one that the
 /// form's author added.
@@ -38,39 +34,17 @@ bool VzPropertySheet::reset(int index) {
     if (row < 0) return isBaseReset;
     const bool isReset = widget.metaObject()->property(row).reset(&widget);
     base.setChanged(index, false);
-    showOthers(index);
     return isReset;
 }
 
-void VzPropertySheet::setProperty(int index, const QVariant& value) {
-    base.setProperty(index, value);
-    if (ownRow(index) >= 0) showOthers(index);
-}
-
-/// A setter may change further properties, which the property editor does not see: a maximum lowers the
-/// value.
-void VzPropertySheet::showOthers(int index) {
-    QDesignerPropertyEditorInterface* const editor = core.propertyEditor();
-    const bool isShown = editor && editor->object() == &widget;
-    for (TShown& row : shown) {
-        const QVariant value = property(row.Index);
-        const bool isNowChanged = isChanged(row.Index);
-        if (isNowChanged == row.IsChanged && value == row.Value) continue;
-        row.Value = value;
-        row.IsChanged = isNowChanged;
-        if (isShown && row.Index != index)
-            editor->setPropertyValue(propertyName(row.Index), value, isNowChanged);
-    }
-}
-
-VzPropertySheetFactory::VzPropertySheetFactory(QDesignerFormEditorInterface& theCore)
-    : QExtensionFactory(theCore.extensionManager())
-    , core(theCore) {}
+VzPropertySheetFactory::VzPropertySheetFactory(QExtensionManager& manager)
+    : QExtensionFactory(&manager) {}
 
 void VzPropertySheetFactory::install(QDesignerFormEditorInterface& core) {
     QExtensionManager* const manager = core.extensionManager();
     if (manager->findChild<VzPropertySheetFactory*>(QString(), Qt::FindDirectChildrenOnly)) return;
-    manager->registerExtensions(new VzPropertySheetFactory(core), Q_TYPEID(QDesignerPropertySheetExtension));
+    manager->registerExtensions(new VzPropertySheetFactory(*manager),
+                                Q_TYPEID(QDesignerPropertySheetExtension));
 }
 
 QObject* VzPropertySheetFactory::createExtension(QObject* object, const QString& iid, QObject* parent) const {
@@ -79,5 +53,5 @@ QObject* VzPropertySheetFactory::createExtension(QObject* object, const QString&
     isAskingOthers = true;
     auto* const base = qt_extension<QDesignerPropertySheetExtension*>(extensionManager(), object);
     isAskingOthers = false;
-    return base ? new VzPropertySheet(core, *widget, *base, parent) : nullptr;
+    return base ? new VzPropertySheet(*widget, *base, parent) : nullptr;
 }

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QDesignerFormEditorInterface>
 #include <QDesignerPropertySheetExtension>
 #include <QExtensionFactory>
 #include <QVariant>
 
-#include <vector>
-
+class QDesignerFormEditorInterface;
 class VzWidget;
 
 /// A widget's properties as Designer edits and saves them: Designer's own sheet, but that a property of the
@@ -17,12 +15,10 @@ class VzPropertySheet final : public QObject, public QDesignerPropertySheetExten
     Q_INTERFACES(QDesignerPropertySheetExtension)
 public:
     /// `base` is Designer's sheet of the same widget, which lives as long as the widget does.
-    VzPropertySheet(QDesignerFormEditorInterface& core, VzWidget& widget,
-                    QDesignerPropertySheetExtension& base, QObject* parent);
+    VzPropertySheet(VzWidget& widget, QDesignerPropertySheetExtension& base, QObject* parent);
 
     bool hasReset(int index) const override;
     bool reset(int index) override;
-    void setProperty(int index, const QVariant& value) override;
     bool isChanged(int index) const override;
 
     int count() const override { return base.count(); }
@@ -35,24 +31,15 @@ public:
     bool isAttribute(int index) const override { return base.isAttribute(index); }
     void setAttribute(int index, bool attribute) override { base.setAttribute(index, attribute); }
     QVariant property(int index) const override { return base.property(index); }
+    void setProperty(int index, const QVariant& value) override { base.setProperty(index, value); }
     void setChanged(int index, bool changed) override { base.setChanged(index, changed); }
     bool isEnabled(int index) const override { return base.isEnabled(index); }
 
 private:
-    /// What the property editor shows of a property of the component.
-    struct TShown {
-        int Index;
-        QVariant Value;
-        bool IsChanged;
-    };
-
     int ownRow(int index) const;
-    void showOthers(int index);
 
-    QDesignerFormEditorInterface& core;
     VzWidget& widget;
     QDesignerPropertySheetExtension& base;
-    std::vector<TShown> shown;
 };
 
 /// Gives each of the library's widgets such a sheet, over the one that the factories before it give.
@@ -66,8 +53,7 @@ protected:
     QObject* createExtension(QObject* object, const QString& iid, QObject* parent) const override;
 
 private:
-    explicit VzPropertySheetFactory(QDesignerFormEditorInterface& core);
+    explicit VzPropertySheetFactory(QExtensionManager& manager);
 
-    QDesignerFormEditorInterface& core;
     mutable bool isAskingOthers = false;
 };
