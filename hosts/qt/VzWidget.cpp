@@ -303,12 +303,6 @@ void VzWidget::changeEvent(QEvent* event) {
 
 // Input.
 
-bool VzWidget::event(QEvent* event) {
-    // A window that moves to a screen of another scale.
-    if (event->type() == QEvent::ScreenChangeInternal) update();
-    return QWidget::event(event);
-}
-
 void VzWidget::handOver(QMouseEvent& event, void (TControl::*handle)(TMouseButton, TShiftState, int, int)) {
     const auto button = mouseButton(event.button());
     if (!button) return event.ignore();

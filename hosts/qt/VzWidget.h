@@ -64,7 +64,6 @@ protected:
     virtual void notifyProperty(int row) {}
     virtual void notifyEvent(int row) {}
 
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;

@@ -214,6 +214,15 @@ TEST(VzWidget, NoPropertyHidesOneOfQWidget) {
     }
 }
 
+TEST(VzWidget, EveryRegisteredClassHasATypedWidget) {
+    RegisterComponentClasses();
+    QStringList expectedNames;
+    for (const TClassEntry& entry : GetClasses())
+        if (entry.Name != "TVZForm")
+            expectedNames << QLatin1String("Vz") + QString::fromUtf8(entry.Name.substr(3));
+    EXPECT_EQ(QStringLiteral(TAVRO_QT_WIDGETS).split(u' '), expectedNames);
+}
+
 TEST(VzWidget, SizesFollowEachOther) {
     VzSpeedometer widget;
     EXPECT_EQ(widget.sizeHint(), QSize(widget.instrument().GetWidth(), widget.instrument().GetHeight()));
@@ -272,6 +281,21 @@ TEST(VzWidgetPicture, StaleRegionsGiveTheWholePicture) {
     const QPoint corner(int(std::lround(10 * scale)), int(std::lround(10 * scale)));
     const QImage whole = expected(*component, scale);
     EXPECT_LE(worstDifference(shown(ground).copy(QRect(corner, whole.size())), whole), 1);
+}
+
+TEST(VzWidgetPicture, AWindowThatMovesBetweenScalesIsExactOnEach) {
+    VzSpeedometer widget;
+    widget.resize(120, 120);
+    const auto component = TVZSpeedometer::Create();
+    component->SetBounds(0, 0, 120, 120);
+    for (const double scale : {1.0, 2.0, 1.25, 1.0}) {
+        QImage surface(int(std::ceil(120 * scale)), int(std::ceil(120 * scale)),
+                       QImage::Format_ARGB32_Premultiplied);
+        surface.setDevicePixelRatio(scale);
+        surface.fill(QColor::fromRgba(Ground));
+        widget.render(&surface, {}, {}, QWidget::DrawChildren);
+        EXPECT_LE(worstDifference(surface, expected(*component, scale)), 1) << "at scale " << scale;
+    }
 }
 
 /// Notes the regions of a widget's paint events.
