@@ -1,5 +1,5 @@
 # Installs the build BUILD into FOLDER, and builds and runs programs against it.
-# Takes SOURCE (the project), QT (whether the host is built) and COMPILER.
+# Takes SOURCE (the project), QT and DESIGNER (whether the host and its plugin are built) and COMPILER.
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE text ERROR_VARIABLE text)
@@ -41,6 +41,18 @@ foreach(header IN LISTS headers)
         endif()
     endforeach()
 endforeach()
+
+# The Designer plugin finds the library from its own place.
+if(DESIGNER)
+    file(GLOB_RECURSE plugin ${prefix}/*/tavro_designer.so)
+    if(NOT plugin MATCHES "plugins/designer/tavro_designer.so$")
+        message(FATAL_ERROR "the Designer plugin is not among Qt's plugins, but: '${plugin}'")
+    endif()
+    run(ldd ${plugin})
+    if(output MATCHES "not found" OR NOT output MATCHES "${prefix}/[^\n]*libtavro_qt6")
+        message(FATAL_ERROR "the Designer plugin does not find the library:\n${output}")
+    endif()
+endif()
 
 # find_package.
 run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/found -DCMAKE_PREFIX_PATH=${prefix}
