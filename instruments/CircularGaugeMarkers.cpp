@@ -116,7 +116,7 @@ void TVZCustomCircularGauge::SetMinorMarkers(std::int32_t value) {
 
 void TVZCustomCircularGauge::SetMarker(TMarkers& markers, TMarker value) {
     if (!Store(markers.Kind, value)) return;
-    TakeMarkerData(markers);
+    markers.Path->SetPathString(GetMarkerData(value, &markers == &FMinor)); // tells of itself where it changes
     MarkersChanged();
 }
 

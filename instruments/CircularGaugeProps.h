@@ -18,6 +18,12 @@ inline constexpr std::array GaugeScaleRows{
     Prop<&T::GetMinorMarkers, &T::SetMinorMarkers>("MinorMarkers", Setup.MinorMarkers),
 };
 
+/// The size, for classes that declare a default of it.
+inline constexpr std::array GaugeSizeRows{
+    Prop<&TVZCustomCircularGauge::GetWidth, &TVZCustomCircularGauge::SetWidth>("Width", 200),
+    Prop<&TVZCustomCircularGauge::GetHeight, &TVZCustomCircularGauge::SetHeight>("Height", 200),
+};
+
 namespace Detail {
 
 /// What every round instrument publishes of the gauge.

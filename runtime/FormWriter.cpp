@@ -67,9 +67,8 @@ private:
 
     /// `prefix` is what stands in front of the name: blanks, and the path of an owned object.
     void WriteProps(const TPersistent& object, const std::string& prefix) {
-        for (const auto rows : {object.GetCommonProps(), object.GetPropTable()})
-            for (const TProp& row : rows)
-                if (IsPropStored(object, row)) WriteProp(object, row, prefix + std::string(row.Name));
+        for (const TProp* const row : ListRows(object))
+            if (IsPropStored(object, *row)) WriteProp(object, *row, prefix + std::string(row->Name));
     }
 
     void WriteProp(const TPersistent& object, const TProp& row, const std::string& path) {

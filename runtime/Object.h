@@ -31,7 +31,7 @@ public:
     virtual std::span<const TProp> GetPropTable() const;
 
     /// Properties that every component has beside those of its class; they stream before those. Empty by
-    /// default.
+    /// default. A class may publish one of them too, to declare its default; it still streams once, here.
     virtual std::span<const TProp> GetCommonProps() const;
 
     /// The value as one text. Raises EInvalidOperation for a class that has no such text, the default.

@@ -20,15 +20,14 @@ const TProp* FindRow(std::span<const TProp> rows, std::string_view name) {
 }
 
 void AppendProps(TPersistent& object, const std::string& prefix, int depth, std::vector<TNamedProp>& list) {
-    for (const auto rows : {object.GetCommonProps(), object.GetPropTable()})
-        for (const TProp& row : rows) {
-            const std::string path = prefix + std::string(row.Name);
-            if (row.Type.Kind != TValueKind::Object) {
-                list.push_back({path, {&object, &row}});
-            } else if (TPersistent* owned = row.GetObject(object); owned && depth < DeepestPath) {
-                AppendProps(*owned, path + ".", depth + 1, list);
-            }
+    for (const TProp* const row : ListRows(object)) {
+        const std::string path = prefix + std::string(row->Name);
+        if (row->Type.Kind != TValueKind::Object) {
+            list.push_back({path, {&object, row}});
+        } else if (TPersistent* owned = row->GetObject(object); owned && depth < DeepestPath) {
+            AppendProps(*owned, path + ".", depth + 1, list);
         }
+    }
 }
 
 void SetText(const TPropRef& ref, std::string_view text) {
@@ -47,6 +46,16 @@ void SetText(const TPropRef& ref, std::string_view text) {
 }
 
 } // namespace
+
+std::vector<const TProp*> ListRows(const TPersistent& object) {
+    std::vector<const TProp*> rows;
+    const auto common = object.GetCommonProps();
+    for (const TProp& row : common)
+        rows.push_back(&row);
+    for (const TProp& row : object.GetPropTable())
+        if (!FindRow(common, row.Name)) rows.push_back(&row);
+    return rows;
+}
 
 const TProp* FindProp(const TPersistent& object, std::string_view name) {
     if (const TProp* row = FindRow(object.GetCommonProps(), name)) return row;

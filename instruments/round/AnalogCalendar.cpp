@@ -11,6 +11,8 @@ std::span<const TProp> TVZAnalogCalendar::GetPropTable() const {
     static constexpr auto Rows = PublishGauge<Setup>(std::array{
         Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time"),
         Prop<&T::GetDayOfYear, &T::SetDayOfYear, &T::IsDayOfYearStored>("DayOfYear"),
+        GaugeSizeRows[0],
+        GaugeSizeRows[1],
     });
     static_assert(NamesAreUnique(Rows));
     return Rows;

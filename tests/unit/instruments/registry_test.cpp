@@ -4,6 +4,7 @@
 #include "package/Package.h"
 #include "runtime/AtomicFile.h"
 #include "runtime/ClassRegistry.h"
+#include "runtime/Exceptions.h"
 #include "runtime/FormFile.h"
 #include "runtime/PropAccess.h"
 #include "runtime/PropText.h"
@@ -14,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -29,6 +31,13 @@ const std::string NamesFile = std::string(TestsFolder()) + "/unit/instruments/pu
 std::span<const TClassEntry> Classes() {
     RegisterComponentClasses();
     return GetClasses();
+}
+
+/// The row of a class's own table; null where it does not publish the property.
+const TProp* FindPublished(const TPersistent& object, std::string_view name) {
+    const auto table = object.GetPropTable();
+    const auto row = std::ranges::find(table, name, &TProp::Name);
+    return row == table.end() ? nullptr : &*row;
 }
 
 /// True for what a fresh component takes from the present time: no declared default, and not stored until it
@@ -120,8 +129,13 @@ TEST(Registry, PublishedNames) {
             text += std::string(entry.Name) + '.' + std::string(row.Name) + ": " +
                     std::string(row.Type.Name) + '\n';
         }
-        for (const TProp& row : component->GetCommonProps())
-            EXPECT_FALSE(names.contains(row.Name)) << row.Name << " hides a common one";
+        for (const TProp& row : component->GetCommonProps()) {
+            const TProp* const own = FindPublished(*component, row.Name);
+            if (own) {
+                EXPECT_EQ(own->Type.Kind, row.Type.Kind) << row.Name << " hides a common one";
+                EXPECT_EQ(ValueToText(own->Get(*component)), ValueToText(row.Get(*component))) << row.Name;
+            }
+        }
     }
     if (std::getenv("TAVRO_UPDATE")) WriteFileAtomically(NamesFile, text);
     EXPECT_EQ(text, ReadWholeFile(NamesFile, 1 << 20));
@@ -200,6 +214,20 @@ TEST(Registry, AllPropertiesTogetherReadBackAlike) {
     }
 }
 
+/// Published twice: with a default of its class, and as what every component has. Streamed once.
+TEST(Registry, NothingIsStreamedTwice) {
+    for (const TClassEntry& entry : Classes()) {
+        SCOPED_TRACE(entry.Name);
+        const auto component = entry.Create();
+        std::set<std::string> paths;
+        for (const TNamedProp& prop : ListProps(*component))
+            EXPECT_TRUE(paths.insert(prop.Path).second) << prop.Path;
+        for (const TProp& row : component->GetPropTable())
+            EXPECT_TRUE(row.Type.Kind == TValueKind::Object || paths.contains(std::string(row.Name)))
+                << row.Name;
+    }
+}
+
 std::vector<std::uint32_t> Paint(TControl& control) {
     THeadlessHost host(control);
     const TPixels pixels = host.Paint().GetPixels();
@@ -227,6 +255,127 @@ TEST(Registry, ColorsInAnyOrderGiveTheSamePicture) {
             if (round == 0) first = picture;
             EXPECT_TRUE(picture == first) << "round " << round;
             std::shuffle(edits.begin(), edits.end(), random);
+        }
+    }
+}
+
+/// Where the order of two settings counts, and is meant to.
+struct TOrdered {
+    std::string_view Class; ///< of every class where empty
+    std::string_view Name;
+    std::string_view Reason;
+};
+constexpr TOrdered OrderedProps[] = {
+    {"", "Min", "the ends of a scale push each other and the value"},
+    {"", "Max", "the ends of a scale push each other and the value"},
+    {"", "Value", "is held in the scale as it is at that time"},
+    {"", "DecorationPath", "makes the emblem the user's own, and another emblem takes its place"},
+    {"", "DayOfYear", "is another way to set Time"},
+    {"", "MajorMarkerPath", "makes the shape the user's own, and another shape takes its place"},
+    {"", "MinorMarkerPath", "makes the shape the user's own, and another shape takes its place"},
+    {"", "Labels", "a change of the scale or of the format writes numbers over a list that was set"},
+    {"TVZSpeedometer", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
+    {"TVZSpeedometer", "Design",
+     "decides the same of the emblem's fill; and the glass is shown by what ran last"},
+    {"TVZSpeedometer", "Parts", "the glass is shown by what ran last, parts or design"},
+};
+
+bool IsOrdered(std::string_view className, std::string_view name) {
+    return std::ranges::any_of(OrderedProps, [&](const TOrdered& row) {
+        return (row.Class.empty() || row.Class == className) && row.Name == name;
+    });
+}
+
+TEST(Registry, OrderOfSettingDoesNotCount) {
+    std::mt19937 random(7);
+    for (const TClassEntry& entry : Classes()) {
+        SCOPED_TRACE(entry.Name);
+        std::vector<std::pair<std::string, std::string>> edits;
+        const auto model = entry.Create();
+        for (const TNamedProp& prop : ListProps(*model))
+            if (CanBeSet(prop) && !IsOrdered(entry.Name, prop.Path) && prop.Path != "Visible")
+                edits.emplace_back(prop.Path, prop.Path == "Font.Size" ? "11" : SampleFor(prop));
+        std::vector<std::uint32_t> first;
+        std::string document;
+        for (int round = 0; round < 6; ++round) {
+            const auto component = entry.Create();
+            for (const auto& [name, text] : edits)
+                SetPropText(*component, name, text);
+            const auto picture = Paint(dynamic_cast<TControl&>(*component));
+            if (round == 0) first = picture;
+            std::string order;
+            for (const auto& edit : edits)
+                order += edit.first + ' ';
+            EXPECT_TRUE(picture == first) << "round " << round << ": " << order;
+            if (const auto* const svg = dynamic_cast<const TVZSVGControl*>(component.get())) {
+                const std::string text = svg->GetDocument().WriteText();
+                if (round == 0) document = text;
+                EXPECT_TRUE(text == document) << order;
+            }
+            std::shuffle(edits.begin(), edits.end(), random);
+        }
+    }
+}
+
+TEST(Registry, OrderOfSettingCountsWhereItIsSaid) {
+    for (const TOrdered& row : OrderedProps) {
+        EXPECT_FALSE(row.Reason.empty());
+        bool isPublished = false;
+        for (const TClassEntry& entry : Classes())
+            if (row.Class.empty() || row.Class == entry.Name)
+                isPublished = isPublished || FindPublished(*entry.Create(), row.Name);
+        EXPECT_TRUE(isPublished) << row.Class << '.' << row.Name << " is published no more";
+    }
+}
+
+TEST(Registry, TextsOfAnyKindAreDrawnAndWritten) {
+    std::string many;
+    for (int i = 0; i < 10000; ++i)
+        many += char('a' + i % 26);
+    const std::string texts[] = {
+        many,
+        "\u0645\u0642\u064a\u0627\u0633 \u0627\u0644\u0648\u0642\u0648\u062f",
+        "\U0001F697\u26FD \U0001F468\u200D\U0001F469\u200D\U0001F467 \U0001F1E9\U0001F1EA",
+        "<tspan>&amp;]]>\"'--></text>",
+        "a\r\nb\tc\x01\x7f",
+        "\xff\xfe\xc3",
+        std::string("nul\0inside", 10),
+        "e\u0301\u202e\u200b\ufeff",
+    };
+    ForEachProp([&](TComponent& component, const TNamedProp& prop) {
+        const TProp& row = *prop.Ref.Prop;
+        const bool isPicture = row.Name == "FormatStr";
+        if (row.Type.Kind != TValueKind::Text || isPicture) return;
+        for (const std::string& text : texts) {
+            row.Set(*prop.Ref.Object, TValue(std::string_view(text)));
+            EXPECT_NO_THROW(Paint(dynamic_cast<TControl&>(component)));
+            if (const auto* const svg = dynamic_cast<const TVZSVGControl*>(&component)) {
+                TSVGDocument copy;
+                EXPECT_NO_THROW(copy.LoadFromText(svg->GetDocument().WriteText()));
+            }
+        }
+    });
+}
+
+TEST(Registry, PicturesOfAnyTextAreTakenOrRefused) {
+    const std::string_view pictures[] = {"0.00", "",   "#,##0.0#;-0;zero", "'Km/h' 0", "0.0e+00", "%", "<&>",
+                                         "\xff", "'a", "0;0;0;0",          "0.0.0",    "\u00b0 0"};
+    for (const TClassEntry& entry : Classes()) {
+        const auto component = entry.Create();
+        if (!FindPublished(*component, "FormatStr")) continue;
+        SCOPED_TRACE(entry.Name);
+        for (const std::string_view picture : pictures) {
+            const std::string before = GetPropText(*component, "FormatStr");
+            try {
+                SetPropText(*component, "FormatStr", picture);
+                EXPECT_EQ(GetPropText(*component, "FormatStr"), picture);
+            } catch (const EVZError&) {
+                EXPECT_EQ(GetPropText(*component, "FormatStr"), before);
+            }
+            EXPECT_NO_THROW(Paint(dynamic_cast<TControl&>(*component)));
+            TSVGDocument copy;
+            EXPECT_NO_THROW(
+                copy.LoadFromText(dynamic_cast<TVZSVGControl&>(*component).GetDocument().WriteText()));
         }
     }
 }

@@ -1,0 +1,127 @@
+// What each setting tells, and in which order: a repaint asked for is an i, a change of the main value a c.
+
+#include "package/Package.h"
+#include "runtime/ClassRegistry.h"
+#include "runtime/PropAccess.h"
+
+#include "GaugeProbe.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace Vz::Test {
+namespace {
+
+struct TSetting {
+    const char* Class;
+    const char* Name;
+    const char* Text;
+    const char* Notices;
+};
+void PrintTo(const TSetting& setting, std::ostream* stream) {
+    *stream << setting.Class << '.' << setting.Name << '=' << setting.Text;
+}
+
+/// What setting the property tells.
+std::string NoticesOf(TVZSVGCustomInstrument& instrument, const TSetting& setting) {
+    std::string notices;
+    instrument.SetOnInvalidate([&](TObject&) { notices += 'i'; });
+    instrument.SetOnChange([&](TObject&) { notices += 'c'; });
+    SetPropText(instrument, setting.Name, setting.Text);
+    return notices;
+}
+
+class TNoticesTest : public testing::TestWithParam<TSetting> {};
+
+TEST_P(TNoticesTest, FirstTimeAndNotTheSecond) {
+    RegisterComponentClasses();
+    const auto component = GetClass(GetParam().Class).Create();
+    auto& instrument = dynamic_cast<TVZSVGCustomInstrument&>(*component);
+    EXPECT_EQ(NoticesOf(instrument, GetParam()), GetParam().Notices);
+    EXPECT_EQ(NoticesOf(instrument, GetParam()), "");
+}
+
+// A scale's end writes the numbers, turns the needle, and marks the whole; of these, the speedometer's
+// numbers say nothing by themselves.
+INSTANTIATE_TEST_SUITE_P(Speedometer, TNoticesTest,
+                         testing::Values(TSetting{"TVZSpeedometer", "Value", "30", "ic"},
+                                         TSetting{"TVZSpeedometer", "Max", "100", "ii"},
+                                         TSetting{"TVZSpeedometer", "Max", "-5", "ii"},
+                                         TSetting{"TVZSpeedometer", "Min", "500", "ii"},
+                                         TSetting{"TVZSpeedometer", "Parts", "[]", "i"},
+                                         TSetting{"TVZSpeedometer", "Design", "sdSimple", "i"},
+                                         TSetting{"TVZSpeedometer", "EnableGradients", "false", "i"},
+                                         TSetting{"TVZSpeedometer", "LightColor", "0xFFFF0000", "i"},
+                                         TSetting{"TVZSpeedometer", "FormatStr", "0.00", "i"},
+                                         TSetting{"TVZSpeedometer", "Font.Size", "10", "i"},
+                                         TSetting{"TVZSpeedometer", "FrameColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "BackfaceColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "KnobFillColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "KnobStrokeColor", "0x00000000", "i"},
+                                         TSetting{"TVZSpeedometer", "MarkersFillColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "MarkersStrokeColor", "0x00000000", "i"},
+                                         TSetting{"TVZSpeedometer", "LabelsFillColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "NeedleFillColor", "0xFF112233", "i"},
+                                         TSetting{"TVZSpeedometer", "NeedleStrokeColor", "0x00000000", "i"},
+                                         TSetting{"TVZSpeedometer", "Decoration", "dcNone", "i"},
+                                         TSetting{"TVZSpeedometer", "DecorationPath", "M0 0H9V9Z", "i"},
+                                         TSetting{"TVZSpeedometer", "DecorationFillColor", "0x00000000", "i"},
+                                         TSetting{"TVZSpeedometer", "DecorationStrokeColor", "0xFF112233",
+                                                  "i"}));
+
+// The round gauge's numbers are a list that tells of itself, and so do its marker paths.
+INSTANTIATE_TEST_SUITE_P(
+    RoundGauge, TNoticesTest,
+    testing::Values(TSetting{"TVZCircularBarometer", "Value", "960", "ic"},
+                    TSetting{"TVZCircularBarometer", "Max", "2000", "iii"},
+                    TSetting{"TVZCircularBarometer", "Min", "5000", "iii"},
+                    TSetting{"TVZCircularBarometer", "StartAngle", "10", "iii"},
+                    TSetting{"TVZCircularBarometer", "StopAngle", "400", "iii"},
+                    TSetting{"TVZCircularBarometer", "MajorMarkers", "5", "ii"},
+                    TSetting{"TVZCircularBarometer", "MinorMarkers", "2", "i"},
+                    TSetting{"TVZCircularBarometer", "MajorMarker", "gmCircle", "ii"},
+                    TSetting{"TVZCircularBarometer", "MinorMarker", "gmCircle", "ii"},
+                    TSetting{"TVZCircularBarometer", "MajorMarkerPath", "M0 0H9V9Z", "i"},
+                    TSetting{"TVZCircularBarometer", "MinorMarkerPath", "M0 0H9V9Z", "i"},
+                    TSetting{"TVZCircularBarometer", "Labels", "a\\nb", "i"},
+                    TSetting{"TVZCircularBarometer", "Parts", "[]", "i"},
+                    TSetting{"TVZCircularBarometer", "Design", "sdSimple", "i"},
+                    TSetting{"TVZCircularBarometer", "EnableGradients", "false", "i"},
+                    TSetting{"TVZCircularBarometer", "LightColor", "0xFFFF0000", "i"},
+                    TSetting{"TVZCircularBarometer", "Decoration", "dcStar", "i"},
+                    TSetting{"TVZCircularBarometer", "Decoration", "dcBolt", "i"},
+                    TSetting{"TVZCircularBarometer", "FrameColor", "0xFF112233", "i"},
+                    TSetting{"TVZCircularBarometer", "LabelsStrokeColor", "0x00000000", "i"},
+                    TSetting{"TVZCircularBarometer", "BigHandColor", "0xFF112233", "i"},
+                    TSetting{"TVZCircularBarometer", "Font.Size", "10", "i"},
+                    TSetting{"TVZCircularBarometer", "CaptionFont.Size", "10", "i"},
+                    TSetting{"TVZCircularBarometer", "Caption", "x", "i"},
+                    TSetting{"TVZCircularBarometer", "DetailText", "x", "i"},
+                    // Labels of their own are not written anew.
+                    TSetting{"TVZCircularFuelGauge", "Max", "200", "ii"},
+                    TSetting{"TVZCircularFuelGauge", "MajorMarkers", "5", "i"},
+                    TSetting{"TVZCircularClock", "Time", "10:08:36", "ic"},
+                    TSetting{"TVZCircularClock", "Hands", "[ghBig]", "i"},
+                    TSetting{"TVZAnalogCalendar", "DayOfYear", "400", "ic"}));
+
+TEST(Notices, EndsThatMoveTheValueDoNotTellOfAChange) {
+    const auto gauge = TVZCircularBarometer::Create();
+    gauge->SetValue(1000);
+    EXPECT_EQ(NoticesOf(*gauge, {"", "Max", "960", ""}), "iii");
+    EXPECT_EQ(gauge->GetValue(), 960);
+    const auto speedometer = TVZSpeedometer::Create();
+    speedometer->SetValue(200);
+    EXPECT_EQ(NoticesOf(*speedometer, {"", "Max", "100", ""}), "ii");
+    EXPECT_EQ(speedometer->GetValue(), 100);
+}
+
+TEST(Notices, ValueBeyondTheEndTellsEachTime) {
+    const auto gauge = TVZCircularBarometer::Create();
+    EXPECT_EQ(NoticesOf(*gauge, {"", "Value", "2000", ""}), "ic");
+    EXPECT_EQ(NoticesOf(*gauge, {"", "Value", "2000", ""}), "ic"); // it is not what is stored
+    EXPECT_EQ(NoticesOf(*gauge, {"", "Value", "1050", ""}), "");
+}
+
+} // namespace
+} // namespace Vz::Test
