@@ -78,9 +78,16 @@ void TVZSVGCustomInstrument::UpdateDecoration() {
     if (auto* const path = Find<TSVGPath>(FDecorationElementId))
         EditDocument([&] {
             // Also for dcCustom: a path of the user's own lives in the artwork only and goes here. Kept.
-            path->GetData().SetPathString(Vz::GetDecorationPath(static_cast<int>(FDecoration)));
+            SetLastingPath(*path, Vz::GetDecorationPath(static_cast<int>(FDecoration)));
         });
     MarkChanged();
+}
+
+void TVZSVGCustomInstrument::SetLastingPath(TSVGPath& path, std::string_view data) {
+    static std::map<const char*, TVZPathData> known; // by where the text stands
+    const auto [at, isNew] = known.try_emplace(data.data());
+    if (isNew) at->second.SetPathString(data);
+    path.SetData(&at->second);
 }
 
 void TVZSVGCustomInstrument::UpdateDecorationFill() {

@@ -217,6 +217,9 @@ protected:
     /// Marks the caches stale and invalidates.
     void MarkChanged();
 
+    /// Gives a path element path data of a text that lives, unchanged, as long as the program: it is read once,
+    /// and all elements share the figures.
+    static void SetLastingPath(TSVGPath& path, std::string_view data);
     void ShowElement(std::string_view id, bool visible);
     /// Sets the fill's colour and tells the element.
     void SetElementFill(std::string_view id, TVZGPColor color);
