@@ -134,9 +134,16 @@ std::optional<TWidgetProp> Describe(const std::string& path, const TProp& prop) 
     return result;
 }
 
+/// True for a property that every component has, of which a class declares a default: the widget's own stands for it.
+bool IsCommon(const TPersistent& object, const TProp& row) {
+    return std::ranges::any_of(object.GetCommonProps(),
+                               [&](const TProp& common) { return common.Name == row.Name; });
+}
+
 /// The class's own properties, an object of other kind than a font by its parts.
 void Collect(const TPersistent& object, const std::string& prefix, std::vector<TWidgetProp>& props) {
     for (const TProp& row : object.GetPropTable()) {
+        if (IsCommon(object, row)) continue;
         const std::string path = prefix + std::string(row.Name);
         if (auto prop = Describe(path, row))
             props.push_back(std::move(*prop));
