@@ -1,10 +1,11 @@
-// Laws that hold for every reference case, whatever it should look like: its parts make the whole, its text reads
-// back to the same picture, a copy draws the same, and both paint devices draw it alike.
+// Laws that hold for every reference case, whatever it should look like: its parts make the whole, its text
+// reads back to the same picture, a copy draws the same, and both paint devices draw it alike.
 //
 // The folder of cases is TAVRO_SVG_SUITE; where there is none the program says so and ends with status 77.
 
+#include "controls/HeadlessHost.h"
 #include "graphics/VectorDevice.h"
-#include "svg/Document.h"
+#include "svg/VZSVGControl.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,8 @@ std::optional<std::pair<unsigned, unsigned>> PngSize(const fs::path& path) {
     unsigned char head[24];
     if (!file.read(reinterpret_cast<char*>(head), sizeof head)) return {};
     const auto number = [&](int at) {
-        return unsigned(head[at]) << 24 | unsigned(head[at + 1]) << 16 | unsigned(head[at + 2]) << 8 | head[at + 3];
+        return unsigned(head[at]) << 24 | unsigned(head[at + 1]) << 16 | unsigned(head[at + 2]) << 8 |
+               head[at + 3];
     };
     return std::pair{number(16), number(20)};
 }
@@ -128,7 +130,8 @@ std::string NameOf(const TSVGElement& element) {
     for (const TSVGElement* at = &element; at->GetParent(); at = at->GetParent()) {
         const auto& siblings = at->GetParent()->Children();
         const auto place = std::ranges::find(siblings, at, &std::unique_ptr<TSVGElement>::get);
-        name = '/' + std::string(at->GetTagName()) + '[' + std::to_string(place - siblings.begin()) + ']' + name;
+        name =
+            '/' + std::string(at->GetTagName()) + '[' + std::to_string(place - siblings.begin()) + ']' + name;
     }
     return name;
 }
@@ -151,7 +154,8 @@ TEST(Parts, OnOneCanvasAreTheWhole) {
             item.Document->DrawElement(again->GetCanvas(), item.Matrix(), pivot);
             item.Document->DrawAfter(again->GetCanvas(), item.Matrix(), pivot);
             if (const int worst = WorstDifference(*parts, *again))
-                faults.push_back(item.Name + NameOf(pivot) + ": differs when drawn again by " + std::to_string(worst));
+                faults.push_back(item.Name + NameOf(pivot) + ": differs when drawn again by " +
+                                 std::to_string(worst));
         });
     });
     EXPECT_GT(pivots, 0);
@@ -175,6 +179,33 @@ TEST(Parts, ThroughTwoBitmapsAreTheWholeWithinRounding) {
                 faults.push_back(item.Name + NameOf(pivot) + ": differs by " + std::to_string(worst));
         });
     });
+}
+
+/// The control with its two caches against the same control without.
+TEST(Control, BufferedIsTheWholeWithinRounding) {
+    constexpr int limit = 2;
+    int cached = 0;
+    ForCases([&](TCase& item, std::vector<std::string>& faults) {
+        const auto control = TVZSVGControl::Create();
+        control->LoadFromText(item.Document->WriteText());
+        control->SetBounds(0, 0, int(item.Width), int(item.Height));
+        THeadlessHost host(*control, 1);
+        ForPivots(control->GetDocument(), [&](const TSVGGraphicElement& pivot) {
+            control->SetActiveSVGElement(const_cast<TSVGGraphicElement*>(&pivot));
+            control->SetBuffered(false);
+            const TVZGPBitmap& shown = host.Paint();
+            TVZGPBitmap whole(item.Width, item.Height);
+            for (int y = 0; y < int(item.Height); ++y)
+                std::memcpy(whole.GetPixels().Row(y), shown.GetPixels().Row(y), std::size_t(item.Width) * 4);
+            control->SetBuffered(true);
+            const int worst = WorstDifference(whole, host.Paint());
+            cached += control->GetBeforeBuffer() && !control->AreBuffersStale();
+            if (worst > limit)
+                faults.push_back(item.Name + NameOf(pivot) + ": differs by " + std::to_string(worst));
+        });
+    });
+    EXPECT_GT(cached, 0);
+    std::cout << cached << " elements between caches\n";
 }
 
 TEST(WrittenText, DrawsTheSameAndIsWrittenTheSame) {
@@ -242,7 +273,8 @@ TMeasure MeasureOf(const TPixels& a, const TPixels& b) {
 /// Cases in which cairo's picture is known to be another one, and why.
 constexpr std::pair<std::string_view, std::string_view> Exceptions[] = {
     {"painting/stroke/control-points-clamping-1", "cairo rounds the outside of a curve's sharpest bend"},
-    {"painting/marker/no-stroke-on-target", "cairo cuts a pixel once where a clip and a shape share an edge within it"},
+    {"painting/marker/no-stroke-on-target",
+     "cairo cuts a pixel once where a clip and a shape share an edge within it"},
 };
 
 TEST(Devices, DrawAlike) {
