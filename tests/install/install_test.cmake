@@ -65,6 +65,18 @@ if(QT)
     expect_picture(${FOLDER}/window.png)
 endif()
 
+run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/examples -B ${FOLDER}/examples -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DTAVRO_QT=${QT})
+run(${CMAKE_COMMAND} --build ${FOLDER}/examples)
+run(${FOLDER}/examples/bin/headless ${FOLDER}/headless.png)
+expect_picture(${FOLDER}/headless.png)
+if(QT)
+    foreach(example one-widget form machine)
+        run(${FOLDER}/examples/bin/${example} --seconds 0.1 --screenshot ${FOLDER}/${example}.png)
+        expect_picture(${FOLDER}/${example}.png)
+    endforeach()
+endif()
+
 # pkg-config.
 file(GLOB_RECURSE pc ${prefix}/*/tavro.pc)
 get_filename_component(pc_folder ${pc} DIRECTORY)
