@@ -3,13 +3,16 @@
 #include "Describe.h"
 #include "Edits.h"
 #include "Output.h"
-#include "Picture.h"
 #include "Source.h"
 #include "Trace.h"
 #include "UsageError.h"
+<<<<<<< HEAD
 #include "instruments/ArtworkCheck.h"
 #include "instruments/Instrument.h"
 #include "runtime/AtomicFile.h"
+=======
+#include "controls/Picture.h"
+>>>>>>> 3754921 (hosts/qt: show every instrument in a gallery with an inspector; controls: draw picture files in the library)
 #include "runtime/ClassRegistry.h"
 #include "runtime/Exceptions.h"
 #include "runtime/FormFile.h"
@@ -35,6 +38,13 @@ void RunDescribe(const TRequest& request) {
     Print(request.Json ? DescribeAsJson(*fresh) : DescribeAsLines(*fresh));
 }
 
+/// Standard output takes PNG.
+TPictureFormat FormatOf(const std::string& file) {
+    if (file == "-") return TPictureFormat::Png;
+    if (const auto format = FindPictureFormat(file)) return *format;
+    throw TUsageError("a picture's name ends in .png, .svg or .pdf, unlike " + Quoted(file));
+}
+
 void RunRender(const TRequest& request) {
     if (!request.Output) throw TUsageError("'render' needs -o FILE");
     const TPictureFormat format = FormatOf(*request.Output);
@@ -47,7 +57,8 @@ void RunRender(const TRequest& request) {
     setSize(); // a click means the picture's pixels
     ApplyEdits(request, source);
     setSize();
-    WriteOutput(*request.Output, DrawPicture(control, request.Picture, format));
+    WriteOutput(*request.Output,
+                DrawPicture(control, format, request.Picture.Scale, request.Picture.Background));
 }
 
 void RunDocument(const TRequest& request) {

@@ -200,9 +200,20 @@ void VzWidget::write(int row, const QVariant& value) {
 
 void VzWidget::resetAt(int row) { write(row, host->Props[size_t(row)].Fresh); }
 
-bool VzWidget::isPropertyStored(const char* name) const {
+/// The row of a property by its Qt name; -1 where it is not the component's.
+int VzWidget::rowOf(const char* name) const {
     const int row = metaObject()->indexOfProperty(name) - host->Table.Meta->propertyOffset();
-    if (row < 0 || row >= int(host->Props.size())) return false;
+    return row < 0 || row >= int(host->Props.size()) ? -1 : row;
+}
+
+QByteArray VzWidget::componentProperty(const char* name) const {
+    const int row = rowOf(name);
+    return row < 0 ? QByteArray() : QByteArray(host->Table.Properties[size_t(row)]);
+}
+
+bool VzWidget::isPropertyStored(const char* name) const {
+    const int row = rowOf(name);
+    if (row < 0) return false;
     const TPropRef& ref = host->Props[size_t(row)].Ref;
     if (ref.Prop->Type.Kind != TValueKind::Object) return IsPropStored(*ref.Object, *ref.Prop);
     TPersistent* const owned = ref.Prop->GetObject(*ref.Object);

@@ -31,6 +31,9 @@ public:
     /// Whether a form has to keep a property of the component, by its Qt name, as the component's own rules
     /// of declared defaults and stored values say. False for a property that is not the component's.
     bool isPropertyStored(const char* name) const;
+    /// The component's own name of a property that the widget shows (`Max` of "maximum", `Labels` of
+    /// "labels"); empty for a property that is not the component's.
+    QByteArray componentProperty(const char* name) const;
 
     /// The component's size when it was made.
     QSize sizeHint() const override;
@@ -80,6 +83,7 @@ private:
     class THost;
 
     void start(const TTable& table);
+    int rowOf(const char* name) const;
     void followWatched();
     void paintComponent(QPainter& painter);
     void handOver(QMouseEvent& event,

@@ -1,0 +1,267 @@
+#include "hosts/qt/gallery/GalleryWindow.h"
+
+#include "hosts/qt/VzWidget.h"
+#include "hosts/qt/gallery/CardGrid.h"
+#include "hosts/qt/gallery/Forms.h"
+#include "hosts/qt/gallery/Inspector.h"
+#include "hosts/qt/gallery/PropertyRow.h"
+#include "hosts/qt/gallery/WidgetTable.h"
+#include "runtime/FormFile.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QBoxLayout>
+#include <QDragEnterEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMetaProperty>
+#include <QMimeData>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QStyleFactory>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int FrameMs = 16;
+constexpr int FiguresMs = 1000;
+constexpr int MessageMs = 8000;
+
+} // namespace
+
+GalleryWindow::GalleryWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , cards(new CardGrid)
+    , scroll(new QScrollArea)
+    , inspecting(new Inspector) {
+    setWindowTitle(tr("Tavro gallery"));
+    setAcceptDrops(true);
+    resize(1280, 800);
+    addBar();
+    addMenus();
+
+    scroll->setWidget(cards);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    auto* const splitter = new QSplitter(Qt::Horizontal);
+    splitter->addWidget(scroll);
+    splitter->addWidget(inspecting);
+    splitter->setStretchFactor(0, 1);
+    splitter->setCollapsible(0, false);
+    splitter->setHandleWidth(1);
+    splitter->setSizes({900, 380});
+    static_cast<QBoxLayout*>(centralWidget()->layout())->addWidget(splitter, 1);
+    statusBar()->setSizeGripEnabled(false);
+
+    connect(cards, &CardGrid::reached, this,
+            [this](InstrumentCard* card) { scroll->ensureWidgetVisible(card); });
+    connect(inspecting, &Inspector::message, this, &GalleryWindow::tell);
+    ticking.setTimerType(Qt::PreciseTimer);
+    ticking.setInterval(FrameMs);
+    connect(&ticking, &QTimer::timeout, this, &GalleryWindow::tick);
+    figuring.setInterval(FiguresMs);
+    connect(&figuring, &QTimer::timeout, this, &GalleryWindow::showFigures);
+
+    setTheme(Theme::Light);
+    showAll();
+    setMoving(true);
+}
+
+GalleryWindow::~GalleryWindow() = default;
+
+// Cards.
+
+InstrumentCard* GalleryWindow::newCard(VzWidget* instrument, const QString& name) {
+    auto* const card = new InstrumentCard(instrument, name, cards);
+    card->setInstrumentSize(side);
+    card->setTheme(theme);
+    card->setGround(ground);
+    connect(card, &InstrumentCard::picked, this, [this, card] { select(card); });
+    return card;
+}
+
+void GalleryWindow::showAll() {
+    std::vector<InstrumentCard*> all;
+    for (const WidgetKind& kind : widgetKinds())
+        all.push_back(newCard(kind.make(nullptr), classWords(kind.meta->className())));
+    // What has nothing to show by itself stands at the end.
+    std::ranges::stable_partition(all, [](const auto* card) { return !card->drivenProperty().isEmpty(); });
+    setCards(std::move(all));
+    moveTo(moment);
+}
+
+void GalleryWindow::setCards(std::vector<InstrumentCard*> value) {
+    selected = nullptr;
+    cards->setCards(std::move(value));
+    select(cards->cards().empty() ? nullptr : cards->cards().front());
+    findCards(search->text());
+}
+
+void GalleryWindow::select(InstrumentCard* card) {
+    if (selected) selected->setSelected(false);
+    selected = card;
+    if (selected) selected->setSelected(true);
+    inspecting->setCard(selected);
+}
+
+bool GalleryWindow::selectClass(const QString& className) {
+    const WidgetKind* const kind = findWidgetKind(className);
+    for (InstrumentCard* card : cards->cards())
+        if (kind && card->instrument().metaObject() == kind->meta) {
+            select(card);
+            scroll->ensureWidgetVisible(card);
+            return true;
+        }
+    return false;
+}
+
+void GalleryWindow::findCards(const QString& text) {
+    const int count = cards->filter(text);
+    found->setText(count == 0 ? tr("No instrument of that name") : QString());
+    found->setVisible(count == 0);
+}
+
+// The look of everything.
+
+void GalleryWindow::setTheme(Theme value) {
+    theme = value;
+    QApplication::setPalette(themePalette(theme));
+    setPalette(themePalette(theme));
+    setStyleSheet(themeSheet(theme));
+    inspecting->setTheme(theme);
+    for (InstrumentCard* card : cards->cards())
+        card->setTheme(theme);
+    moving->setIcon(signIcon(isMoving() ? Sign::Pause : Sign::Play, themeColors(theme)));
+}
+
+void GalleryWindow::setGround(Ground value) {
+    ground = value;
+    for (InstrumentCard* card : cards->cards())
+        card->setGround(ground);
+}
+
+void GalleryWindow::setInstrumentSize(int value) {
+    side = value;
+    for (InstrumentCard* card : cards->cards())
+        card->setInstrumentSize(side);
+    cards->arrange();
+    if (selected) scroll->ensureWidgetVisible(selected);
+}
+
+/// Sets a property by its name on every instrument that has it; an enumeration's member by its ordinal.
+void GalleryWindow::setOnAll(const char* name, const QVariant& value) {
+    for (const InstrumentCard* card : cards->cards()) {
+        VzWidget& widget = card->instrument();
+        const int index = widget.metaObject()->indexOfProperty(name);
+        if (index >= 0) widget.metaObject()->property(index).write(&widget, value);
+    }
+}
+
+void GalleryWindow::setSimpleDesign(bool value) { setOnAll("design", value ? 1 : 0); }
+void GalleryWindow::setGradients(bool value) { setOnAll("enableGradients", value); }
+
+void GalleryWindow::setInstrumentsEnabled(bool value) {
+    areEnabled = value;
+    for (const InstrumentCard* card : cards->cards())
+        card->instrument().setEnabled(value);
+}
+
+// Motion.
+
+void GalleryWindow::setMoving(bool value) {
+    if (value) {
+        clock.start();
+        ticking.start();
+        figuring.start();
+        meter.restart();
+    } else {
+        ticking.stop();
+        figuring.stop();
+    }
+    figures->setText(value ? tr("Starting") : tr("Motion stopped"));
+    moving->setText(value ? tr("Stop motion") : tr("Start motion"));
+    moving->setIcon(signIcon(value ? Sign::Pause : Sign::Play, themeColors(theme)));
+}
+
+void GalleryWindow::moveTo(double seconds) {
+    moment = seconds;
+    for (InstrumentCard* card : cards->cards())
+        card->moveTo(moment);
+}
+
+void GalleryWindow::tick() {
+    moment += double(clock.restart()) / 1000;
+    attempt([this] {
+        for (InstrumentCard* card : cards->cards())
+            if (!card->visibleRegion().isEmpty()) card->moveTo(moment);
+    });
+}
+
+void GalleryWindow::showFigures() {
+    const QString text = meter.takeText();
+    if (!text.isEmpty()) figures->setText(text);
+}
+
+bool GalleryWindow::event(QEvent* event) {
+    if (event->type() != QEvent::UpdateRequest) return QMainWindow::event(event);
+    QElapsedTimer painting;
+    painting.start();
+    const bool isDone = QMainWindow::event(event);
+    meter.addFrame(double(painting.nsecsElapsed()) / 1e6);
+    return isDone;
+}
+
+// Files.
+
+void GalleryWindow::openForm(const QString& file) {
+    std::vector<LoadedInstrument> loaded = loadInstruments(file);
+    std::vector<InstrumentCard*> all;
+    for (LoadedInstrument& one : loaded)
+        all.push_back(newCard(one.widget.release(), one.name));
+    setMoving(false); // the file's values are to be seen
+    setCards(std::move(all));
+    tell(tr("%n instrument(s) from %1", nullptr, int(loaded.size())).arg(file));
+}
+
+void GalleryWindow::saveForm(const QString& file) const {
+    Vz::SaveForm(*formOf(cards->cards()), file.toStdU16String());
+}
+
+void GalleryWindow::saveSelected(const QString& file) const {
+    if (selected) Vz::SaveForm(selected->instrument().component(), file.toStdU16String());
+}
+
+void GalleryWindow::exportSelected(const QString& file) const {
+    if (selected) exportPicture(selected->instrument(), file, 1);
+}
+
+void GalleryWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void GalleryWindow::dropEvent(QDropEvent* event) {
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile()) return attempt([&] { openForm(url.toLocalFile()); });
+}
+
+// Telling the user.
+
+void GalleryWindow::tell(const QString& text) { statusBar()->showMessage(text, MessageMs); }
+
+void GalleryWindow::attempt(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        QMessageBox::warning(this, windowTitle(), QString::fromUtf8(error.what()));
+    }
+}
+
+QImage GalleryWindow::picture() {
+    QApplication::processEvents(); // what is laid out later
+    return grab().toImage();
+}

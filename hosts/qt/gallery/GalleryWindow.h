@@ -1,0 +1,115 @@
+#pragma once
+
+#include "hosts/qt/gallery/FrameMeter.h"
+#include "hosts/qt/gallery/InstrumentCard.h"
+
+#include <QElapsedTimer>
+#include <QMainWindow>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+class CardGrid;
+class Inspector;
+class QActionGroup;
+class QHBoxLayout;
+class QLabel;
+class QLineEdit;
+class QScrollArea;
+
+/// The gallery: every instrument, live and in motion, with switches for all of them at once, and an inspector
+/// for one.
+class GalleryWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit GalleryWindow(QWidget* parent = nullptr);
+    ~GalleryWindow() override;
+
+    CardGrid& grid() const { return *cards; }
+    Inspector& inspector() const { return *inspecting; }
+
+    /// Puts every class of instrument on show.
+    void showAll();
+    /// Selects the first card of a class ("VzSpeedometer" or "TVZSpeedometer"); false where there is none.
+    bool selectClass(const QString& className);
+    InstrumentCard* selectedCard() const { return selected; }
+
+    // The look of everything.
+    void setTheme(Theme value);
+    void setGround(Ground value);
+    void setInstrumentSize(int side);
+    void setSimpleDesign(bool value);
+    void setGradients(bool value);
+    void setInstrumentsEnabled(bool value);
+
+    // Motion.
+    bool isMoving() const { return ticking.isActive(); }
+    void setMoving(bool value);
+    /// Brings everything to a moment, in seconds from the beginning of the motion.
+    void moveTo(double seconds);
+
+    // Files. They raise what the library raises, and then nothing has changed.
+
+    /// Shows the instruments of a form file in place of those that are there; the motion stops.
+    void openForm(const QString& file);
+    void saveForm(const QString& file) const;
+    void saveSelected(const QString& file) const;
+    void exportSelected(const QString& file) const;
+
+    /// A picture of the window as it is now.
+    QImage picture();
+
+protected:
+    bool event(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    struct Choice; ///< one of several buttons, of which one is down
+
+    void addBar();
+    void addMenus();
+    QAction* addCommand(QMenu* menu, const QString& text, const QKeySequence& keys,
+                        std::function<void()> run);
+    QAction* addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
+                       std::function<void(bool)> run);
+    void addChoice(QHBoxLayout& bar, const QString& name, std::initializer_list<Choice> choices);
+
+    void setCards(std::vector<InstrumentCard*> value);
+    InstrumentCard* newCard(VzWidget* instrument, const QString& name);
+    void select(InstrumentCard* card);
+    void setOnAll(const char* property, const QVariant& value);
+    void findCards(const QString& text);
+    void tick();
+    void showFigures();
+    void tell(const QString& text);
+    /// Runs what may raise; shows the user why it did.
+    void attempt(const std::function<void()>& action);
+
+    void askOpen();
+    void askSave(const QString& suggestion, void (GalleryWindow::*save)(const QString&) const);
+    void askExport();
+    void copyText(const QString& text, const QString& what);
+
+    CardGrid* cards;
+    QScrollArea* scroll;
+    Inspector* inspecting;
+    QLineEdit* search = nullptr;
+    QLabel* figures = nullptr;
+    QLabel* found = nullptr;
+    QAction* moving = nullptr;
+    std::vector<QAction*> designSwitches;
+    InstrumentCard* selected = nullptr;
+
+    Theme theme = Theme::Light;
+    Ground ground = Ground::Card;
+    int side = 200;
+    bool areEnabled = true;
+
+    QTimer ticking;
+    QTimer figuring;
+    QElapsedTimer clock;
+    double moment = 0; ///< of the motion, in seconds
+    FrameMeter meter;
+};

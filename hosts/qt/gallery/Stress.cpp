@@ -1,0 +1,97 @@
+#include "hosts/qt/gallery/Stress.h"
+
+#include "VzSpeedometer.h"
+#include "hosts/qt/gallery/FrameMeter.h"
+#include "hosts/qt/gallery/Motion.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QTimer>
+
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int Side = 200;
+constexpr int WarmUpMs = 1000;
+constexpr int MeasuredMs = 5000;
+
+/// A window of gauges that sets every value anew as soon as the last frame is painted.
+class StressWindow final : public QWidget {
+public:
+    explicit StressWindow(int count) {
+        auto* const grid = new QGridLayout(this);
+        grid->setContentsMargins(0, 0, 0, 0);
+        grid->setSpacing(0);
+        const int columns = int(std::ceil(std::sqrt(count)));
+        for (int i = 0; i < count; ++i) {
+            auto* const gauge = new VzSpeedometer(this);
+            gauge->setFixedSize(Side, Side);
+            grid->addWidget(gauge, i / columns, i % columns);
+            gauges.push_back(gauge);
+            motions.push_back(motionOf(*gauge));
+        }
+        moment.start();
+        connect(&timer, &QTimer::timeout, this, [this] { step(); });
+        timer.start(0);
+    }
+
+    void begin() {
+        painting.restart();
+        setting.restart();
+    }
+    void print() const {
+        const double fps = painting.framesPerSecond();
+        std::printf("%zu gauges of %d x %d, %s: %.1f frames/s\n", gauges.size(), Side, Side,
+                    qUtf8Printable(QApplication::platformName()), fps);
+        std::printf("  a frame: setting values %.2f ms, painting %.2f ms, rest %.2f ms\n",
+                    setting.msPerFrame(), painting.msPerFrame(),
+                    1000 / fps - setting.msPerFrame() - painting.msPerFrame());
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::UpdateRequest) return QWidget::event(event);
+        QElapsedTimer watch;
+        watch.start();
+        const bool isDone = QWidget::event(event);
+        painting.addFrame(double(watch.nsecsElapsed()) / 1e6);
+        isPainted = true;
+        return isDone;
+    }
+
+private:
+    void step() {
+        if (!isPainted) return;
+        isPainted = false;
+        QElapsedTimer watch;
+        watch.start();
+        const double seconds = double(moment.elapsed()) / 1000;
+        for (size_t i = 0; i < gauges.size(); ++i)
+            gauges[i]->setValue(motions[i].valueAt(seconds + 0.37 * double(i)).toDouble());
+        setting.addFrame(double(watch.nsecsElapsed()) / 1e6);
+    }
+
+    std::vector<VzSpeedometer*> gauges;
+    std::vector<Motion> motions;
+    QElapsedTimer moment;
+    QTimer timer;
+    FrameMeter painting;
+    FrameMeter setting;
+    bool isPainted = true;
+};
+
+} // namespace
+
+int runStress(int count) {
+    StressWindow window(count);
+    window.show();
+    QTimer::singleShot(WarmUpMs, &window, [&] { window.begin(); });
+    QTimer::singleShot(WarmUpMs + MeasuredMs, &window, [&] {
+        window.print();
+        QApplication::quit();
+    });
+    return QApplication::exec();
+}

@@ -1,0 +1,126 @@
+#include "hosts/qt/gallery/Theme.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPalette>
+#include <QPixmap>
+
+namespace {
+
+const ThemeColors Light{
+    QColor(0xF3F4F6), QColor(0xFFFFFF), QColor(0xDDE0E5), QColor(0x1D2229), QColor(0x646C78),
+    QColor(0x1F66D0), QColor(0xFFFFFF), QColor(0xE8EBF0), QColor(0xFFFFFF), QColor(0xDCDFE4),
+};
+const ThemeColors Dark{
+    QColor(0x14161A), QColor(0x1D2025), QColor(0x343941), QColor(0xE7E9EC), QColor(0x98A0AB),
+    QColor(0x6AA6FF), QColor(0x0D1420), QColor(0x2A2F37), QColor(0x3A3F47), QColor(0x2B2F36),
+};
+
+/// %name% stands for a colour of the theme.
+constexpr const char* Sheet = R"(
+QMainWindow, QScrollArea, #cards, #inspectorRows { background: %ground%; }
+QScrollArea { border: none; }
+#bar { background: %card%; border-bottom: 1px solid %border%; }
+#inspector { background: %card%; border-left: 1px solid %border%; }
+#inspectorRows { background: %card%; }
+#title { font-size: 17px; font-weight: 600; }
+#muted { color: %muted%; }
+#section { color: %muted%; font-size: 11px; font-weight: 600; padding: 14px 0 4px 0; }
+#caption { color: %muted%; font-size: 12px; }
+QStatusBar { background: %card%; border-top: 1px solid %border%; color: %muted%; }
+QStatusBar::item { border: none; }
+QMenuBar { background: %card%; padding: 2px 8px; }
+QMenuBar::item { padding: 4px 8px; border-radius: 4px; background: transparent; }
+QMenuBar::item:selected { background: %hover%; }
+QLineEdit, QPlainTextEdit {
+    background: %card%; border: 1px solid %border%; border-radius: 5px; padding: 3px 7px;
+    selection-background-color: %accent%; selection-color: %onAccent%;
+}
+QLineEdit:focus, QPlainTextEdit:focus { border-color: %accent%; }
+QToolButton, QPushButton {
+    background: %card%; border: 1px solid %border%; border-radius: 5px; padding: 4px 10px; color: %text%;
+}
+QToolButton:hover, QPushButton:hover { background: %hover%; }
+QToolButton:focus, QPushButton:focus { border-color: %accent%; }
+QToolButton:checked { background: %accent%; border-color: %accent%; color: %onAccent%; }
+QToolButton:checked:focus { border-color: %text%; }
+QToolButton:disabled, QPushButton:disabled { color: %muted%; }
+QToolButton::menu-indicator { image: none; }
+QToolButton#flat { border-color: transparent; padding: 3px; background: transparent; }
+QToolButton#flat:hover { background: %hover%; }
+QToolButton#flat:focus { border-color: %accent%; }
+QSplitter::handle { background: %border%; }
+QToolTip { background: %card%; color: %text%; border: 1px solid %border%; padding: 4px; }
+)";
+
+void drawReset(QPainter& painter) {
+    QPainterPath arc;
+    const QRectF circle(3.5, 3.5, 9, 9);
+    arc.arcMoveTo(circle, 120);
+    arc.arcTo(circle, 120, 290);
+    painter.drawPath(arc);
+    painter.drawPolyline(QPolygonF({{5.4, 0.9}, {5.6, 4.3}, {2.2, 4.6}}));
+}
+
+void drawSign(QPainter& painter, Sign sign) {
+    switch (sign) {
+    case Sign::Reset:
+        return drawReset(painter);
+    case Sign::Play:
+        painter.setBrush(painter.pen().color());
+        painter.drawPolygon(QPolygonF({{5, 3.5}, {12.5, 8}, {5, 12.5}}));
+        return;
+    case Sign::Pause:
+        painter.setBrush(painter.pen().color());
+        painter.drawRect(QRectF(4.2, 3.5, 2, 9));
+        painter.drawRect(QRectF(9.8, 3.5, 2, 9));
+        return;
+    }
+}
+
+} // namespace
+
+const ThemeColors& themeColors(Theme theme) { return theme == Theme::Dark ? Dark : Light; }
+
+QPalette themePalette(Theme theme) {
+    const ThemeColors& c = themeColors(theme);
+    QPalette palette(c.text, c.card, c.hover, c.border, c.muted, c.text, c.onAccent, c.card, c.ground);
+    palette.setColor(QPalette::Highlight, c.accent);
+    palette.setColor(QPalette::HighlightedText, c.onAccent);
+    palette.setColor(QPalette::Link, c.accent);
+    palette.setColor(QPalette::PlaceholderText, c.muted);
+    palette.setColor(QPalette::ToolTipBase, c.card);
+    palette.setColor(QPalette::ToolTipText, c.text);
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, c.muted);
+    return palette;
+}
+
+QString themeSheet(Theme theme) {
+    const ThemeColors& c = themeColors(theme);
+    QString sheet = QString::fromLatin1(Sheet);
+    for (const auto& [name, color] :
+         {std::pair("ground", c.ground), std::pair("card", c.card), std::pair("border", c.border),
+          std::pair("text", c.text), std::pair("muted", c.muted), std::pair("accent", c.accent),
+          std::pair("onAccent", c.onAccent), std::pair("hover", c.hover)})
+        sheet.replace(u'%' + QLatin1String(name) + u'%', color.name());
+    return sheet;
+}
+
+QIcon signIcon(Sign sign, const ThemeColors& colors) {
+    QIcon icon;
+    for (const auto& [mode, color] :
+         {std::pair(QIcon::Normal, colors.text), std::pair(QIcon::Disabled, colors.border)})
+        for (const int scale : {1, 2}) {
+            QPixmap pixmap(16 * scale, 16 * scale);
+            pixmap.setDevicePixelRatio(scale);
+            pixmap.fill(Qt::transparent);
+            QPainter painter(&pixmap);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(QPen(color, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            drawSign(painter, sign);
+            painter.end();
+            icon.addPixmap(pixmap, mode);
+        }
+    return icon;
+}
