@@ -6,13 +6,10 @@
 #include "Source.h"
 #include "Trace.h"
 #include "UsageError.h"
-<<<<<<< HEAD
+#include "controls/Picture.h"
 #include "instruments/ArtworkCheck.h"
 #include "instruments/Instrument.h"
 #include "runtime/AtomicFile.h"
-=======
-#include "controls/Picture.h"
->>>>>>> 3754921 (hosts/qt: show every instrument in a gallery with an inspector; controls: draw picture files in the library)
 #include "runtime/ClassRegistry.h"
 #include "runtime/Exceptions.h"
 #include "runtime/FormFile.h"

@@ -3,8 +3,8 @@
 #include "controls/Form.h"
 #include "controls/Picture.h"
 #include "hosts/qt/VzWidget.h"
+#include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/InstrumentCard.h"
-#include "hosts/qt/gallery/WidgetTable.h"
 #include "runtime/AtomicFile.h"
 #include "runtime/ClassRegistry.h"
 #include "runtime/FormFile.h"
@@ -17,16 +17,24 @@ using namespace Vz;
 
 namespace {
 
+/// The widget's class for a component's: VzSpeedometer for TVZSpeedometer; null where there is none.
+const TVzWidgetClass* findWidgetClass(std::string_view componentClass) {
+    for (const TVzWidgetClass& kind : vzWidgetClasses())
+        if (componentClass.starts_with("TVZ") &&
+            componentClass.substr(3) == std::string_view(kind.Name).substr(2))
+            return &kind;
+    return nullptr;
+}
+
 void collect(TComponent& component, std::vector<LoadedInstrument>& found) {
-    const QString className = QString::fromStdString(std::string(component.ClassName()));
-    if (const WidgetKind* kind = findWidgetKind(className)) {
-        std::unique_ptr<VzWidget> widget(kind->make(nullptr));
+    if (const TVzWidgetClass* const kind = findWidgetClass(component.ClassName())) {
+        std::unique_ptr<VzWidget> widget(kind->Create(nullptr));
         TControl& shown = widget->component();
         ReadFormInto(shown, WriteForm(component));
         shown.SetBounds(0, 0, shown.GetWidth(), shown.GetHeight());
         widget->setEnabled(shown.GetEnabled());
         const QString name = QString::fromStdString(component.GetName());
-        found.push_back({std::move(widget), name.isEmpty() ? classWords(kind->meta->className()) : name});
+        found.push_back({std::move(widget), name.isEmpty() ? classWords(kind->Name) : name});
         return; // what stands inside of it came with it
     }
     for (TComponent* child : component.GetChildComponents())

@@ -44,7 +44,8 @@ struct GalleryWindow::Choice {
     std::function<void()> run;
 };
 
-void GalleryWindow::addChoice(QHBoxLayout& bar, const QString& name, std::initializer_list<Choice> choices) {
+QActionGroup* GalleryWindow::addChoice(QHBoxLayout& bar, const QString& name, int chosen,
+                                       std::initializer_list<Choice> choices) {
     auto* const group = new QActionGroup(this);
     auto* const row = new QHBoxLayout;
     row->setSpacing(4);
@@ -57,12 +58,14 @@ void GalleryWindow::addChoice(QHBoxLayout& bar, const QString& name, std::initia
         button->setAccessibleName(name + u' ' + choice.text);
         row->addWidget(button);
     }
+    group->actions()[chosen]->setChecked(true);
     bar.addLayout(row);
     bar.addSpacing(GroupGap);
+    return group;
 }
 
-QAction* GalleryWindow::addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
-                                  std::function<void(bool)> run) {
+void GalleryWindow::addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
+                              std::function<void(bool)> run) {
     auto* const action = new QAction(text, this);
     action->setToolTip(tip);
     action->setCheckable(true);
@@ -70,7 +73,6 @@ QAction* GalleryWindow::addSwitch(QHBoxLayout& bar, const QString& text, const Q
     connect(action, &QAction::toggled, this, [this, run](bool value) { attempt([&] { run(value); }); });
     bar.addWidget(buttonOf(action));
     bar.addSpacing(4);
-    return action;
 }
 
 void GalleryWindow::addBar() {
@@ -94,13 +96,13 @@ void GalleryWindow::addBar() {
     bar->addWidget(search);
     bar->addSpacing(GroupGap);
 
-    addChoice(
-        *bar, tr("Background"),
-        {{tr("Light"), tr("Light background"), [this] { setTheme(Theme::Light), setGround(Ground::Card); }},
-         {tr("Dark"), tr("Dark background"), [this] { setTheme(Theme::Dark), setGround(Ground::Card); }},
+    backgrounds = addChoice(
+        *bar, tr("Background"), 0,
+        {{tr("Light"), tr("Light background"), [this] { setGround(Ground::Card), setTheme(Theme::Light); }},
+         {tr("Dark"), tr("Dark background"), [this] { setGround(Ground::Card), setTheme(Theme::Dark); }},
          {tr("Clear"), tr("Chequers, which show what is transparent"),
           [this] { setGround(Ground::Checker); }}});
-    addChoice(*bar, tr("Size"),
+    addChoice(*bar, tr("Size"), 2,
               {{tr("48"), tr("48 pixels"), [this] { setInstrumentSize(48); }},
                {tr("100"), tr("100 pixels"), [this] { setInstrumentSize(100); }},
                {tr("200"), tr("200 pixels"), [this] { setInstrumentSize(200); }},

@@ -1,14 +1,16 @@
 #include "hosts/qt/gallery/GalleryWindow.h"
 
-#include "hosts/qt/VzWidget.h"
+#include "VzSVGControl.h"
+#include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/CardGrid.h"
 #include "hosts/qt/gallery/Forms.h"
 #include "hosts/qt/gallery/Inspector.h"
 #include "hosts/qt/gallery/PropertyRow.h"
-#include "hosts/qt/gallery/WidgetTable.h"
 #include "runtime/FormFile.h"
+#include "svg/VZSVGControl.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDragEnterEvent>
@@ -30,6 +32,21 @@ namespace {
 constexpr int FrameMs = 16;
 constexpr int FiguresMs = 1000;
 constexpr int MessageMs = 8000;
+
+/// A drawing for the control that has none of its own.
+constexpr const char* Sample = R"svg(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 200 200">
+<defs><linearGradient id="sky" x2="0" y2="1"><stop stop-color="#2b6cb0"/><stop offset="1" stop-color="#90cdf4"/>
+</linearGradient><clipPath id="round"><circle cx="100" cy="100" r="92"/></clipPath></defs>
+<g clip-path="url(#round)"><rect width="200" height="200" fill="url(#sky)"/>
+<circle cx="136" cy="66" r="24" fill="#fbd38d"/>
+<path d="M-10 160L50 84L84 122L122 70L210 170V210H-10Z" fill="#2f4858"/>
+<path d="M50 84L66 102L54 108L40 98ZM122 70L140 92L124 100L108 90Z" fill="#f7fafc"/>
+<path d="M0 158C40 138 72 178 112 160S176 150 210 168V210H0Z" fill="#38a169"/></g></svg>)svg";
+
+void showSample(VzSVGControl& control) {
+    control.instrument().LoadFromText(Sample, "sample");
+    control.setStretch(true);
+}
 
 } // namespace
 
@@ -87,8 +104,10 @@ InstrumentCard* GalleryWindow::newCard(VzWidget* instrument, const QString& name
 
 void GalleryWindow::showAll() {
     std::vector<InstrumentCard*> all;
-    for (const WidgetKind& kind : widgetKinds())
-        all.push_back(newCard(kind.make(nullptr), classWords(kind.meta->className())));
+    for (const TVzWidgetClass& kind : vzWidgetClasses()) {
+        all.push_back(newCard(kind.Create(nullptr), classWords(kind.Name)));
+        if (auto* const plain = qobject_cast<VzSVGControl*>(&all.back()->instrument())) showSample(*plain);
+    }
     // What has nothing to show by itself stands at the end.
     std::ranges::stable_partition(all, [](const auto* card) { return !card->drivenProperty().isEmpty(); });
     setCards(std::move(all));
@@ -110,9 +129,9 @@ void GalleryWindow::select(InstrumentCard* card) {
 }
 
 bool GalleryWindow::selectClass(const QString& className) {
-    const WidgetKind* const kind = findWidgetKind(className);
+    const QString name = className.startsWith(u"TVZ") ? QStringLiteral("Vz") + className.mid(3) : className;
     for (InstrumentCard* card : cards->cards())
-        if (kind && card->instrument().metaObject() == kind->meta) {
+        if (name == QLatin1String(card->instrument().metaObject()->className())) {
             select(card);
             scroll->ensureWidgetVisible(card);
             return true;
@@ -130,6 +149,7 @@ void GalleryWindow::findCards(const QString& text) {
 
 void GalleryWindow::setTheme(Theme value) {
     theme = value;
+    if (ground == Ground::Card) backgrounds->actions()[theme == Theme::Dark ? 1 : 0]->setChecked(true);
     QApplication::setPalette(themePalette(theme));
     setPalette(themePalette(theme));
     setStyleSheet(themeSheet(theme));
@@ -166,7 +186,6 @@ void GalleryWindow::setSimpleDesign(bool value) { setOnAll("design", value ? 1 :
 void GalleryWindow::setGradients(bool value) { setOnAll("enableGradients", value); }
 
 void GalleryWindow::setInstrumentsEnabled(bool value) {
-    areEnabled = value;
     for (const InstrumentCard* card : cards->cards())
         card->instrument().setEnabled(value);
 }
@@ -262,6 +281,7 @@ void GalleryWindow::attempt(const std::function<void()>& action) {
 }
 
 QImage GalleryWindow::picture() {
+    inspecting->refresh();
     QApplication::processEvents(); // what is laid out later
     return grab().toImage();
 }

@@ -72,9 +72,10 @@ private:
     void addMenus();
     QAction* addCommand(QMenu* menu, const QString& text, const QKeySequence& keys,
                         std::function<void()> run);
-    QAction* addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
-                       std::function<void(bool)> run);
-    void addChoice(QHBoxLayout& bar, const QString& name, std::initializer_list<Choice> choices);
+    void addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
+                   std::function<void(bool)> run);
+    QActionGroup* addChoice(QHBoxLayout& bar, const QString& name, int chosen,
+                            std::initializer_list<Choice> choices);
 
     void setCards(std::vector<InstrumentCard*> value);
     InstrumentCard* newCard(VzWidget* instrument, const QString& name);
@@ -95,17 +96,16 @@ private:
     CardGrid* cards;
     QScrollArea* scroll;
     Inspector* inspecting;
+    QActionGroup* backgrounds = nullptr;
     QLineEdit* search = nullptr;
     QLabel* figures = nullptr;
     QLabel* found = nullptr;
     QAction* moving = nullptr;
-    std::vector<QAction*> designSwitches;
     InstrumentCard* selected = nullptr;
 
     Theme theme = Theme::Light;
     Ground ground = Ground::Card;
     int side = 200;
-    bool areEnabled = true;
 
     QTimer ticking;
     QTimer figuring;

@@ -206,11 +206,13 @@ void Inspector::rowChanged(const QByteArray& name, bool isReset) {
 }
 
 void Inspector::resetAll() {
-    for (PropertyRow* row : all)
-        row->reset();
-    // Some defaults hold each other in bounds, such as the ends of a scale.
-    for (PropertyRow* row : all)
-        if (row->differs()) row->reset();
+    // Only what differs by then, as some properties set others: a path makes its shape a custom one. And
+    // twice, as some hold each other in bounds, such as the ends of a scale.
+    for (int pass = 0; pass < 2; ++pass)
+        for (PropertyRow* row : all) {
+            row->refresh(true);
+            if (row->differs()) row->reset();
+        }
 }
 
 void Inspector::refreshSoon() {

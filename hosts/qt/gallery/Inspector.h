@@ -31,6 +31,8 @@ public:
     const std::vector<PropertyRow*>& rows() const { return all; }
     QLineEdit& search() const { return *searchField; }
     QPushButton& exportButton() const { return *exporting; }
+    /// Shows the values of now at once.
+    void refresh();
     /// Every property gets its default.
     void resetAll();
 
@@ -55,7 +57,6 @@ private:
 
 private Q_SLOTS:
     void refreshSoon();
-    void refresh();
 
 private:
     QPointer<InstrumentCard> card;

@@ -32,7 +32,8 @@ PropertyRow::PropertyRow(VzWidget& shown, const QMetaProperty& its, QWidget* par
     , editor(makePropertyEditor(its, this))
     , resetButton(new QToolButton(this)) {
     const QString words = label->text();
-    const QString tip = QStringLiteral("%1: %2").arg(QLatin1String(its.name()), QLatin1String(its.typeName()));
+    const QString tip =
+        QStringLiteral("%1: %2").arg(QLatin1String(its.name()), QLatin1String(its.typeName()));
     label->setToolTip(tip);
     label->setWordWrap(true);
     label->setFixedWidth(NameWidth);
@@ -52,6 +53,7 @@ PropertyRow::PropertyRow(VzWidget& shown, const QMetaProperty& its, QWidget* par
     const Qt::Alignment place = isTall ? Qt::AlignTop : Qt::AlignVCenter;
     row->addWidget(dot, 0, place);
     row->addWidget(label, 0, place);
+    if (isTall) label->setContentsMargins(0, 3, 0, 0);
     row->addWidget(editor, 1);
     row->addWidget(resetButton, 0, place);
 

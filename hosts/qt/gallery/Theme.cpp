@@ -8,12 +8,14 @@
 namespace {
 
 const ThemeColors Light{
-    QColor(0xF3F4F6), QColor(0xFFFFFF), QColor(0xDDE0E5), QColor(0x1D2229), QColor(0x646C78),
-    QColor(0x1F66D0), QColor(0xFFFFFF), QColor(0xE8EBF0), QColor(0xFFFFFF), QColor(0xDCDFE4),
+    QColor(0xF3F4F6), QColor(0xFFFFFF), QColor(0xDDE0E5), QColor(0x1D2229),
+    QColor(0x646C78), QColor(0x1F66D0), QColor(0xFFFFFF), QColor(0xE8EBF0),
+    QColor(0xFFFFFF), QColor(0xDCDFE4), QColor(0xE8F0FC),
 };
 const ThemeColors Dark{
-    QColor(0x14161A), QColor(0x1D2025), QColor(0x343941), QColor(0xE7E9EC), QColor(0x98A0AB),
-    QColor(0x6AA6FF), QColor(0x0D1420), QColor(0x2A2F37), QColor(0x3A3F47), QColor(0x2B2F36),
+    QColor(0x14161A), QColor(0x1D2025), QColor(0x343941), QColor(0xE7E9EC),
+    QColor(0x98A0AB), QColor(0x6AA6FF), QColor(0x0D1420), QColor(0x2A2F37),
+    QColor(0x3A3F47), QColor(0x2B2F36), QColor(0x1E2E47),
 };
 
 /// %name% stands for a colour of the theme.
@@ -42,7 +44,7 @@ QToolButton, QPushButton {
 }
 QToolButton:hover, QPushButton:hover { background: %hover%; }
 QToolButton:focus, QPushButton:focus { border-color: %accent%; }
-QToolButton:checked { background: %accent%; border-color: %accent%; color: %onAccent%; }
+QToolButton:checked { background: %tint%; border-color: %accent%; color: %accent%; }
 QToolButton:checked:focus { border-color: %text%; }
 QToolButton:disabled, QPushButton:disabled { color: %muted%; }
 QToolButton::menu-indicator { image: none; }
@@ -102,7 +104,7 @@ QString themeSheet(Theme theme) {
     for (const auto& [name, color] :
          {std::pair("ground", c.ground), std::pair("card", c.card), std::pair("border", c.border),
           std::pair("text", c.text), std::pair("muted", c.muted), std::pair("accent", c.accent),
-          std::pair("onAccent", c.onAccent), std::pair("hover", c.hover)})
+          std::pair("onAccent", c.onAccent), std::pair("tint", c.tint), std::pair("hover", c.hover)})
         sheet.replace(u'%' + QLatin1String(name) + u'%', color.name());
     return sheet;
 }

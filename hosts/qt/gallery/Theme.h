@@ -21,6 +21,7 @@ struct ThemeColors {
     QColor hover;
     QColor checkerLight; ///< the chequers that stand for a transparent background
     QColor checkerDark;
+    QColor tint; ///< behind what is switched on
 };
 
 const ThemeColors& themeColors(Theme theme);

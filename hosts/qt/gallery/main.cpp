@@ -57,8 +57,6 @@ void addOptions(QCommandLineParser& parser) {
 }
 
 int saveScreenshot(GalleryWindow& window, const QString& file) {
-    window.setAttribute(Qt::WA_DontShowOnScreen);
-    window.show();
     window.setMoving(false);
     window.moveTo(ScreenshotMoment);
     return window.picture().save(file) ? Done
@@ -79,12 +77,13 @@ int run(const QCommandLineParser& parser) {
     }
     if (parser.isSet(QStringLiteral("dark"))) window.setTheme(Theme::Dark);
     if (!parser.positionalArguments().isEmpty()) window.openForm(parser.positionalArguments().front());
+    const QString picture = parser.value(QStringLiteral("screenshot"));
+    if (!picture.isEmpty()) window.setAttribute(Qt::WA_DontShowOnScreen);
+    window.show();
     if (const QString name = parser.value(QStringLiteral("select"));
         !name.isEmpty() && !window.selectClass(name))
         return fail(WrongUsage, QStringLiteral("there is no instrument of class %1").arg(name));
-    if (const QString file = parser.value(QStringLiteral("screenshot")); !file.isEmpty())
-        return saveScreenshot(window, file);
-    window.show();
+    if (!picture.isEmpty()) return saveScreenshot(window, picture);
     return QApplication::exec();
 }
 
