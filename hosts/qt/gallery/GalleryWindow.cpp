@@ -82,6 +82,7 @@ GalleryWindow::GalleryWindow(QWidget* parent)
     ticking.setInterval(FrameMs);
     connect(&ticking, &QTimer::timeout, this, &GalleryWindow::tick);
     figuring.setInterval(FiguresMs);
+    meter.watch(*this);
     connect(&figuring, &QTimer::timeout, this, &GalleryWindow::showFigures);
 
     setTheme(Theme::Light);
@@ -224,15 +225,6 @@ void GalleryWindow::tick() {
 void GalleryWindow::showFigures() {
     const QString text = meter.takeText();
     if (!text.isEmpty()) figures->setText(text);
-}
-
-bool GalleryWindow::event(QEvent* event) {
-    if (event->type() != QEvent::UpdateRequest) return QMainWindow::event(event);
-    QElapsedTimer painting;
-    painting.start();
-    const bool isDone = QMainWindow::event(event);
-    meter.addFrame(double(painting.nsecsElapsed()) / 1e6);
-    return isDone;
 }
 
 // Files.

@@ -61,7 +61,6 @@ public:
     QImage picture();
 
 protected:
-    bool event(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 

@@ -34,11 +34,14 @@ public:
             motions.push_back(motionOf(*gauge));
         }
         moment.start();
+        painting.watch(*this);
+        connect(&painting, &FrameMeter::painted, this, [this] { isPainted = true; });
         connect(&timer, &QTimer::timeout, this, [this] { step(); });
         timer.start(0);
     }
 
     void begin() {
+        isPainted = true; // the first steps may have come before the window
         painting.restart();
         setting.restart();
     }
@@ -49,17 +52,6 @@ public:
         std::printf("  a frame: setting values %.2f ms, painting %.2f ms, rest %.2f ms\n",
                     setting.msPerFrame(), painting.msPerFrame(),
                     1000 / fps - setting.msPerFrame() - painting.msPerFrame());
-    }
-
-protected:
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::UpdateRequest) return QWidget::event(event);
-        QElapsedTimer watch;
-        watch.start();
-        const bool isDone = QWidget::event(event);
-        painting.addFrame(double(watch.nsecsElapsed()) / 1e6);
-        isPainted = true;
-        return isDone;
     }
 
 private:

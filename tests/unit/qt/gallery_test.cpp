@@ -245,13 +245,13 @@ TEST_F(Gallery, CppTextNamesWhatDiffers) {
     instrument().setProperty("maximum", 120.5);
     instrument().setProperty("frameColor", QColor(1, 2, 3));
     row("parts").edit(1 | 128);
-    row("formatStr").edit(QStringLiteral("0\"\u00B0"));
+    row("formatStr").edit(QStringLiteral("0'\"'\u00B0"));
     const QString text = cppText(instrument());
     EXPECT_TRUE(text.endsWith(
         QStringLiteral("speedometer->setMaximum(120.5);\n"
                        "speedometer->setParts(VzSpeedometer::spFrame | VzSpeedometer::spNeedle);\n"
                        "speedometer->setFrameColor(QColor(1, 2, 3));\n"
-                       "speedometer->setFormatStr(QStringLiteral(\"0\\\"\\u00b0\"));\n")))
+                       "speedometer->setFormatStr(QStringLiteral(\"0'\\\"'\\u00b0\"));\n")))
         << text.toStdString();
 }
 
