@@ -1,6 +1,6 @@
 #include "hosts/qt/gallery/GalleryWindow.h"
 
-#include "VzSVGControl.h"
+#include <VzSVGControl.h>
 #include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/CardGrid.h"
 #include "hosts/qt/gallery/Forms.h"

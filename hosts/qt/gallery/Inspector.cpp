@@ -1,6 +1,6 @@
 #include "hosts/qt/gallery/Inspector.h"
 
-#include "VzSVGControl.h"
+#include <VzSVGControl.h>
 #include "hosts/qt/gallery/InstrumentCard.h"
 #include "hosts/qt/gallery/PropertyRow.h"
 

@@ -1,6 +1,6 @@
 #include "hosts/qt/gallery/Stress.h"
 
-#include "VzSpeedometer.h"
+#include <VzSpeedometer.h>
 #include "hosts/qt/gallery/FrameMeter.h"
 #include "hosts/qt/gallery/Motion.h"
 
