@@ -127,7 +127,7 @@ public:
 
     std::string_view ClassName() const override {
         if constexpr (requires { TBase::TypeName; })
-            static_assert(&T::TypeName != &TBase::TypeName, "a component class says its own TypeName");
+            static_assert(T::TypeName != TBase::TypeName, "a component class says its own TypeName");
         return T::TypeName;
     }
 };

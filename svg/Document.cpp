@@ -134,7 +134,8 @@ bool StandsBefore(const TSVGElement& a, const TSVGElement& b) {
     };
     const auto pathA = path(&a);
     const auto pathB = path(&b);
-    const auto [atA, atB] = std::ranges::mismatch(pathA, pathB);
+    const auto [splitA, splitB] = std::ranges::mismatch(pathA, pathB);
+    const auto atA = splitA, atB = splitB; // names that a lambda may capture
     if (atA == pathA.end() || atB == pathB.end()) return atA == pathA.end() && atB != pathB.end();
     const auto& siblings = (*atA)->GetParent()->Children();
     if (siblings.back().get() == *atA) return false; // what is read comes last
