@@ -30,7 +30,8 @@ public:
         : FFolder(std::filesystem::temp_directory_path() / ("text-test-" + std::to_string(getpid()))) {
         std::filesystem::create_directories(FFolder / "fonts");
         std::ofstream(FFolder / "fonts.conf")
-            << "<?xml version=\"1.0\"?>\n<fontconfig>" << body << "</fontconfig>\n";
+            << "<?xml version=\"1.0\"?>\n<fontconfig>" << body << "<cachedir>" << FFolder.string()
+            << "</cachedir></fontconfig>\n";
     }
     ~TConfigurationFile() { std::filesystem::remove_all(FFolder); }
     std::string GetName() const { return (FFolder / "fonts.conf").string(); }
@@ -514,8 +515,7 @@ TEST_F(TextTest, ManySpansAreCoveredWhole) {
 }
 
 TEST_F(TextTest, WithoutAnyFontTextIsBlank) {
-    const TConfigurationFile none(
-        "<dir prefix=\"relative\">fonts</dir><cachedir prefix=\"relative\">.</cachedir>");
+    const TConfigurationFile none("<dir prefix=\"relative\">fonts</dir>");
     SetFontConfiguration(none.GetName());
     TTextStyle style;
     style.Size = 10;
