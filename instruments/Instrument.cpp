@@ -175,7 +175,11 @@ void TVZSVGCustomInstrument::ShowElement(std::string_view id, bool visible) {
 void TVZSVGCustomInstrument::SetElementFill(std::string_view id, TVZGPColor color) {
     auto* const element = Find<TSVGGraphicElement>(id);
     if (!element) return;
-    element->GetBrush().SetColor(color);
+    TSVGBrush brush = element->GetBrush();
+    const TVZGPBrushKind kind = brush.GetKind();
+    if (color == 0 && kind == TVZGPBrushKind::Solid) brush.SetKind(TVZGPBrushKind::None);
+    if (color != 0 && kind == TVZGPBrushKind::None) brush.SetKind(TVZGPBrushKind::Solid);
+    brush.SetColor(color);
     element->Changed();
 }
 
@@ -203,7 +207,7 @@ void TVZSVGCustomInstrument::WriteScale(std::string_view groupId, float first, f
     if (!group) return;
     EditDocument([&] {
         const auto count = static_cast<int>(group->GetChildCount());
-        const double step = double{last - first} / std::max(count - 1, 1);
+        const double step = (double{last} - double{first}) / std::max(count - 1, 1);
         double number = first;
         for (const auto& child : group->Children()) {
             auto* const text = dynamic_cast<TSVGCustomText*>(child.get());
@@ -246,8 +250,8 @@ void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFon
 
 namespace {
 
-/// Follows what a group's box depends on and the document's epoch does not tell: which elements below it are shown.
-/// False where one of them is moved by a transform of its own, or refers to elsewhere.
+/// Follows what a group's box depends on and the document's epoch does not tell: which elements below it are
+/// shown. False where one of them is moved by a transform of its own, or refers to elsewhere.
 bool FollowShown(const TSVGElement& element, std::uint64_t& shown) {
     if (element.GetTag() == TSVGTag::Use) return false;
     for (const auto& child : element.Children()) {

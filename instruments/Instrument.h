@@ -2,6 +2,7 @@
 
 #include "instruments/ColorFunctions.h"
 #include "instruments/Decoration.h"
+#include "instruments/InstrumentTables.h"
 #include "svg/Font.h"
 #include "svg/Servers.h"
 #include "svg/Shapes.h"
@@ -17,42 +18,6 @@
 
 namespace Vz {
 
-/// The look of an artwork: with its decorative detail, or plain.
-enum class TSVGDesign : std::uint8_t { sdDetailed, sdSimple };
-
-template <> struct EnumNames<TSVGDesign> {
-    static constexpr std::string_view Name = "TSVGDesign";
-    static constexpr std::string_view Members[] = {"sdDetailed", "sdSimple"};
-};
-
-/// Where a colour stands in an artwork.
-enum class TColorPlace : std::uint8_t { Fill, Stroke, FirstStop, LastStop };
-
-/// What an element of an artwork must be for the code that uses it.
-enum class TArtworkKind : std::uint8_t {
-    Graphic,  ///< anything that is drawn
-    Path,     ///< a path
-    Text,     ///< a text
-    Texts,    ///< a group whose children are all texts
-    Rect,     ///< a rect
-    Gradient, ///< a gradient, with stops of its own or borrowed ones
-    Stops,    ///< a gradient with stops of its own
-};
-
-/// One element that an instrument looks for in its artwork. Texts of the same parent stand in the rows'
-/// order.
-struct TArtworkRow {
-    std::string_view Id;
-    TArtworkKind Kind = TArtworkKind::Graphic;
-    std::string_view Parent = {}; ///< id of the element that it must lie in, at any depth; empty: anywhere
-};
-
-/// A row of a part table: the part, and an element that it shows.
-template <class TPart> struct TPartRow {
-    TPart Part;
-    std::string_view Element;
-};
-
 /// Base of all instruments: loads its artwork when it is created, expresses every property as an edit of that
 /// live document, and offers what all instruments share. An instrument's own source says in tables which
 /// element shows what.
@@ -63,58 +28,69 @@ template <class TPart> struct TPartRow {
 class TVZSVGCustomInstrument : public TVZSVGControl {
 public:
     static constexpr std::string_view DefaultFormatStr = "0.#";
+    /// White, 0xAARRGGBB.
     static constexpr TVZGPColor DefaultLightColor = 0xFFFFFFFF;
 
     using TVZSVGControl::TVZSVGControl;
 
-    // Update batches. While one is open InitializeGauge does nothing; the outermost end runs it once. Not
-    // balanced against misuse: an end too many makes the count negative, which counts as no batch.
+    // Update batches. Setters act at once inside a batch, too; only InitializeGauge waits for its end.
 
+    /// Opens a batch; batches nest. Until the outermost one ends, InitializeGauge does nothing.
     void BeginUpdate() override;
+    /// Closes a batch; the outermost one runs InitializeGauge once. An end too many is no error: it makes the
+    /// count negative, which counts as no batch, and the next BeginUpdate only makes up for it.
     void EndUpdate() override;
     bool IsUpdating() const { return FUpdateCount > 0; }
 
-    // The steps that bring the artwork into line with the properties; each is one document update.
+    // The steps that bring the artwork into line with the properties. Those with Do are what a class fills
+    // in; the others wrap them in one document update, which ends also when an exception passes, mark the
+    // caches stale and invalidate once. An element that the artwork does not have is passed over; one of
+    // another class than the step needs raises EInvalidCast.
 
-    // Those with Do are what a class fills in; the others wrap them, mark the caches stale and invalidate.
-
-    /// Switches all that has a gradient to it, or to flat colours.
+    /// Switches all that has a gradient to it (true), or to flat colours. The base's does nothing.
     virtual void DoEnableGradients(bool enable) {}
     /// Rebuilds all that the instrument owns. The base's: UpdateDecoration, DoUpdateParts, DoUpdateDesign.
     virtual void DoInitializeGauge();
-    /// Shows or hides what the design decides.
+    /// Shows or hides what the design decides. The base's does nothing.
     virtual void DoUpdateDesign() {}
-    /// Tints what shines with LightColor.
+    /// Tints what shines with LightColor. The base's does nothing.
     virtual void DoUpdateLight() {}
-    /// Shows or hides the parts.
+    /// Shows or hides the parts. The base's does nothing.
     virtual void DoUpdateParts() {}
     /// Gives the decoration element the catalogue's path; none for dcNone and, which is meant, for dcCustom.
     /// Repaints also where there is no such element.
     virtual void UpdateDecoration();
+    /// DoUpdateDesign, as a step.
     virtual void UpdateDesign();
-    /// Runs DoInitializeGauge, unless a batch is open. Does not invalidate by itself.
+    /// Runs DoInitializeGauge as one document update, unless a batch is open. It neither marks the
+    /// caches stale nor invalidates by itself.
     virtual void InitializeGauge();
     /// Reads what the artwork itself defines into the fields: the base, the decoration's fill and stroke.
     /// Runs after each load, before anything is written to the artwork.
     virtual void LoadSVGProperties();
+    /// DoEnableGradients for EnableGradients, as a step.
     virtual void UpdateGradients();
+    /// DoUpdateLight, as a step; the document is told of a change in any case.
     virtual void UpdateLight();
-    /// Rewrites the numbers that the instrument shows.
+    /// Rewrites the numbers that the instrument shows. The base's does nothing.
     virtual void UpdateNumbers() {}
-    /// Nothing happens, and nothing is repainted, while the document is empty.
+    /// DoUpdateParts, as a step. Nothing happens, and nothing is repainted, while the document is empty.
     virtual void UpdateParts();
     /// The elements that the class looks for in an artwork, for tests and for designers of artworks.
     virtual std::span<const TArtworkRow> GetArtworkContract() const { return {}; }
-    /// Name of the embedded artwork.
+    /// Name of the embedded artwork. One that there is not raises EResNotFound from the construction.
     virtual std::string GetSVGResourceName() const { return {}; }
     /// Paints the decoration in its colour, or not at all for 0x00000000. Nothing happens, and nothing is
     /// repainted, where the artwork has no decoration element.
     virtual void UpdateDecorationFill();
+    /// The same for its outline.
     virtual void UpdateDecorationStroke();
-    /// Raises OnChange; what sets the instrument's main value calls it.
+    /// Raises OnChange with the instrument as sender, where there is a handler; what sets the instrument's
+    /// main value calls it, the base never does.
     void DoOnChange();
 
-    // Properties that the concrete classes publish.
+    // Properties that the concrete classes publish. Setting a value that is equal does nothing at all: no
+    // edit, no repaint, no event.
 
     /// With decorative detail, or plain; what that hides is the class's. Default sdDetailed. A change runs
     /// UpdateDesign.
@@ -153,25 +129,31 @@ public:
     /// LightColor less its smallest channel: black for white, the hue itself for a pure hue. Alpha unchanged.
     TVZGPColor GetShadowColor() const;
 
-    // Recolouring of gradients. Colours are those of the gradient's own stops; nothing happens where there
-    // are none.
+    // Recolouring of gradients. Colours, 0xAARRGGBB, are those of the gradient's own stops; nothing happens
+    // where there are none, and a single stop takes the colour as it is.
 
-    /// Gives the first (forward) or last stop the colour, and every further one the brightness step that it
-    /// had from its neighbour.
+    /// Gives the first (forward) or last stop the colour, its alpha included, and every further one the
+    /// brightness step that it had from its neighbour, with its own alpha. A step is the factor, in single
+    /// precision, by which the channel changed that changed most (blue before green before red); from a
+    /// channel of 0 it is 2^31, which saturates. A stop that had the first one's red, green and blue gets the
+    /// colour's.
     static void ChangeGradientColor(TSVGCustomGradient& gradient, TVZGPColor color, bool forward);
     /// Shifts all stops by what separates stop `index` from the colour; that one, and those equal to it,
-    /// become the colour with their own alpha. Raises EArgumentOutOfRange before any change where there is no
-    /// such stop among several.
+    /// become the colour with their own alpha. Channels are held in 0..255. `index` counts from 0; where
+    /// there is no such stop among several, EArgumentOutOfRange is raised before any change.
     static void ChangeGradientColor(TSVGCustomGradient& gradient, TVZGPColor color, int index);
-    /// Keeps each stop's colour beside it, and puts it back, so that recolouring does not add up.
+    /// Keeps each stop's colour beside it. Done once after a load, so that recolouring does not add up.
     static void SaveGradientColor(TSVGCustomGradient& gradient);
+    /// Puts back what SaveGradientColor kept; 0x00000000 in a stop that was never saved.
     static void RestoreGradientColor(TSVGCustomGradient& gradient);
-    /// Switches an element's fill (or stroke) to a gradient, or to a flat colour.
+    /// Switches an element's fill (or stroke) to the gradient of that id, or to a flat colour, and tells the
+    /// element. Nothing happens where there is no such element.
     void DoEnableGradient(std::string_view elementId, std::string_view gradientUri, bool enable,
                           TVZGPColor color, bool fill);
 
     /// Raised when the instrument's main value changed.
     const TNotifyEvent& GetOnChange() const { return FOnChange; }
+    /// Replaces the handler; an empty one takes it away. Default: none.
     void SetOnChange(TNotifyEvent event) { FOnChange = std::move(event); }
 
     /// Id of the path element that shows the decoration.
@@ -217,14 +199,17 @@ protected:
     /// Marks the caches stale and invalidates.
     void MarkChanged();
 
-    /// Gives a path element path data of a text that lives, unchanged, as long as the program: it is read once,
-    /// and all elements share the figures.
+    /// Gives a path element path data of a text that lives, unchanged, as long as the program: it is read
+    /// once, and all elements share the figures.
     static void SetLastingPath(TSVGPath& path, std::string_view data);
+    /// Shows or hides an element with all that it holds.
     void ShowElement(std::string_view id, bool visible);
-    /// Sets the fill's colour and tells the element.
+    /// Sets the fill's colour and tells the element; 0x00000000 switches a flat fill off, any other colour
+    /// switches it on again. A gradient stays.
     void SetElementFill(std::string_view id, TVZGPColor color);
-    /// Sets the stroke: none for 0x00000000, else solid in the colour.
+    /// Sets the stroke: none for 0x00000000, else solid in the colour, whatever the artwork's style says.
     void SetElementStroke(std::string_view id, TVZGPColor color);
+    /// Replaces a text's content, which is UTF-8.
     void SetElementText(std::string_view id, std::string_view text);
     /// Restores the gradient and recolours it from its first stop.
     void RecolourGradient(std::string_view id, TVZGPColor color);
@@ -246,6 +231,7 @@ protected:
     /// degrees clockwise from how it is drawn; an angle that is not finite leaves it where it is. False where
     /// either element is missing.
     bool TurnElement(std::string_view id, std::string_view centerId, double angleDeg);
+    /// The number in the picture FormatStr.
     std::string FormatNumber(double value) const;
 
     /// A colour of the artwork and the field that takes it over; gradients that are recoloured are saved as

@@ -169,9 +169,10 @@ void TVZSpeedometer::ScaleChanged() {
 
 void TVZSpeedometer::InitializeSpeedometer() {
     InitializeLabels();
-    const auto overrun = static_cast<float>(RoundHalfEven(double(FScale.Max - FScale.Min) * Overrun));
-    FNeedleMax = FScale.Max + overrun;
-    FNeedleMin = FScale.Min - overrun;
+    const float span = FScale.Max - FScale.Min; // in single precision, which is meant
+    const auto overrun = static_cast<double>(RoundHalfEven(double{span} * Overrun));
+    FNeedleMax = static_cast<float>(FScale.Max + overrun);
+    FNeedleMin = static_cast<float>(FScale.Min - overrun);
 }
 
 void TVZSpeedometer::InitializeLabels() { WriteScale("Labels", FScale.Min, FScale.Max); }

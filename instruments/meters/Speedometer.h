@@ -48,14 +48,16 @@ public:
     float GetValue() const { return FScale.Value; }
     void SetValue(float value);
     bool IsValueStored() const { return FScale.IsValueStored(); }
-    /// How far the needle goes, in scale units: the scale and about a 24th of it beyond each end. -10 and 250
-    /// by default.
+    /// Where the needle's range begins, in scale units: the scale's span times 0.04167, rounded to a whole
+    /// number (a half to the even one), below Min. -10 by default; -100.05 degrees from upright.
     float GetNeedleMin() const { return FNeedleMin; }
+    /// Where it ends: as much above Max. 250 by default; 100.15 degrees.
     float GetNeedleMax() const { return FNeedleMax; }
 
     // Look.
 
-    /// The parts that are shown. Default all nine. A change runs UpdateParts.
+    /// The parts that are shown. Default all nine. A change runs UpdateParts. The glass is also hidden by the
+    /// simple design; whichever of the two was set last decides.
     TParts GetParts() const { return FParts; }
     void SetParts(TParts value);
     /// Font of the numbers, in artwork units. By default everything is as the artwork has it. Set by copying.
@@ -110,11 +112,13 @@ public:
     void UpdateNumbers() override;
     std::string GetSVGResourceName() const override { return "SpeedometerSVG"; }
     void UpdateDecorationFill() override;
-    /// Writes the numbers of the scale.
+    /// Writes the numbers of the scale, evenly from Min to Max, into the texts of the group "Labels". A child
+    /// of it that is no text raises EInvalidCast.
     void InitializeLabels();
     /// Writes the numbers and takes the needle's range from the scale.
     void InitializeSpeedometer();
-    /// Turns the needle to the value.
+    /// Turns the needle to the value and invalidates; in a range of no extent it stays where it is. Nothing
+    /// happens where the artwork has no needle group or no knob.
     void UpdateNeedle();
 
 protected:

@@ -52,6 +52,21 @@ TEST(Instrument, MissingArtworkFailsTheConstruction) {
     EXPECT_THROW(TVZSVGControl::Create()->LoadSVGResource(""), EResNotFound);
 }
 
+/// One whose artwork there is not.
+class TLost final : public TCreatable<TLost, TVZSVGCustomInstrument> {
+public:
+    static constexpr std::string_view TypeName = "TLost";
+    using TCreatable::TCreatable;
+    std::string GetSVGResourceName() const override { return "NoSuchArtwork"; }
+};
+
+TEST(Instrument, ResourceThatThereIsNotFailsTheConstruction) {
+    EXPECT_THROW(TLost::Create(), EResNotFound);
+    const auto owner = TVZSVGControl::Create();
+    EXPECT_THROW(TLost::Create(*owner), EResNotFound);
+    EXPECT_EQ(owner->GetComponentCount(), 0);
+}
+
 // Update batches
 
 TEST(Instrument, OutermostEndInitializesOnce) {
@@ -138,6 +153,17 @@ TEST(Instrument, StepsEditMarkAndInvalidate) {
         EXPECT_EQ(watch.Changes, 0);
         EXPECT_TRUE(probe->AreBuffersStale());
     }
+}
+
+TEST(Instrument, LightTellsTheDocumentInAnyCase) {
+    const auto probe = TProbe::Create();
+    TWatch watch(*probe);
+    probe->UpdateDesign(); // changes nothing: nothing to tell
+    probe->UpdateParts();
+    EXPECT_EQ(watch.Notices, 0);
+    EXPECT_EQ(watch.Invalidates, 2);
+    probe->UpdateLight();
+    EXPECT_EQ(watch.Notices, 1);
 }
 
 TEST(Instrument, DocumentUpdateEndsWhenAStepRaises) {
@@ -272,6 +298,23 @@ TEST(Instrument, StrokeOfNoColorIsSwitchedOff) {
     EXPECT_EQ(face.GetPen().GetColor(), 0x7F123456u);
     probe->SetElementStroke("Face", 0x00123456); // transparent, but not switched off
     EXPECT_EQ(face.GetPen().GetKind(), TVZGPBrushKind::Solid);
+}
+
+TEST(Instrument, FillOfNoColorIsSwitchedOff) {
+    const auto probe = TProbe::Create();
+    auto& face = probe->Get<TSVGGraphicElement>("Face");
+    probe->SetElementFill("Face", 0);
+    EXPECT_EQ(face.GetBrush().GetKind(), TVZGPBrushKind::None);
+    probe->SetElementFill("Face", 0x7F123456);
+    EXPECT_EQ(face.GetBrush().GetKind(), TVZGPBrushKind::Solid);
+    EXPECT_EQ(face.GetBrush().GetColor(), 0x7F123456u);
+    probe->SetElementFill("Face", 0x00123456); // transparent, but not switched off
+    EXPECT_EQ(face.GetBrush().GetKind(), TVZGPBrushKind::Solid);
+    probe->DoEnableGradient("Face", "Shade", true, 0, true);
+    for (const TVZGPColor color : {0u, 0xFF123456u}) {
+        probe->SetElementFill("Face", color); // what has a gradient keeps it
+        EXPECT_EQ(face.GetBrush().GetKind(), TVZGPBrushKind::URI);
+    }
 }
 
 TEST(Instrument, ScaleIsWrittenEvenly) {

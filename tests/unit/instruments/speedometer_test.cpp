@@ -1,16 +1,17 @@
 #include "instruments/meters/Vz.Tavro.Speedometers.h"
 
 #include "Allocations.h"
-#include "InstrumentProbe.h"
-#include "controls/HeadlessHost.h"
+#include "SpeedometerProbe.h"
 #include "package/Package.h"
 #include "runtime/FormFile.h"
 #include "runtime/PropAccess.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <sstream>
 
 namespace Vz::Test {
@@ -22,39 +23,6 @@ using TParts = TVZSpeedometer::TParts;
 constexpr float Infinity = std::numeric_limits<float>::infinity();
 constexpr float Nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float Greatest = std::numeric_limits<float>::max();
-
-struct TSpeed {
-    std::unique_ptr<TVZSpeedometer> Meter = TVZSpeedometer::Create();
-    TVZSpeedometer* operator->() { return Meter.get(); }
-    TVZSpeedometer& operator*() { return *Meter; }
-
-    template <class T = TSVGGraphicElement> T& Get(std::string_view id) {
-        return *Meter->GetDocument().Find<T>(id);
-    }
-    TVZGPColor Fill(std::string_view id) { return Get(id).GetBrush().GetColor(); }
-    TVZGPColor Stroke(std::string_view id) { return Get(id).GetPen().GetColor(); }
-    TVZGPColor Stop(std::string_view id, std::size_t index) {
-        return Get<TSVGCustomGradient>(id).GetStop(index).GetStopBrush().GetColor();
-    }
-    double Angle() {
-        const TMatrix m = Get("NeedleGroup").GetMatrix();
-        return std::atan2(m.M12, m.M11) * 57.29577951308232;
-    }
-    std::string Labels() {
-        std::string all;
-        for (const auto& child : Meter->GetDocument().FindElement("Labels")->Children())
-            all += (all.empty() ? "" : " ") + dynamic_cast<TSVGCustomText&>(*child).GetText();
-        return all;
-    }
-    std::vector<std::uint32_t> Paint() {
-        THeadlessHost host(*Meter);
-        const TPixels pixels = host.Paint().GetPixels();
-        std::vector<std::uint32_t> copy;
-        for (int y = 0; y < pixels.Height; ++y)
-            copy.insert(copy.end(), pixels.Row(y), pixels.Row(y) + pixels.Width);
-        return copy;
-    }
-};
 
 // Scale and needle
 
@@ -157,6 +125,70 @@ TEST(Speedometer, OverrunRoundsHalfToEven) {
     EXPECT_EQ(speed->GetNeedleMax(), 156250);
 }
 
+TEST(Speedometer, OverrunIsWholeAlsoWhereTheScaleIsNot) {
+    TSpeed speed;
+    speed->SetMin(-40);
+    speed->SetMax(200);
+    EXPECT_EQ(speed->GetNeedleMin(), -50);
+    EXPECT_EQ(speed->GetNeedleMax(), 210);
+    speed->SetMin(0.25f);
+    speed->SetMax(12.75f); // 12.5 * 0.04167 = 0.52
+    EXPECT_EQ(speed->GetNeedleMin(), -0.75f);
+    EXPECT_EQ(speed->GetNeedleMax(), 13.75f);
+    speed->SetMax(11.25f); // 11 * 0.04167 = 0.458
+    EXPECT_EQ(speed->GetNeedleMin(), 0.25f);
+    EXPECT_EQ(speed->GetNeedleMax(), 11.25f);
+    speed->SetMin(0);
+    speed->SetMax(1e10f); // more than a single holds exactly: the ends are rounded once
+    EXPECT_EQ(speed->GetNeedleMax(), float(1e10 + 416700000));
+    EXPECT_EQ(speed->GetNeedleMin(), -416700000.0f);
+}
+
+TEST(Speedometer, NeedleAgreesWithTheFormulaOnRandomScales) {
+    std::mt19937 random(41);
+    std::uniform_real_distribution<float> any(-2000, 2000);
+    TSpeed speed;
+    for (int round = 0; round < 2000; ++round) {
+        const float a = any(random), b = any(random);
+        if (std::abs(a - b) < 12) continue; // without an overrun the needle's range is the scale's
+        speed->SetMin(std::min(a, b));
+        speed->SetMax(std::max(a, b));
+        speed->SetMin(std::min(a, b)); // the first one may have been pushed
+        const float value = any(random) * 2;
+        speed->SetValue(value);
+        const double overrun = std::nearbyint(double(speed->GetMax() - speed->GetMin()) * 0.04167);
+        const double least = float(speed->GetMin() - overrun), greatest = float(speed->GetMax() + overrun);
+        const double held = std::min(std::max(double(value), least), greatest);
+        ASSERT_EQ(speed->GetValue(), float(held)) << round;
+        ASSERT_NEAR(speed.Angle(), (held - least) / (greatest - least) * 200.2 - 100.05, 2e-4) << round;
+    }
+}
+
+TEST(Speedometer, UpperEndPullsTheValueToTheScaleNotToTheOverrun) {
+    TSpeed speed;
+    speed->SetValue(250);
+    speed->SetMax(245);
+    EXPECT_EQ(speed->GetValue(), 245);
+    speed->SetValue(-10);
+    speed->SetMin(-5);
+    EXPECT_EQ(speed->GetValue(), -5);
+}
+
+TEST(Speedometer, WithoutNeedleOrKnobNothingTurns) {
+    for (const char* id : {"NeedleGroup", "Knob"}) {
+        TSpeed speed;
+        speed->SetActiveSVGElement(nullptr);
+        speed.Get(id).Remove();
+        TWatch watch(*speed);
+        speed->UpdateNeedle();
+        EXPECT_TRUE(watch.IsQuiet()) << id;
+        speed->SetValue(100);
+        EXPECT_EQ(speed->GetValue(), 100);
+        EXPECT_EQ(watch.Changes, 1);
+        EXPECT_EQ(watch.Invalidates, 0);
+    }
+}
+
 TEST(Speedometer, EqualEndsAreHarmless) {
     TSpeed speed;
     speed->SetValue(120);
@@ -210,240 +242,61 @@ TEST(Speedometer, NumbersFollowThePicture) {
     EXPECT_NO_THROW(speed->SetFormatStr(std::string(10000, 'x')));
 }
 
+TEST(Speedometer, LastNumberIsTheUpperEnd) {
+    TSpeed speed;
+    speed->SetFormatStr("0.000000");
+    speed->SetMin(0.1f); // a single that is no round number, in a span that is none either
+    EXPECT_TRUE(speed.Labels().ends_with(" 240.000000")) << speed.Labels();
+    EXPECT_TRUE(speed.Labels().starts_with("0.100000 40.083333 ")) << speed.Labels();
+    speed->SetMax(Greatest);
+    speed->SetMin(-Greatest); // a span that no single holds
+    speed->SetFormatStr("0.0e+0");
+    EXPECT_TRUE(speed.Labels().starts_with("-3.4e+38 -2.3e+38 -1.1e+38 ")) << speed.Labels();
+    EXPECT_TRUE(speed.Labels().ends_with(" 3.4e+38")) << speed.Labels();
+}
+
+TEST(Speedometer, NumbersFollowTheCountOfTexts) {
+    TSpeed speed;
+    auto& labels = *speed->GetDocument().FindElement("Labels");
+    while (labels.GetChildCount() > 3)
+        labels.GetChild(labels.GetChildCount() - 1).Remove();
+    speed->SetMin(-240);
+    EXPECT_EQ(speed.Labels(), "-240 0 240");
+}
+
+TEST(Speedometer, PicturesOfAnyTextAreTakenOrRefused) {
+    std::mt19937 random(43);
+    const std::string_view signs = "0#.,;eE+-'\"% x\\\xc3\xa9<&>\0";
+    TSpeed speed;
+    int taken = 0, refused = 0;
+    for (int round = 0; round < 3000; ++round) {
+        std::string picture(random() % 12, ' ');
+        for (char& sign : picture)
+            sign = signs[random() % signs.size()];
+        const std::string before = speed->GetFormatStr(), labels = speed.Labels();
+        try {
+            speed->SetFormatStr(picture);
+            ASSERT_EQ(speed->GetFormatStr(), picture);
+            ++taken;
+        } catch (const EConvertError&) {
+            ASSERT_EQ(speed->GetFormatStr(), before);
+            ASSERT_EQ(speed.Labels(), labels);
+            ++refused;
+        }
+        if (round % 300 != 0) continue;
+        TSVGDocument copy;
+        ASSERT_NO_THROW(copy.LoadFromText(speed->GetDocument().WriteText())) << picture;
+        ASSERT_NO_THROW(speed.Paint()) << picture;
+    }
+    EXPECT_GT(taken, 300);
+    EXPECT_GT(refused, 300);
+}
+
 TEST(Speedometer, LabelThatIsNoTextIsAFaultOfTheArtwork) {
     TSpeed speed;
     speed->GetDocument().FindElement("Labels")->Add<TSVGPath>();
     EXPECT_THROW(speed->InitializeLabels(), EInvalidCast);
     EXPECT_THROW(speed->SetMax(7), EInvalidCast);
-}
-
-// Parts and design
-
-TEST(Speedometer, EachPartShowsItsElement) {
-    const std::pair<TPart, const char*> rows[] = {
-        {TPart::spFrame, "Frame"},
-        {TPart::spBackface, "Backface"},
-        {TPart::spDecoration, "Decoration"},
-        {TPart::spMajorMarkers, "MarkersMajor"},
-        {TPart::spMinorMarkers, "MarkersMinor"},
-        {TPart::spKnob, "KnobGroup"},
-        {TPart::spLabels, "Labels"},
-        {TPart::spNeedle, "NeedleGroup"},
-        {TPart::spGlass, "Glass"},
-    };
-    TSpeed speed;
-    for (const auto& [part, id] : rows) {
-        speed->SetParts(TParts{part});
-        for (const auto& [other, otherId] : rows)
-            EXPECT_EQ(speed.Get(otherId).GetVisible(), part == other) << id << ' ' << otherId;
-    }
-    speed->SetParts({});
-    for (const auto& [part, id] : rows)
-        EXPECT_FALSE(speed.Get(id).GetVisible());
-    TWatch watch(*speed);
-    speed->SetParts({});
-    EXPECT_TRUE(watch.IsQuiet());
-    speed->SetParts(TVZSpeedometer::AllParts);
-    EXPECT_EQ(watch.Invalidates, 1);
-    EXPECT_EQ(watch.Notices, 1);
-}
-
-TEST(Speedometer, SimpleDesignHidesTheDetail) {
-    TSpeed speed;
-    speed->SetDesign(TSVGDesign::sdSimple);
-    for (const char* id : {"BackfaceHighlight", "InnerFrame", "NeedleHighlight", "Glass", "NeedleShadow"})
-        EXPECT_FALSE(speed.Get(id).GetVisible()) << id;
-    // The glass is a part as well: whichever ran last wins.
-    speed->SetParts(TParts{TPart::spGlass});
-    EXPECT_TRUE(speed.Get("Glass").GetVisible());
-    speed->InitializeGauge(); // parts, then design
-    EXPECT_FALSE(speed.Get("Glass").GetVisible());
-    speed->SetDesign(TSVGDesign::sdDetailed);
-    for (const char* id : {"BackfaceHighlight", "InnerFrame", "NeedleHighlight", "Glass", "NeedleShadow"})
-        EXPECT_TRUE(speed.Get(id).GetVisible()) << id;
-}
-
-// Colours
-
-TEST(Speedometer, ColorsAreTheArtworks) {
-    TSpeed speed;
-    EXPECT_EQ(speed->GetFrameColor(), speed.Stop("linearGradientFrame", 0));
-    EXPECT_EQ(speed->GetBackfaceColor(), speed.Stop("linearGradientBackface", 0));
-    EXPECT_EQ(speed->GetNeedleFillColor(), speed.Fill("Needle"));
-    EXPECT_EQ(speed->GetNeedleStrokeColor(), speed.Stroke("Needle"));
-    EXPECT_EQ(speed->GetLabelsFillColor(), speed.Fill("Labels"));
-    EXPECT_EQ(speed->GetLabelsStrokeColor(), speed.Stroke("Labels"));
-    EXPECT_EQ(speed->GetMarkersFillColor(), speed.Fill("MarkersMajor"));
-    EXPECT_EQ(speed->GetMarkersStrokeColor(), speed.Stroke("MarkersMajor"));
-    EXPECT_EQ(speed->GetKnobFillColor(), speed.Stop("GradientKnob", 0));
-    EXPECT_EQ(speed->GetKnobStrokeColor(), speed.Stroke("Knob"));
-    EXPECT_EQ(speed->GetDecorationFillColor(), 0xFFF06400u);
-    EXPECT_EQ(speed->GetDecorationStrokeColor(), 0xFF000000u);
-}
-
-using TColorSetter = void (TVZSpeedometer::*)(TVZGPColor);
-
-TEST(Speedometer, GradientColors) {
-    const struct {
-        TColorSetter Set;
-        std::vector<const char*> Gradients;
-        const char* Flat;
-    } rows[] = {
-        {&TVZSpeedometer::SetFrameColor, {"linearGradientFrame"}, "OuterFrame"},
-        {&TVZSpeedometer::SetBackfaceColor,
-         {"linearGradientBackfaceHighlight", "linearGradientBackface"},
-         "BackfaceFlat"},
-        {&TVZSpeedometer::SetKnobFillColor, {"GradientKnob"}, "Knob"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.Flat);
-        TSpeed speed;
-        THeadlessHost host(*speed);
-        host.Paint();
-        std::vector<TVZGPColor> last;
-        for (const char* id : row.Gradients) {
-            const auto& gradient = speed.Get<TSVGCustomGradient>(id);
-            last.push_back(speed.Stop(id, gradient.GetStopCount() - 1));
-        }
-        TWatch watch(*speed);
-        (*speed.*row.Set)(0xFF2060A0);
-        EXPECT_EQ(watch.Invalidates, 1);
-        EXPECT_TRUE(speed->AreBuffersStale());
-        EXPECT_EQ(speed.Get(row.Flat).GetBrush().GetKind(), TVZGPBrushKind::URI);
-        for (std::size_t i = 0; i < row.Gradients.size(); ++i) {
-            const auto& gradient = speed.Get<TSVGCustomGradient>(row.Gradients[i]);
-            EXPECT_EQ(speed.Stop(row.Gradients[i], 0), 0xFF2060A0u);
-            EXPECT_NE(speed.Stop(row.Gradients[i], gradient.GetStopCount() - 1), last[i]); // shaded too
-        }
-        // Recolouring starts from the artwork's stops: over another colour it gives the same.
-        TSpeed other;
-        (*other.*row.Set)(0xFFFF00FF);
-        (*other.*row.Set)(0xFF2060A0);
-        EXPECT_EQ(other.Paint(), speed.Paint());
-        // With gradients off the flat element takes the colour, and the gradient stays.
-        speed->SetEnableGradients(false);
-        (*speed.*row.Set)(0xFF00FF00);
-        EXPECT_EQ(speed.Fill(row.Flat), 0xFF00FF00u);
-        EXPECT_EQ(speed.Stop(row.Gradients[0], 0), 0xFF2060A0u);
-    }
-}
-
-TEST(Speedometer, PlainColors) {
-    const struct {
-        TColorSetter Set;
-        std::vector<const char*> Elements;
-        bool IsStroke;
-        bool IsActive; ///< of the active element, which is in no cache
-    } rows[] = {
-        {&TVZSpeedometer::SetKnobStrokeColor, {"Knob"}, true, false},
-        {&TVZSpeedometer::SetLabelsFillColor, {"Labels"}, false, false},
-        {&TVZSpeedometer::SetLabelsStrokeColor, {"Labels"}, true, false},
-        {&TVZSpeedometer::SetMarkersFillColor, {"MarkersMajor", "MarkersMinor"}, false, false},
-        {&TVZSpeedometer::SetMarkersStrokeColor, {"MarkersMajor", "MarkersMinor"}, true, false},
-        {&TVZSpeedometer::SetNeedleFillColor, {"Needle"}, false, true},
-        {&TVZSpeedometer::SetNeedleStrokeColor, {"Needle"}, true, true},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.Elements[0]);
-        TSpeed speed;
-        THeadlessHost host(*speed);
-        host.Paint();
-        TWatch watch(*speed);
-        (*speed.*row.Set)(0xC0123456);
-        EXPECT_EQ(watch.Invalidates, 1);
-        EXPECT_EQ(watch.Notices, 1);
-        EXPECT_EQ(watch.Changes, 0);
-        EXPECT_EQ(speed->AreBuffersStale(), !row.IsActive);
-        for (const char* id : row.Elements)
-            EXPECT_EQ(row.IsStroke ? speed.Stroke(id) : speed.Fill(id), 0xC0123456u);
-        if (!row.IsStroke) continue;
-        (*speed.*row.Set)(0);
-        for (const char* id : row.Elements)
-            EXPECT_EQ(speed.Get(id).GetPen().GetKind(), TVZGPBrushKind::None);
-    }
-}
-
-TEST(Speedometer, NeedlesRidgeTakesHalfTheBrightness) {
-    TSpeed speed;
-    speed->SetNeedleFillColor(0x80FF0305);
-    EXPECT_EQ(speed.Fill("NeedleHighlight"), 0x80800202u); // 127.5, 1.5, 2.5
-    speed->SetDesign(TSVGDesign::sdSimple);
-    speed->SetNeedleFillColor(0xFF00FF00);
-    EXPECT_EQ(speed.Fill("NeedleHighlight"), 0x80800202u);
-    EXPECT_EQ(speed.Fill("Needle"), 0xFF00FF00u);
-}
-
-TEST(Speedometer, NeedleColorShowsThroughTheCaches) {
-    TSpeed cached, fresh;
-    THeadlessHost host(*cached);
-    host.Paint();
-    cached->SetNeedleFillColor(0xFFFF0000);
-    cached->SetNeedleStrokeColor(0xFF0000FF);
-    fresh->SetNeedleFillColor(0xFFFF0000);
-    fresh->SetNeedleStrokeColor(0xFF0000FF);
-    const TPixels shown = host.PaintStale().GetPixels();
-    const auto expected = fresh.Paint();
-    for (int y = 0; y < shown.Height; ++y)
-        ASSERT_TRUE(std::equal(shown.Row(y), shown.Row(y) + shown.Width, expected.begin() + y * shown.Width))
-            << y;
-}
-
-TEST(Speedometer, GradientsAreSwitched) {
-    const struct {
-        const char* Element;
-        const char* Gradient;
-        bool IsStroke;
-        TVZGPColor Color;
-    } rows[] = {
-        {"BackfaceFlat", "linearGradientBackface", false, 0xFF555753},
-        {"BackfaceHighlight", "linearGradientBackfaceHighlight", false, 0xFF555753},
-        {"OuterFrame", "linearGradientFrame", false, 0xFF888A85},
-        {"Knob", "radialGradientKnob", false, 0xFFFFFFFF},
-        {"Decoration", "linearGradientDecorationFill", false, 0xFFF06400},
-        {"Decoration", "linearGradientDecorationStroke", true, 0xFF000000},
-    };
-    TSpeed speed;
-    const auto before = speed.Paint();
-    for (const bool enable : {false, true}) {
-        TWatch watch(*speed);
-        speed->SetEnableGradients(enable);
-        EXPECT_EQ(watch.Invalidates, 1);
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.Gradient);
-            TSVGGraphicElement& element = speed.Get(row.Element);
-            const TSVGBrush brush = row.IsStroke ? element.GetPen() : element.GetBrush();
-            EXPECT_EQ(brush.GetKind(), enable ? TVZGPBrushKind::URI : TVZGPBrushKind::Solid);
-            EXPECT_EQ(brush.GetURI(), enable ? row.Gradient : "");
-            if (enable) continue;
-            EXPECT_EQ(brush.GetColor(), row.Color);
-        }
-    }
-    EXPECT_EQ(speed.Paint(), before);
-}
-
-TEST(Speedometer, LightTintsShineAndShadow) {
-    TSpeed speed;
-    EXPECT_EQ(speed.Fill("NeedleShadow"), 0xFF000000u);
-    speed->SetLightColor(0xFFFFC080);
-    EXPECT_EQ(speed.Stop("linearGradientShine", 0), 0xFFFFC080u);
-    EXPECT_EQ(speed.Fill("NeedleShadow"), 0xFF7F4000u);
-    speed->SetLightColor(0xFF0000FF);
-    EXPECT_EQ(speed.Stop("linearGradientShine", 0), 0xFF0000FFu);
-    EXPECT_EQ(speed.Fill("NeedleShadow"), 0xFF0000FFu);
-}
-
-TEST(Speedometer, EmblemsFillDependsOnTheDesign) {
-    TSpeed speed;
-    TWatch watch(*speed);
-    speed->SetDecorationFillColor(0xFF0080FF);
-    EXPECT_EQ(speed.Stop("GradientDecoration", 0), 0xFF0080FFu);
-    EXPECT_EQ(speed.Get("Decoration").GetBrush().GetKind(), TVZGPBrushKind::URI);
-    EXPECT_EQ(watch.Invalidates, 1);
-    speed->SetDesign(TSVGDesign::sdSimple);
-    speed->SetDecorationFillColor(0xFF00FF00);
-    EXPECT_EQ(speed.Stop("GradientDecoration", 0), 0xFF0080FFu);
-    EXPECT_EQ(speed.Get("Decoration").GetBrush().GetKind(), TVZGPBrushKind::Solid);
-    EXPECT_EQ(speed.Fill("Decoration"), 0xFF00FF00u);
 }
 
 // Font
@@ -482,6 +335,20 @@ TEST(Speedometer, StoresWhatDiffers) {
     EXPECT_EQ(read.GetMin(), 10);
     EXPECT_EQ(read.GetValue(), 0);
     EXPECT_EQ(read.GetFrameColor(), 0xFF112233u);
+}
+
+TEST(Speedometer, EndsAreStoredWhereTheyDiffer) {
+    TSpeed speed;
+    EXPECT_FALSE(speed->IsMinStored());
+    EXPECT_FALSE(speed->IsMaxStored());
+    speed->SetMin(-240);
+    speed->SetMax(200);
+    EXPECT_TRUE(speed->IsMinStored());
+    EXPECT_TRUE(speed->IsMaxStored());
+    EXPECT_EQ(WriteForm(*speed), "object TVZSpeedometer\n  Min = -240\n  Max = 200\nend\n");
+    speed->SetMin(0);
+    speed->SetMax(240);
+    EXPECT_EQ(WriteForm(*speed), "object TVZSpeedometer\nend\n");
 }
 
 TEST(Speedometer, EmblemOfTheUsersOwnIsStored) {
