@@ -32,7 +32,7 @@ tavro_pkg_config(tavro "${PROJECT_DESCRIPTION}" "" "-ltavro" "")
 
 if(TAVRO_QT)
     install(DIRECTORY hosts/qt/ DESTINATION ${headers}/hosts/qt COMPONENT Qt6
-        FILES_MATCHING PATTERN "VzWidget.h" PATTERN "WidgetList.h" PATTERN "PropVariant.h")
+        FILES_MATCHING PATTERN "VzWidget.h" PATTERN "VzPictureWidget.h" PATTERN "WidgetList.h" PATTERN "PropVariant.h")
     foreach(widget IN LISTS TAVRO_QT_WIDGETS)
         install(FILES ${CMAKE_BINARY_DIR}/hosts/qt/widgets/${widget}.h DESTINATION ${headers}/qt COMPONENT Qt6)
     endforeach()

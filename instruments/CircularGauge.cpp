@@ -28,7 +28,7 @@ void TVZCustomCircularGauge::Construct() {
     FCaptionFont->OnChange = [this](TObject&) { DoUpdateCaptionFont(); };
     FLabels->SetOnChange([this](TObject&) {
         if (FIsRebuilding) return;
-        FLabelsAreUsers = true;
+        FLabelsAreUsers = !GetSetup().Labels.empty() || FLabels->GetItems() != MakeNumbers();
         LabelsChanged();
     });
     for (TMarkers* const markers : {&FMajor, &FMinor})

@@ -8,6 +8,8 @@
 #include "runtime/Strings.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Vz {
 
@@ -119,10 +121,13 @@ public:
     TVZPathData& GetMajorMarkerPath() const { return *FMajor.Path; }
     void SetMajorMarkerPath(const TVZPathData& value) { SetMarkerPath(FMajor, value); }
     bool IsMajorMarkerPathStored() const { return FMajor.Kind == TMarker::gmCustom; }
+    /// In place of a path of the user's own: gmLine.
+    void ResetMajorMarkerPath() { ResetMarkerPath(FMajor); }
     /// The path of a minor marker, likewise.
     TVZPathData& GetMinorMarkerPath() const { return *FMinor.Path; }
     void SetMinorMarkerPath(const TVZPathData& value) { SetMarkerPath(FMinor, value); }
     bool IsMinorMarkerPathStored() const { return FMinor.Kind == TMarker::gmCustom; }
+    void ResetMinorMarkerPath() { ResetMarkerPath(FMinor); }
     /// Index of the major marker nearest to an angle in degrees, 0 at StartAngle; beyond the ends of the
     /// scale that of the nearer end, the start where both are as near. A half goes to the even index. 0 where
     /// there are no markers.
@@ -135,8 +140,10 @@ public:
     /// markers are not shown.
     TStrings& GetLabels() const { return *FLabels; }
     void SetLabels(const TStrings& value) { FLabels->Assign(value); }
-    /// Never for numbers that the class made.
+    /// Never for the numbers of the scale, whoever wrote them.
     bool IsLabelsStored() const;
+    /// In place of a list that was set: the class's own, or the numbers of the scale as it is now.
+    void ResetLabels();
     /// The class's own list, one text a line, lines separated by CR LF. Twelve Roman numerals unless the
     /// class says so.
     virtual std::string GetDefaultLabels() const;
@@ -252,11 +259,13 @@ private:
     void SetFill(TVZGPColor& field, std::string_view elementId, TVZGPColor value);
     void SetMarker(TMarkers& markers, TMarker value);
     void SetMarkerPath(TMarkers& markers, const TVZPathData& value);
+    void ResetMarkerPath(TMarkers& markers);
     void TakeMarkerData(TMarkers& markers);
     void ScaleChanged();
     void AnglesChanged();
     void MarkersChanged();
     void LabelsChanged();
+    std::vector<std::string> MakeNumbers() const;
     void WriteNumbers();
     void ShowPosition();
     int GetLastLabel() const;

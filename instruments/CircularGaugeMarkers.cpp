@@ -116,13 +116,18 @@ void TVZCustomCircularGauge::SetMinorMarkers(std::int32_t value) {
 
 void TVZCustomCircularGauge::SetMarker(TMarkers& markers, TMarker value) {
     if (!Store(markers.Kind, value)) return;
-    markers.Path->SetPathString(GetMarkerData(value, &markers == &FMinor)); // tells of itself where it changes
+    markers.Path->SetPathString(
+        GetMarkerData(value, &markers == &FMinor)); // tells of itself where it changes
     MarkersChanged();
 }
 
 void TVZCustomCircularGauge::SetMarkerPath(TMarkers& markers, const TVZPathData& value) {
     if (value.GetFigures() != markers.Path->GetFigures()) markers.Path->Assign(value);
     markers.Kind = TMarker::gmCustom;
+}
+
+void TVZCustomCircularGauge::ResetMarkerPath(TMarkers& markers) {
+    if (markers.Kind == TMarker::gmCustom) SetMarker(markers, TMarker::gmLine);
 }
 
 void TVZCustomCircularGauge::MarkersChanged() {
@@ -158,6 +163,14 @@ bool TVZCustomCircularGauge::IsLabelsStored() const {
     return GetSetup().Labels.empty() || !FLabels->Equals(own);
 }
 
+void TVZCustomCircularGauge::ResetLabels() {
+    if (!IsLabelsStored()) return;
+    if (GetSetup().Labels.empty())
+        InitializeNumberLabels();
+    else
+        FLabels->SetText(GetDefaultLabels());
+}
+
 double TVZCustomCircularGauge::GetLabelNumber(int index) const {
     const double part = FMajor.Count == 0 ? 0 : double(index) / FMajor.Count;
     return FScale.Min + part * (double(FScale.Max) - FScale.Min);
@@ -175,12 +188,16 @@ void TVZCustomCircularGauge::InitializeNumberLabels() {
     LabelsChanged();
 }
 
-void TVZCustomCircularGauge::WriteNumbers() {
+std::vector<std::string> TVZCustomCircularGauge::MakeNumbers() const {
     std::vector<std::string> numbers;
     for (int i = 0, last = GetLastLabel(); i <= last; ++i)
         numbers.push_back(FormatNumber(GetLabelNumber(i)));
+    return numbers;
+}
+
+void TVZCustomCircularGauge::WriteNumbers() {
     const bool wasRebuilding = std::exchange(FIsRebuilding, true);
-    FLabels->SetItems(std::move(numbers));
+    FLabels->SetItems(MakeNumbers());
     FIsRebuilding = wasRebuilding;
 }
 

@@ -36,10 +36,10 @@ inline constexpr std::array GaugeRows{
     Prop<&T::GetDetailText, &T::SetDetailText, &T::IsDetailTextStored>("DetailText", Setup.DetailText),
     Prop<&T::GetMajorMarker, &T::SetMajorMarker>("MajorMarker", T::TMarker::gmLine),
     Prop<&T::GetMinorMarker, &T::SetMinorMarker>("MinorMarker", T::TMarker::gmLine),
-    ObjectProp<&T::GetMajorMarkerPath, &T::SetMajorMarkerPath, &T::IsMajorMarkerPathStored>(
-        "MajorMarkerPath"),
-    ObjectProp<&T::GetMinorMarkerPath, &T::SetMinorMarkerPath, &T::IsMinorMarkerPathStored>(
-        "MinorMarkerPath"),
+    ObjectProp<&T::GetMajorMarkerPath, &T::SetMajorMarkerPath, &T::IsMajorMarkerPathStored,
+               &T::ResetMajorMarkerPath>("MajorMarkerPath"),
+    ObjectProp<&T::GetMinorMarkerPath, &T::SetMinorMarkerPath, &T::IsMinorMarkerPathStored,
+               &T::ResetMinorMarkerPath>("MinorMarkerPath"),
     Prop<&T::GetFrameColor, &T::SetFrameColor>("FrameColor", 0xFFA9A9A9),
     Prop<&T::GetBackfaceColor, &T::SetBackfaceColor>("BackfaceColor", 0xFF000000),
     Prop<&T::GetBoltColor, &T::SetBoltColor>("BoltColor", 0xFFA9A9A9),
@@ -76,7 +76,7 @@ inline constexpr std::string_view GaugeInherited[] = {
 /// Behind all that numbers the labels anew, so that a stream keeps a list that was set.
 inline constexpr TProp GaugeLabelsRow =
     ObjectProp<&TVZCustomCircularGauge::GetLabels, &TVZCustomCircularGauge::SetLabels,
-               &TVZCustomCircularGauge::IsLabelsStored>("Labels");
+               &TVZCustomCircularGauge::IsLabelsStored, &TVZCustomCircularGauge::ResetLabels>("Labels");
 
 } // namespace Detail
 

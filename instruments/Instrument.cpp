@@ -1,6 +1,7 @@
 #include "instruments/Instrument.h"
 
 #include "runtime/FormatFloat.h"
+#include "runtime/PropAccess.h"
 
 #include <algorithm>
 #include <cmath>
@@ -129,6 +130,11 @@ void TVZSVGCustomInstrument::SetDecorationPath(const TVZPathData& value) {
     EditDocument([&] { path->SetData(&value); });
     FDecoration = TDecoration::dcCustom;
     MarkChanged();
+}
+
+void TVZSVGCustomInstrument::ResetDecorationPath() {
+    const TProp* const decoration = FindProp(*this, "Decoration");
+    if (decoration && FDecoration == TDecoration::dcCustom) decoration->Set(*this, decoration->Default);
 }
 
 void TVZSVGCustomInstrument::SetDecorationFillColor(TVZGPColor value) {

@@ -105,6 +105,8 @@ public:
     const TVZPathData* GetDecorationPath() const;
     void SetDecorationPath(const TVZPathData& value);
     bool IsDecorationPathStored() const { return FDecoration == TDecoration::dcCustom; }
+    /// In place of a path of the user's own: the decoration that the class declares as its default.
+    void ResetDecorationPath();
     /// Fill of the decoration, 0xAARRGGBB; 0x00000000 switches it off. Default: the artwork's own, until it
     /// is set.
     TVZGPColor GetDecorationFillColor() const { return FDecorationFillColor; }

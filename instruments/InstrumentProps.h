@@ -25,8 +25,8 @@ consteval auto InheritedRows() {
     return std::array{
         Prop<&T::GetDesign, &T::SetDesign>("Design", TSVGDesign::sdDetailed),
         Prop<&T::GetDecoration, &T::SetDecoration>("Decoration", usual.Decoration),
-        ObjectProp<&T::GetDecorationPath, &T::SetDecorationPath, &T::IsDecorationPathStored>(
-            "DecorationPath"),
+        ObjectProp<&T::GetDecorationPath, &T::SetDecorationPath, &T::IsDecorationPathStored,
+                   &T::ResetDecorationPath>("DecorationPath"),
         Prop<&T::GetDecorationFillColor, &T::SetDecorationFillColor>("DecorationFillColor",
                                                                      usual.DecorationFillColor),
         Prop<&T::GetDecorationStrokeColor, &T::SetDecorationStrokeColor>("DecorationStrokeColor",

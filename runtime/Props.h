@@ -32,6 +32,10 @@ struct TProp {
     void (*SetObject)(TPersistent&, const TPersistent& value) = nullptr;
     std::unique_ptr<TPersistent> (*NewObject)() = nullptr;
 
+    /// Where a reset is more than assigning what a fresh object has: gives the property what its object makes
+    /// by itself. Null: nothing more.
+    void (*Reset)(TPersistent&) = nullptr;
+
     /// An event: sets a handler that calls `called` whatever the event carries.
     void (*Attach)(TPersistent&, std::function<void()> called) = nullptr;
 };
@@ -123,6 +127,11 @@ template <auto StoredWhen> struct TStored {
     }
 };
 
+template <auto Method> struct TReset;
+template <class C, void (C::*Method)()> struct TReset<Method> {
+    static void Run(TPersistent& object) { (static_cast<C&>(object).*Method)(); }
+};
+
 template <auto Setter> struct TEventAccess {
     static void Attach(TPersistent& object, std::function<void()> called) {
         using S = TSetter<decltype(Setter)>;
@@ -166,8 +175,8 @@ consteval TProp Prop(std::string_view name, typename Detail::TGetter<decltype(Ge
 /// An owned object: a string list, an object with one text, or one with published properties of its own
 /// (`Font.Size`). Getter returns a reference, or a pointer that may be null. Setter takes `const T&` and
 /// copies; null means the object's own Assign. Without StoredWhen a list or text is stored when it is not
-/// empty.
-template <auto Getter, auto Setter = nullptr, auto StoredWhen = nullptr>
+/// empty. ResetBy is a method without parameters, see TProp::Reset.
+template <auto Getter, auto Setter = nullptr, auto StoredWhen = nullptr, auto ResetBy = nullptr>
 consteval TProp ObjectProp(std::string_view name) {
     using A = Detail::TObjectAccess<Getter, Setter>;
     TProp row;
@@ -177,6 +186,7 @@ consteval TProp ObjectProp(std::string_view name) {
     row.SetObject = &A::Set;
     if (std::is_default_constructible_v<typename A::TOwned>) row.NewObject = &A::New;
     Detail::SetStored<StoredWhen>(row);
+    if constexpr (!std::is_null_pointer_v<decltype(ResetBy)>) row.Reset = &Detail::TReset<ResetBy>::Run;
     return row;
 }
 

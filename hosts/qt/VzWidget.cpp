@@ -192,13 +192,26 @@ QSize VzWidget::minimumSizeHint() const { return {16, 16}; }
 QVariant VzWidget::read(int row) const { return propToVariant(host->Props[size_t(row)].Ref); }
 
 void VzWidget::write(int row, const QVariant& value) {
+    change([&] { propFromVariant(host->Props[size_t(row)].Ref, value); });
+}
+
+void VzWidget::resetAt(int row) {
+    const TBoundProp& prop = host->Props[size_t(row)];
+    change([&] {
+        if (prop.Ref.Prop->Reset)
+            prop.Ref.Prop->Reset(*prop.Ref.Object);
+        else
+            propFromVariant(prop.Ref, prop.Fresh);
+    });
+}
+
+/// Runs a change of the component; what it refuses is reported, and who watches is notified at once.
+void VzWidget::change(const std::function<void()>& action) {
     ++host->Setting;
-    guarded(*this, [&] { propFromVariant(host->Props[size_t(row)].Ref, value); });
+    guarded(*this, action);
     --host->Setting;
     followWatched();
 }
-
-void VzWidget::resetAt(int row) { write(row, host->Props[size_t(row)].Fresh); }
 
 /// The row of a property by its Qt name; -1 where it is not the component's.
 int VzWidget::rowOf(const char* name) const {
@@ -302,9 +315,7 @@ void VzWidget::changeEvent(QEvent* event) {
     case QEvent::EnabledChange:
         guarded(*this, [&] { host->Component->SetEnabled(isEnabled()); });
         break;
-    case QEvent::StyleChange:
-    case QEvent::PaletteChange:
-    case QEvent::LayoutDirectionChange:
+    case QEvent::LayoutDirectionChange: // of the focus frame; palette and style repaint by themselves
         update();
         break;
     default:

@@ -5,6 +5,7 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -15,6 +16,11 @@
 /// The component is painted into a bitmap of device pixels, of which only what became stale is painted anew;
 /// its background stays transparent. Widget and component follow each other's size, the component follows
 /// whether the widget is enabled. Lengths are Qt's device-independent pixels.
+///
+/// What an instrument looks like is its properties' affair, so that a form looks alike on every desktop: its
+/// colours do not follow the palette, nor its texts the widget's font, and a dial turns clockwise in a layout
+/// from right to left, too. Palette, style and layout direction decide how the focus frame is drawn, and the
+/// palette what fills the background where a program asks for that (setAutoFillBackground).
 class VzWidget : public QWidget {
     Q_OBJECT
 public:
@@ -30,7 +36,7 @@ public:
 
     /// Whether a form has to keep a property of the component, by its Qt name, as the component's own rules
     /// of declared defaults and stored values say. False for a property that is not the component's.
-    bool isPropertyStored(const char* name) const;
+    virtual bool isPropertyStored(const char* name) const;
     /// The component's own name of a property that the widget shows (`Max` of "maximum", `Labels` of
     /// "labels"); empty for a property that is not the component's.
     QByteArray componentProperty(const char* name) const;
@@ -61,7 +67,9 @@ protected:
     /// Sets it through the component's setter. What that refuses is reported by qWarning; the property is
     /// then as it was.
     void write(int row, const QVariant& value);
-    /// Gives the property the value that a fresh component has.
+    /// Gives the property the value that a fresh component has, or what the component makes by itself where
+    /// that is another one, such as the numbers of a changed scale. A path of the user's own goes together
+    /// with the choice of it.
     void resetAt(int row);
     /// Emits the notify signal of the row-th property, the signal of the row-th event.
     virtual void notifyProperty(int row) {}
@@ -84,6 +92,7 @@ private:
 
     void start(const TTable& table);
     int rowOf(const char* name) const;
+    void change(const std::function<void()>& action);
     void followWatched();
     void paintComponent(QPainter& painter);
     void handOver(QMouseEvent& event,

@@ -37,10 +37,13 @@ QString nameOnForm(const char* name) {
     return first.toLower() + spoken.mid(first.size()).remove(u' ');
 }
 
-/// A text that is drawn as a path or read as a matrix, and not shown to a reader who may want it translated.
+/// A text that is drawn as a path or read as a matrix.
 bool isCode(const QString& property) {
     return property.endsWith(QStringLiteral("Path")) || property == QStringLiteral("transform");
 }
+
+/// A text that is not shown to a reader, who may want it translated.
+bool isForNobody(const QString& property) { return isCode(property) || property == QStringLiteral("source"); }
 
 /// Null, with a warning, when the component cannot be made: no exception may get into Designer.
 VzWidget* make(const TVzWidgetClass& widgetClass, QWidget* parent) {
@@ -72,7 +75,7 @@ void writeTexts(QXmlStreamWriter& xml, const QMetaObject& meta) {
         xml.writeAttribute(QStringLiteral("name"), name);
         xml.writeAttribute(QStringLiteral("type"),
                            isCode(name) ? QStringLiteral("multiline") : QStringLiteral("singleline"));
-        if (isCode(name)) xml.writeAttribute(QStringLiteral("notr"), QStringLiteral("true"));
+        if (isForNobody(name)) xml.writeAttribute(QStringLiteral("notr"), QStringLiteral("true"));
     }
 }
 

@@ -27,6 +27,10 @@ constexpr std::pair<std::string_view, std::string_view> QtNames[] = {
     {"Font", "textFont"},
     {"OnChange", "changed"},
 };
+/// The widget from which one is derived that has more than the component's properties.
+constexpr std::pair<std::string_view, std::string_view> Bases[] = {
+    {"TVZSVGControl", "VzPictureWidget"},
+};
 /// What a QWidget has; a property of such a name needs a row above.
 constexpr std::string_view Taken[] = {
     "font",     "enabled", "size",     "pos",    "rect",    "style",   "cursor",  "visible",
@@ -35,6 +39,12 @@ constexpr std::string_view Taken[] = {
     "lower",    "scroll",  "move",     "resize", "locale",  "clicked", "read",    "write",
     "event",    "screen",  "children", "host",   "repaint", "render",  "actions", "property",
 };
+
+std::string BaseOf(std::string_view className) {
+    for (const auto& [ours, base] : Bases)
+        if (ours == className) return std::string(base);
+    return "VzWidget";
+}
 
 std::string LowerFirst(std::string_view name) {
     std::string result(name);
@@ -134,7 +144,8 @@ std::optional<TWidgetProp> Describe(const std::string& path, const TProp& prop) 
     return result;
 }
 
-/// True for a property that every component has, of which a class declares a default: the widget's own stands for it.
+/// True for a property that every component has, of which a class declares a default: the widget's own stands
+/// for it.
 bool IsCommon(const TPersistent& object, const TProp& row) {
     return std::ranges::any_of(object.GetCommonProps(),
                                [&](const TProp& common) { return common.Name == row.Name; });
@@ -173,12 +184,12 @@ public:
     std::string Header() const {
         std::ostringstream out;
         out << "// Made from the property table of " << FClass << " while the library is built.\n"
-            << "#pragma once\n\n#include \"hosts/qt/VzWidget.h\"\n\n"
+            << "#pragma once\n\n#include \"hosts/qt/" << BaseOf(FClass) << ".h\"\n\n"
             << "#include <QColor>\n#include <QDateTime>\n#include <QFont>\n#include <QString>\n#include "
                "<QStringList>\n\n"
             << "namespace Vz {\nclass " << FClass << ";\n}\n\n"
             << "/// Shows a Vz::" << FClass << ". What the properties mean stands in " << FHeader << ".\n"
-            << "class " << FWidget << " : public VzWidget {\n    Q_OBJECT\n";
+            << "class " << FWidget << " : public " << BaseOf(FClass) << " {\n    Q_OBJECT\n";
         for (const TWidgetProp& prop : FProps)
             out << "    Q_PROPERTY(" << prop.Type << ' ' << prop.Name << " READ " << prop.Name << " WRITE set"
                 << UpperFirst(prop.Name) << " RESET reset" << UpperFirst(prop.Name) << " NOTIFY " << prop.Name
@@ -219,7 +230,8 @@ public:
         for (const TProp* event : FEvents)
             out << '"' << Signal(*event) << "()\", ";
         out << "};\n\n} // namespace\n\n"
-            << FWidget << "::" << FWidget << "(QWidget* parent)\n    : VzWidget(Vz::" << FClass
+            << FWidget << "::" << FWidget << "(QWidget* parent)\n    : " << BaseOf(FClass)
+            << "(Vz::" << FClass
             << "::Create(), {&staticMetaObject, Properties, Events, EventSignals}, parent) {}\n\n"
             << "Vz::" << FClass << "& " << FWidget
             << "::instrument() const { return static_cast<Vz::" << FClass << "&>(component()); }\n\n";

@@ -228,6 +228,44 @@ TEST(GaugeLabels, NumbersAreNotTheUsers) {
     EXPECT_EQ(LabelTexts(*gauge)[1], "960");
 }
 
+TEST(GaugeLabels, AListEqualToTheNumbersIsNotTheUsers) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    const TTexts numbers = gauge->GetLabels().GetItems();
+    gauge->SetLabels(TStrings{"low", "high"});
+    gauge->GetLabels().SetItems(numbers);
+    EXPECT_FALSE(gauge->IsLabelsStored());
+}
+
+TEST(GaugeLabels, ResetGivesTheNumbersOfTheScaleAsItIs) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    gauge->SetMax(200);
+    gauge->SetLabels(TStrings{"low", "high"});
+    gauge->ResetLabels();
+    EXPECT_FALSE(gauge->IsLabelsStored());
+    EXPECT_EQ(gauge->GetLabels().GetItem(10), "200");
+    EXPECT_EQ(LabelTexts(*gauge).back(), "200");
+    const auto fuel = TVZCircularFuelGauge::Create();
+    fuel->SetLabels(TStrings{"empty"});
+    fuel->ResetLabels();
+    EXPECT_FALSE(fuel->IsLabelsStored());
+    EXPECT_EQ(fuel->GetLabels().GetItem(0), "E");
+}
+
+TEST(GaugeMarkers, ResettingAPathBringsTheLinesBack) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    TVZPathData square;
+    square.SetPathString("M45 0H55V10H45Z");
+    gauge->SetMajorMarkerPath(square);
+    gauge->SetMinorMarkerPath(square);
+    gauge->ResetMajorMarkerPath();
+    EXPECT_EQ(gauge->GetMajorMarker(), TVZCustomCircularGauge::TMarker::gmLine);
+    EXPECT_TRUE(IsPath(gauge->GetMajorMarkerPath(), "m 49.5,0 1,0 0,5 -1,0 z"));
+    EXPECT_TRUE(gauge->IsMinorMarkerPathStored());
+    gauge->SetMajorMarker(TVZCustomCircularGauge::TMarker::gmDiamond);
+    gauge->ResetMajorMarkerPath();
+    EXPECT_EQ(gauge->GetMajorMarker(), TVZCustomCircularGauge::TMarker::gmDiamond) << "no path of the user's";
+}
+
 TEST(GaugeLabels, FixedListsAreStoredWhereTheyDiffer) {
     const auto gauge = TVZCircularFuelGauge::Create();
     EXPECT_FALSE(gauge->IsLabelsStored());

@@ -141,6 +141,21 @@ TEST(Registry, PublishedNames) {
     EXPECT_EQ(text, ReadWholeFile(NamesFile, 1 << 20));
 }
 
+TEST(Registry, AResetOfItsOwnLeavesNothingChanged) {
+    int count = 0;
+    ForEachProp([&](TComponent& component, const TNamedProp& prop) {
+        if (!prop.Ref.Prop->Reset) return;
+        ++count;
+        const auto fresh = TextsOf(component);
+        Vary(component, prop);
+        EXPECT_TRUE(IsPropStored(*prop.Ref.Object, *prop.Ref.Prop));
+        prop.Ref.Prop->Reset(*prop.Ref.Object);
+        EXPECT_FALSE(IsPropStored(*prop.Ref.Object, *prop.Ref.Prop));
+        EXPECT_EQ(TextsOf(component), fresh);
+    });
+    EXPECT_GT(count, 20);
+}
+
 TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
     ForEachProp([](TComponent&, const TNamedProp& prop) {
         const TProp& row = *prop.Ref.Prop;

@@ -5,6 +5,8 @@
 #include "ui_after.h"
 #include "ui_all.h"
 
+#include "svg/VZSVGControl.h"
+
 #include <QFile>
 #include <QMetaProperty>
 #include <QUiLoader>
@@ -45,6 +47,19 @@ TEST(DesignerForm, CompiledAndLoadedAreEqual) {
     const auto read = loaded(TAVRO_QT_TESTS_OUTPUT "/all.ui");
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(equalWidgets(compiled, *read), QStringLiteral(TAVRO_QT_WIDGETS).split(u' ').size());
+}
+
+TEST(DesignerForm, ThePlainControlShowsTheFileThatTheFormNames) {
+    QWidget compiled;
+    Ui::Form().setupUi(&compiled);
+    const auto read = loaded(TAVRO_QT_TESTS_OUTPUT "/all.ui");
+    for (QWidget* form : {&compiled, read.get()}) {
+        auto* const control = form->findChild<VzSVGControl*>();
+        ASSERT_NE(control, nullptr);
+        EXPECT_EQ(control->source(), QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"));
+        EXPECT_TRUE(control->isSourceLoaded());
+        EXPECT_NE(control->instrument().GetDocument().FindElement("Red"), nullptr);
+    }
 }
 
 TEST(DesignerForm, ACompiledFormHasTheValuesThatWereSaved) {

@@ -54,6 +54,36 @@ std::vector<QMetaProperty> ownProperties(const QObject& widget) {
     return result;
 }
 
+/// A value that the property does not have yet.
+QVariant another(const QMetaProperty& property, const QVariant& value) {
+    const QString name = QString::fromLatin1(property.name());
+    if (property.isFlagType()) return value.toInt() & ~2;
+    if (property.isEnumType()) return value.toInt() == 1 ? 0 : 1;
+    switch (property.metaType().id()) {
+    case QMetaType::Bool:
+        return !value.toBool();
+    case QMetaType::Int:
+        return value.toInt() + 1;
+    case QMetaType::Double:
+        return value.toDouble() * 0.5 + 0.25;
+    case QMetaType::QColor:
+        return QColor(10, 20, 30, 200);
+    case QMetaType::QDateTime:
+        return QDateTime(QDate(2026, 3, 15), QTime(15, 30, 45));
+    case QMetaType::QFont: {
+        QFont font(QStringLiteral("Noto Sans"), 14, QFont::Bold);
+        font.setItalic(true);
+        return font;
+    }
+    case QMetaType::QStringList:
+        return QStringList{QStringLiteral("a & b"), QStringLiteral("\u00b5 \"c\"")};
+    default:
+        if (name.endsWith(QStringLiteral("Path"))) return QStringLiteral("M0 0L5 5");
+        if (name == QStringLiteral("transform")) return QStringLiteral("matrix(1 0 0 1 5 5)");
+        return QStringLiteral("0.0 \"m\\s\" \u00fc");
+    }
+}
+
 /// A form without a window.
 QString formOf(const QStringList& widgetClasses) {
     QString text =
@@ -223,6 +253,57 @@ TEST_F(TDesigner, ResetGivesTheDeclaredDefaultAndUndoBringsTheValueBack) {
     EXPECT_TRUE(isChanged(speed, "frameColor"));
 }
 
+TEST_F(TDesigner, EveryResetTakes) {
+    for (const QString& name : classes()) {
+        open(formOf({name}));
+        for (const QMetaProperty& property : ownProperties(widget(qPrintable(u'a' + name)))) {
+            open(formOf({name}));
+            QWidget& object = widget(qPrintable(u'a' + name));
+            const QVariant fresh = property.read(&object);
+            set(object, property.name(), another(property, fresh));
+            if (property.read(&object) == fresh)
+                set(object, property.name(), fresh.toDouble() + 10); // clamped
+            EXPECT_FALSE(property.read(&object) == fresh) << qPrintable(name) << '.' << property.name();
+            reset(object, property.name());
+            EXPECT_FALSE(isChanged(object, property.name())) << qPrintable(name) << '.' << property.name();
+            EXPECT_TRUE(property.read(&object) == fresh) << qPrintable(name) << '.' << property.name() << ": "
+                                                         << qPrintable(property.read(&object).toString());
+        }
+    }
+}
+
+TEST_F(TDesigner, LabelsAreTheScalesAfterAResetAndAnUndo) {
+    open(formOf({QStringLiteral("VzCircularSpeedometer")}));
+    QWidget& speed = widget("aVzCircularSpeedometer");
+    set(speed, "labels", QStringList{QStringLiteral("low")});
+    form->commandHistory()->undo();
+    EXPECT_FALSE(isChanged(speed, "labels"));
+    set(speed, "maximum", 200);
+    set(speed, "labels", QStringList{QStringLiteral("low")});
+    EXPECT_TRUE(isChanged(speed, "labels"));
+    reset(speed, "labels");
+    EXPECT_FALSE(isChanged(speed, "labels"));
+    EXPECT_EQ(speed.property("labels").toStringList().back(), QStringLiteral("200"));
+}
+
+TEST_F(TDesigner, TheFileOfThePlainControlIsSavedAsItIsNamed) {
+    open(formOf({QStringLiteral("VzSVGControl")}));
+    QWidget& control = widget("aVzSVGControl");
+    EXPECT_FALSE(isChanged(control, "source"));
+    set(control, "source", QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"));
+    EXPECT_TRUE(isChanged(control, "source"));
+    const QString saved = form->contents();
+    EXPECT_TRUE(saved.contains(QStringLiteral("<property name=\"source\">")));
+    EXPECT_TRUE(saved.contains(QStringLiteral(">" TAVRO_QT_TESTS_DIR "/forms/picture.svg</string>")));
+    EXPECT_EQ(control.grab().toImage().pixelColor(control.width() / 2, control.height() / 2),
+              QColor(Qt::red));
+    // What this machine does not have is not lost.
+    open(QString(saved).replace(QStringLiteral("picture.svg"), QStringLiteral("none.svg")));
+    EXPECT_TRUE(form->contents().contains(QStringLiteral("forms/none.svg</string>")));
+    reset(widget("aVzSVGControl"), "source");
+    EXPECT_FALSE(form->contents().contains(QStringLiteral("\"source\"")));
+}
+
 TEST_F(TDesigner, TheEditorShowsWhatASetterChangedElsewhere) {
     open(formOf({QStringLiteral("VzSpeedometer")}));
     QWidget& speed = widget("aVzSpeedometer");
@@ -249,36 +330,6 @@ TEST_F(TDesigner, QtsOwnPropertiesAreLeftToDesigner) {
     EXPECT_FALSE(form->contents().contains(QStringLiteral("how fast")));
 }
 
-/// A value that the property does not have yet.
-QVariant another(const QMetaProperty& property, const QVariant& value) {
-    const QString name = QString::fromLatin1(property.name());
-    if (property.isFlagType()) return value.toInt() & ~2;
-    if (property.isEnumType()) return value.toInt() == 1 ? 0 : 1;
-    switch (property.metaType().id()) {
-    case QMetaType::Bool:
-        return !value.toBool();
-    case QMetaType::Int:
-        return value.toInt() + 1;
-    case QMetaType::Double:
-        return value.toDouble() * 0.5 + 0.25;
-    case QMetaType::QColor:
-        return QColor(10, 20, 30, 200);
-    case QMetaType::QDateTime:
-        return QDateTime(QDate(2026, 3, 15), QTime(15, 30, 45));
-    case QMetaType::QFont: {
-        QFont font(QStringLiteral("Noto Sans"), 14, QFont::Bold);
-        font.setItalic(true);
-        return font;
-    }
-    case QMetaType::QStringList:
-        return QStringList{QStringLiteral("a & b"), QStringLiteral("\u00b5 \"c\"")};
-    default:
-        if (name.endsWith(QStringLiteral("Path"))) return QStringLiteral("M0 0L5 5");
-        if (name == QStringLiteral("transform")) return QStringLiteral("matrix(1 0 0 1 5 5)");
-        return QStringLiteral("0.0 \"m\\s\" \u00fc");
-    }
-}
-
 void expectEqual(const QObject& a, const QObject& b) {
     for (const QMetaProperty& property : ownProperties(a))
         EXPECT_EQ(property.read(&a), b.property(property.name()))
@@ -300,6 +351,7 @@ TEST_F(TDesigner, EveryPropertyOfEveryWidgetGoesThroughAFile) {
             if (property.read(&object) == before) unchanged[name] += QByteArray(property.name()) + ' ';
         }
     }
+    set(widget("aVzSVGControl"), "source", QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"));
     for (const auto& [name, list] : unchanged)
         ADD_FAILURE() << qPrintable(name) << " kept: " << list.constData();
     const QByteArray saved = form->contents().toUtf8();

@@ -15,10 +15,12 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QFile>
 #include <QImage>
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -327,6 +329,54 @@ TEST(VzWidgetPicture, OnlyWhatIsStaleIsPainted) {
     EXPECT_LT(box.width() * box.height(), 200 * 200 / 2);
 }
 
+TEST(VzWidgetPicture, PaletteFontAndDirectionAreNotTheInstruments) {
+    TGround ground;
+    VzCircularClock widget;
+    widget.setCaption(QStringLiteral("Caption"));
+    widget.setParent(&ground);
+    widget.setGeometry(10, 10, 200, 200);
+    const QImage before = shown(ground);
+    QPalette palette(Qt::green, Qt::red);
+    widget.setPalette(palette);
+    widget.setFont(QFont(QStringLiteral("serif"), 30, QFont::Black, true));
+    widget.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(worstDifference(shown(ground), before), 0);
+    widget.setAutoFillBackground(true);
+    EXPECT_EQ(shown(ground).pixelColor((ground.devicePixelRatioF() * QPointF(12, 12)).toPoint()),
+              palette.color(QPalette::Window));
+}
+
+/// A picture of a widget with the keyboard's focus.
+QImage shownFocused(QWidget& window, QWidget& widget) {
+    window.show();
+    window.activateWindow();
+    window.setAttribute(Qt::WA_KeyboardFocusChange); // as the Tab key does; a click shows no frame
+    widget.setFocus();
+    QApplication::processEvents();
+    EXPECT_TRUE(widget.hasFocus());
+    return shown(window);
+}
+
+TEST(VzWidgetPicture, TheFocusFrameIsShownAndFollowsThePalette) {
+    TGround ground;
+    VzSpeedometer widget;
+    widget.setParent(&ground);
+    widget.setGeometry(10, 10, 200, 200);
+    widget.setFocusPolicy(Qt::StrongFocus);
+    const QImage before = shown(ground);
+    const QImage focused = shownFocused(ground, widget);
+    EXPECT_GT(worstDifference(focused, before), 20);
+    TPaintNotes notes(widget);
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::Highlight, Qt::magenta);
+    widget.setPalette(palette);
+    QApplication::processEvents();
+    EXPECT_FALSE(notes.Painted.isEmpty());
+    EXPECT_GT(worstDifference(shown(ground), focused), 20);
+    widget.clearFocus();
+    EXPECT_EQ(worstDifference(shown(ground), before), 0);
+}
+
 TEST(VzWidgetPicture, AFormWithInstrumentsIsOneWidget) {
     auto form = TVZForm::Create();
     form->SetBounds(0, 0, 200, 100);
@@ -344,6 +394,83 @@ TEST(VzWidgetPicture, AFormWithInstrumentsIsOneWidget) {
     EXPECT_EQ(picture.pixel(int(50 * scale), int(50 * scale)), Ground);
     EXPECT_NE(picture.pixel(int(150 * scale), int(50 * scale)), Ground);
     EXPECT_EQ(seen->GetControls().size(), 1u);
+}
+
+// The plain control's file.
+
+/// The warnings while it lives.
+struct TWarnings {
+    TWarnings() { Previous = qInstallMessageHandler(Take), Texts.clear(); }
+    ~TWarnings() { qInstallMessageHandler(Previous); }
+    static void Take(QtMsgType, const QMessageLogContext&, const QString& text) { Texts << text; }
+    static inline QStringList Texts;
+    QtMessageHandler Previous;
+};
+
+QString picturePath() { return QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"); }
+
+QColor middle(QWidget& widget) {
+    const QImage image = shown(widget);
+    return image.pixelColor(image.width() / 2, image.height() / 2);
+}
+
+TEST(VzSVGControlSource, ShowsAFileOrAResource) {
+    TWarnings warnings;
+    VzSVGControl control;
+    TSpy changes(static_cast<VzPictureWidget&>(control), &VzPictureWidget::sourceChanged);
+    EXPECT_FALSE(control.isPropertyStored("source"));
+    control.setSource(picturePath());
+    EXPECT_TRUE(control.isSourceLoaded());
+    EXPECT_TRUE(control.isPropertyStored("source"));
+    EXPECT_EQ(middle(control), QColor(Qt::red));
+    control.setProperty("source", QStringLiteral(":/tests/picture.svg"));
+    EXPECT_EQ(middle(control), QColor(Qt::red));
+    control.setSource(QStringLiteral("qrc:/tests/picture.svg"));
+    EXPECT_TRUE(control.isSourceLoaded());
+    EXPECT_EQ(changes.Count, 3);
+    control.resetSource();
+    EXPECT_EQ(changes.Count, 4);
+    EXPECT_FALSE(control.isSourceLoaded());
+    EXPECT_NE(middle(control), QColor(Qt::red)) << "the picture went with its name";
+    EXPECT_TRUE(TWarnings::Texts.isEmpty()) << qPrintable(TWarnings::Texts.join(u' '));
+}
+
+TEST(VzSVGControlSource, ABadFileIsToldOfAndLeavesThePicture) {
+    QTemporaryDir folder;
+    QFile broken(folder.filePath(QStringLiteral("broken.svg")));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("<svg xmlns='http://www.w3.org/2000/svg'>\n<rect></svg>");
+    broken.close();
+    VzSVGControl control;
+    control.setSource(picturePath());
+    TWarnings warnings;
+    for (const QString& name : {QStringLiteral("none.svg"), folder.path(), broken.fileName(),
+                                QStringLiteral(":/tests/none.svg"), QStringLiteral("/dev/zero")}) {
+        TWarnings::Texts.clear();
+        control.setSource(name);
+        ASSERT_EQ(TWarnings::Texts.size(), 1) << qPrintable(name);
+        EXPECT_TRUE(TWarnings::Texts[0].startsWith(QStringLiteral("VzSVGControl: source: ") + name))
+            << qPrintable(TWarnings::Texts[0]);
+        EXPECT_FALSE(control.isSourceLoaded());
+        EXPECT_EQ(control.source(), name) << "a form keeps what it named";
+        EXPECT_EQ(middle(control), QColor(Qt::red));
+    }
+    EXPECT_FALSE(control.isSourceLoaded());
+}
+
+TEST(VzSVGControlSource, AFileThatComesLaterIsReadWhenTheWidgetIsShown) {
+    QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("later.svg"));
+    VzSVGControl control;
+    {
+        TWarnings warnings;
+        control.setSource(name);
+    }
+    ASSERT_TRUE(QFile::copy(picturePath(), name));
+    EXPECT_FALSE(control.isSourceLoaded());
+    control.show();
+    EXPECT_TRUE(control.isSourceLoaded());
+    EXPECT_EQ(middle(control), QColor(Qt::red));
 }
 
 // Input.
