@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QFont>
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -23,17 +24,27 @@ QString toQString(std::string_view text) { return QString::fromUtf8(text.data(),
 
 // Fonts. Every setting may be left open; a QFont says by its resolve mask which are.
 
+/// The names of a CSS family list; a comma within quotes belongs to a name.
+QStringList familiesOf(const QString& list) {
+    QStringList names;
+    for (qsizetype at = 0; at <= list.size();) {
+        while (at < list.size() && list[at].isSpace())
+            ++at;
+        const QChar quote = at < list.size() ? list[at] : QChar();
+        const bool isQuoted = quote == u'\'' || quote == u'"';
+        qsizetype end = isQuoted ? list.indexOf(quote, at + 1) : -1;
+        if (end < 0) end = at; // no quote, or one without its other
+        const qsizetype comma = list.indexOf(u',', end);
+        const qsizetype stop = comma < 0 ? list.size() : comma;
+        names << (end > at ? list.mid(at + 1, end - at - 1) : list.mid(at, stop - at).trimmed());
+        at = stop + 1;
+    }
+    return names;
+}
+
 QFont toQFont(const TSVGFont& font) {
     QFont result;
-    if (!font.GetFamily().empty()) {
-        QStringList families;
-        for (const QString& family : toQString(font.GetFamily()).split(u',')) {
-            const QString name = family.trimmed();
-            const bool isQuoted = name.size() > 1 && (name.front() == u'\'' || name.front() == u'"');
-            families << (isQuoted ? name.mid(1, name.size() - 2) : name);
-        }
-        result.setFamilies(families);
-    }
+    if (!font.GetFamily().empty()) result.setFamilies(familiesOf(toQString(font.GetFamily())));
     if (font.GetSize() > 0) result.setPointSizeF(font.GetSize());
     if (font.GetWeight() > 0) result.setWeight(static_cast<QFont::Weight>(font.GetWeight()));
     if (font.GetStyle() != TSVGFontStyle::fsArtwork)
@@ -45,9 +56,11 @@ QFont toQFont(const TSVGFont& font) {
 std::string toFamilyList(const QStringList& families) {
     QStringList names;
     for (QString family : families) {
-        family.remove(u'\'');
-        const bool needsQuotes = family.contains(u' ') || family.contains(u',');
-        names << (needsQuotes ? u'\'' + family + u'\'' : family);
+        const QChar quote = family.contains(u'\'') ? u'"' : u'\'';
+        if (quote == u'"') family.remove(u'"'); // a name with both
+        const auto isSpecial = [](QChar c) { return c == u' ' || c == u',' || c == u'\'' || c == u'"'; };
+        const bool needsQuotes = std::any_of(family.begin(), family.end(), isSpecial);
+        names << (needsQuotes ? quote + family + quote : family);
     }
     return names.join(QStringLiteral(", ")).toStdString();
 }

@@ -1,6 +1,7 @@
 #include "hosts/qt/gallery/CppText.h"
 
 #include "hosts/qt/VzWidget.h"
+#include "hosts/qt/gallery/InstrumentCard.h"
 #include "hosts/qt/gallery/PropertyRow.h"
 
 #include <QColor>
@@ -13,7 +14,8 @@ namespace {
 QString quoted(const QString& text) {
     QString result;
     for (const char32_t code : text.toUcs4()) {
-        if (code == U'"' || code == U'\\')
+        const bool makesTrigraph = code == U'?' && result.endsWith(u'?');
+        if (code == U'"' || code == U'\\' || makesTrigraph)
             result += u'\\' + QChar(char16_t(code));
         else if (code == U'\n')
             result += QStringLiteral("\\n");
@@ -44,7 +46,10 @@ QString colorText(const QColor& color) {
 QString timeText(const QDateTime& value) {
     const QTime time = value.time();
     return QStringLiteral("QDateTime(QDate(%1), QTime(%2, %3, %4, %5))")
-        .arg(value.date().toString(QStringLiteral("yyyy, M, d")))
+        .arg(QStringLiteral("%1, %2, %3")
+                 .arg(value.date().year())
+                 .arg(value.date().month())
+                 .arg(value.date().day()))
         .arg(time.hour())
         .arg(time.minute())
         .arg(time.second())
@@ -109,8 +114,10 @@ QString setterText(const QString& variable, const QMetaProperty& property, const
 QString cppText(const VzWidget& widget) {
     const QMetaObject& meta = *widget.metaObject();
     const QString type = QLatin1String(meta.className());
-    QString variable = type.mid(2);
-    variable[0] = variable[0].toLower();
+    const QString words = classWords(meta.className());
+    const qsizetype firstWord = words.indexOf(u' ');
+    const QString variable =
+        words.left(firstWord).toLower() + (firstWord < 0 ? QString() : words.mid(firstWord).remove(u' '));
     QString text = QStringLiteral("#include \"%1.h\"\n\nauto* %2 = new %1(this);\n").arg(type, variable);
     for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
         const QMetaProperty property = meta.property(i);

@@ -130,6 +130,10 @@ TEST(VzWidget, TimesAreLocalAndListsAndFontsGoThrough) {
     EXPECT_EQ(clock.instrument().GetFont().GetSize(), 0.0f)
         << "what the font leaves open stays the artwork's";
     EXPECT_EQ(clock.textFont().families(), font.families());
+    font.setFamilies({QStringLiteral("A, B"), QStringLiteral("O'Neil"), QStringLiteral("\u00e4")});
+    clock.setTextFont(font);
+    EXPECT_EQ(clock.instrument().GetFont().GetFamily(), "'A, B', \"O'Neil\", \xc3\xa4");
+    EXPECT_EQ(clock.textFont().families(), font.families());
     clock.setTime(QDateTime());
     EXPECT_EQ(clock.time(), time) << "an invalid time leaves it";
 }
