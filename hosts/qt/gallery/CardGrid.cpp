@@ -70,10 +70,17 @@ std::vector<InstrumentCard*> CardGrid::shownCards() const {
     return result;
 }
 
+void CardGrid::setTabStop(const InstrumentCard* card) {
+    for (InstrumentCard* each : all)
+        each->setFocusPolicy(each == card ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
 void CardGrid::arrange() {
     const auto shown = shownCards();
     if (shown.empty()) return setMinimumHeight(0);
-    const QSize least = shown.front()->sizeHint();
+    QSize least;
+    for (const InstrumentCard* card : shown)
+        least = least.expandedTo(card->sizeHint());
     columns = std::max(1, (width() - Spacing) / (least.width() + Spacing));
     // A row is filled, as long as the cards keep their shape.
     const int room = (width() - Spacing) / columns - Spacing;
@@ -97,6 +104,7 @@ void CardGrid::keyPressEvent(QKeyEvent* event) {
     const qsizetype target = focused - shown.begin() + step;
     if (step == 0 || focused == shown.end() || target < 0 || target >= qsizetype(shown.size()))
         return QWidget::keyPressEvent(event);
+    setTabStop(shown[size_t(target)]);
     shown[size_t(target)]->setFocus(Qt::OtherFocusReason);
     Q_EMIT reached(shown[size_t(target)]);
 }

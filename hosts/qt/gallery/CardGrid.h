@@ -20,6 +20,8 @@ public:
     int filter(const QString& text);
     /// Lays the cards out anew after a change of their size.
     void arrange();
+    /// The card at which the Tab key stops; the arrow keys go on from there, and take the stop with them.
+    void setTabStop(const InstrumentCard* card);
 
 Q_SIGNALS:
     /// An arrow key brought the keyboard to this card.

@@ -9,6 +9,7 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QFileDialog>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -23,56 +24,66 @@ namespace {
 
 constexpr int GroupGap = 18;
 
-QToolButton* buttonOf(QAction* action) {
-    auto* const button = new QToolButton;
-    button->setDefaultAction(action);
-    button->setFocusPolicy(Qt::StrongFocus);
-    button->setAccessibleName(action->text());
-    return button;
+const QStringList& formFilters() {
+    static const QStringList filters{QObject::tr("Form files (*.form)"), QObject::tr("All files (*)")};
+    return filters;
 }
 
-const QString& formFilter() {
-    static const QString text = QObject::tr("Form files (*.form);;All files (*)");
-    return text;
+/// The ending that a filter such as "PNG (*.png)" stands for; empty for that of all files.
+QString endingOf(const QString& filter) {
+    return filter.contains(u"*.") ? filter.section(QStringLiteral("*."), 1).remove(u')') : QString();
 }
 
 } // namespace
 
 struct GalleryWindow::Choice {
-    QString text;
+    QString text; ///< in the menu
+    QString shortText;
     QString tip;
-    std::function<void()> run;
+    QKeySequence keys;
+    std::function<void()> run = {};
+    QVariant data = {};
 };
 
-QActionGroup* GalleryWindow::addChoice(QHBoxLayout& bar, const QString& name, int chosen,
+QToolButton* GalleryWindow::addButton(QHBoxLayout& bar, QAction* action, const QString& accessibleName) {
+    auto* const button = new QToolButton;
+    button->setDefaultAction(action);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setAccessibleName(accessibleName);
+    bar.addWidget(button);
+    buttons.push_back(button);
+    return button;
+}
+
+QActionGroup* GalleryWindow::addChoice(QHBoxLayout& bar, const QString& name,
                                        std::initializer_list<Choice> choices) {
     auto* const group = new QActionGroup(this);
     auto* const row = new QHBoxLayout;
     row->setSpacing(4);
     for (const Choice& choice : choices) {
         QAction* const action = group->addAction(choice.text);
+        action->setIconText(choice.shortText);
         action->setToolTip(choice.tip);
+        action->setShortcut(choice.keys);
+        action->setData(choice.data);
         action->setCheckable(true);
         connect(action, &QAction::triggered, this, [this, run = choice.run] { attempt(run); });
-        QToolButton* const button = buttonOf(action);
-        button->setAccessibleName(name + u' ' + choice.text);
-        row->addWidget(button);
+        addButton(*row, action, name + u' ' + QString(choice.text).remove(u'&'));
     }
-    group->actions()[chosen]->setChecked(true);
     bar.addLayout(row);
     bar.addSpacing(GroupGap);
     return group;
 }
 
-void GalleryWindow::addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
-                              std::function<void(bool)> run) {
-    auto* const action = new QAction(text, this);
-    action->setToolTip(tip);
+QAction* GalleryWindow::addSwitch(QHBoxLayout& bar, const Choice& choice, std::function<void(bool)> run) {
+    auto* const action = new QAction(choice.text, this);
+    action->setIconText(choice.shortText);
+    action->setToolTip(choice.tip);
+    action->setShortcut(choice.keys);
     action->setCheckable(true);
-    action->setChecked(isOn);
-    connect(action, &QAction::toggled, this, [this, run](bool value) { attempt([&] { run(value); }); });
-    bar.addWidget(buttonOf(action));
-    bar.addSpacing(4);
+    connect(action, &QAction::triggered, this, [this, run](bool value) { attempt([&] { run(value); }); });
+    addButton(bar, action, choice.shortText);
+    return action;
 }
 
 void GalleryWindow::addBar() {
@@ -91,41 +102,50 @@ void GalleryWindow::addBar() {
     search->setPlaceholderText(tr("Find an instrument"));
     search->setAccessibleName(tr("Find an instrument"));
     search->setClearButtonEnabled(true);
-    search->setFixedWidth(190);
+    search->setMinimumWidth(120);
+    search->setMaximumWidth(240);
     connect(search, &QLineEdit::textChanged, this, &GalleryWindow::findCards);
-    bar->addWidget(search);
+    bar->addWidget(search, 1);
     bar->addSpacing(GroupGap);
 
-    backgrounds = addChoice(
-        *bar, tr("Background"), 0,
-        {{tr("Light"), tr("Light background"), [this] { setGround(Ground::Card), setTheme(Theme::Light); }},
-         {tr("Dark"), tr("Dark background"), [this] { setGround(Ground::Card), setTheme(Theme::Dark); }},
-         {tr("Clear"), tr("Chequers, which show what is transparent"),
-          [this] { setGround(Ground::Checker); }}});
-    addChoice(*bar, tr("Size"), 2,
-              {{tr("48"), tr("48 pixels"), [this] { setInstrumentSize(48); }},
-               {tr("100"), tr("100 pixels"), [this] { setInstrumentSize(100); }},
-               {tr("200"), tr("200 pixels"), [this] { setInstrumentSize(200); }},
-               {tr("400"), tr("400 pixels"), [this] { setInstrumentSize(400); }}});
-    addSwitch(*bar, tr("Simple"), tr("The simple design for all instruments"), false,
-              [this](bool isOn) { setSimpleDesign(isOn); });
-    addSwitch(*bar, tr("Gradients"), tr("Gradients in all instruments"), true,
-              [this](bool isOn) { setGradients(isOn); });
-    addSwitch(*bar, tr("Enabled"), tr("All instruments enabled"), true,
-              [this](bool isOn) { setInstrumentsEnabled(isOn); });
+    const auto keys = [](const char* text) { return QKeySequence(QLatin1String(text)); };
+    backgrounds = addChoice(*bar, tr("Background"),
+                            {{tr("&Light"), tr("Light"), tr("Light background"), keys("Ctrl+Shift+L"),
+                              [this] { setGround(Ground::Card), setTheme(Theme::Light); }},
+                             {tr("&Dark"), tr("Dark"), tr("Dark background"), keys("Ctrl+Shift+D"),
+                              [this] { setGround(Ground::Card), setTheme(Theme::Dark); }},
+                             {tr("&Chequers"), tr("Chequers"), tr("Chequers, which show what is transparent"),
+                              keys("Ctrl+Shift+K"), [this] { setGround(Ground::Checker); }}});
+    const auto size = [&](int px, const char* shortcut) {
+        const QString words = tr("%1 pixels").arg(px);
+        return Choice{
+            words, QString::number(px), words, keys(shortcut), [this, px] { setInstrumentSize(px); }, px};
+    };
+    sizes = addChoice(*bar, tr("Size"),
+                      {size(48, "Ctrl+1"), size(100, "Ctrl+2"), size(200, "Ctrl+3"), size(400, "Ctrl+4")});
+    auto* const switches = new QHBoxLayout;
+    switches->setSpacing(4);
+    bar->addLayout(switches);
+    simple = addSwitch(
+        *switches, {tr("&Simple"), tr("Simple"), tr("The simple design for all instruments"), keys("Ctrl+D")},
+        [this](bool isOn) { setSimpleDesign(isOn); });
+    gradients = addSwitch(
+        *switches, {tr("&Gradients"), tr("Gradients"), tr("Gradients in all instruments"), keys("Ctrl+G")},
+        [this](bool isOn) { setGradients(isOn); });
+    enabled = addSwitch(*switches,
+                        {tr("&Enabled"), tr("Enabled"), tr("All instruments enabled"), keys("Ctrl+Shift+E")},
+                        [this](bool isOn) { setInstrumentsEnabled(isOn); });
+    bar->addSpacing(GroupGap);
     bar->addStretch(1);
 
-    figures = new QLabel;
-    figures->setObjectName(QStringLiteral("muted"));
-    figures->setToolTip(tr("Time spent in painting a frame of the window, and frames in a second"));
-    bar->addWidget(figures);
-    bar->addSpacing(12);
     moving = new QAction(this);
     moving->setShortcut(Qt::Key_F5);
     connect(moving, &QAction::triggered, this, [this] { setMoving(!isMoving()); });
-    QToolButton* const button = buttonOf(moving);
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    bar->addWidget(button);
+    addButton(*bar, moving, {})->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    figures = new QLabel;
+    figures->setObjectName(QStringLiteral("muted"));
+    figures->setContentsMargins(0, 0, 12, 0);
+    figures->setToolTip(tr("Time spent in painting a frame of the window, and frames in a second"));
 
     column->addWidget(frame);
     found = new QLabel;
@@ -170,7 +190,7 @@ void GalleryWindow::addMenus() {
     addCommand(file, tr("Show &all instruments"), QKeySequence(QStringLiteral("Ctrl+Shift+A")),
                [this] { showAll(); });
     file->addSeparator();
-    addCommand(file, tr("&Quit"), QKeySequence::Quit, [this] { close(); });
+    addCommand(file, tr("&Quit"), QKeySequence(QStringLiteral("Ctrl+Q")), [this] { close(); });
 
     QMenu* const edit = menuBar()->addMenu(tr("&Edit"));
     addCommand(edit, tr("Copy as &C++"), QKeySequence(QStringLiteral("Ctrl+Shift+C")), copyCpp);
@@ -183,6 +203,11 @@ void GalleryWindow::addMenus() {
                [this, focusOn] { focusOn(inspecting->search()); });
 
     QMenu* const view = menuBar()->addMenu(tr("&View"));
+    view->addMenu(tr("&Background"))->addActions(backgrounds->actions());
+    view->addMenu(tr("S&ize"))->addActions(sizes->actions());
+    view->addSeparator();
+    view->addActions({simple, gradients, enabled});
+    view->addSeparator();
     view->addAction(moving);
     connect(inspecting, &Inspector::cppWanted, this, [this, copyCpp] { attempt(copyCpp); });
     connect(inspecting, &Inspector::formWanted, this, [this, copyForm] { attempt(copyForm); });
@@ -195,15 +220,40 @@ void GalleryWindow::copyText(const QString& text, const QString& what) {
     tell(tr("%1 of %2 are in the clipboard").arg(what, selected->name()));
 }
 
+struct GalleryWindow::FileQuestion {
+    QString title;
+    QFileDialog::AcceptMode mode;
+    QString suggestion;
+    QStringList filters;
+};
+
+/// A file's name, or an empty one when the user thought better of it. One to save gets the ending of the
+/// filter where the user gave it none.
+QString GalleryWindow::askFile(const FileQuestion& question) {
+    QFileDialog dialog(this, question.title, folder);
+    dialog.setAcceptMode(question.mode);
+    const bool isSaving = question.mode == QFileDialog::AcceptSave;
+    dialog.setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setNameFilters(question.filters);
+    if (isSaving) {
+        dialog.setDefaultSuffix(endingOf(question.filters.front()));
+        connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                [&dialog](const QString& filter) { dialog.setDefaultSuffix(endingOf(filter)); });
+        dialog.selectFile(question.suggestion);
+    }
+    if (dialog.exec() != QDialog::Accepted) return {};
+    folder = dialog.directory().absolutePath();
+    return dialog.selectedFiles().value(0);
+}
+
 void GalleryWindow::askOpen() {
-    const QString file = QFileDialog::getOpenFileName(this, tr("Open a form"), QString(), formFilter());
+    const QString file = askFile({tr("Open a form"), QFileDialog::AcceptOpen, {}, formFilters()});
     if (!file.isEmpty()) openForm(file);
 }
 
 void GalleryWindow::askSave(const QString& suggestion, void (GalleryWindow::*save)(const QString&) const) {
-    const QString file = QFileDialog::getSaveFileName(
-        this, tr("Save a form"), suggestion.simplified().remove(u' ') + QStringLiteral(".form"),
-        formFilter());
+    const QString name = suggestion.simplified().remove(u' ');
+    const QString file = askFile({tr("Save a form"), QFileDialog::AcceptSave, name, formFilters()});
     if (file.isEmpty()) return;
     (this->*save)(file);
     tell(tr("Saved as %1").arg(file));
@@ -211,9 +261,10 @@ void GalleryWindow::askSave(const QString& suggestion, void (GalleryWindow::*sav
 
 void GalleryWindow::askExport() {
     if (!selected) return;
-    const QString file = QFileDialog::getSaveFileName(this, tr("Export a picture"),
-                                                      selected->name().remove(u' ') + QStringLiteral(".png"),
-                                                      tr("Pictures (*.png *.svg *.pdf)"));
+    const QString file = askFile({tr("Export a picture"),
+                                  QFileDialog::AcceptSave,
+                                  selected->name().remove(u' '),
+                                  {tr("PNG (*.png)"), tr("SVG (*.svg)"), tr("PDF (*.pdf)")}});
     if (file.isEmpty()) return;
     exportSelected(file);
     tell(tr("Saved as %1").arg(file));

@@ -1,6 +1,5 @@
 #include "hosts/qt/gallery/GalleryWindow.h"
 
-#include <VzSVGControl.h>
 #include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/CardGrid.h"
 #include "hosts/qt/gallery/Forms.h"
@@ -8,12 +7,14 @@
 #include "hosts/qt/gallery/PropertyRow.h"
 #include "runtime/FormFile.h"
 #include "svg/VZSVGControl.h"
+#include <VzSVGControl.h>
 
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -22,13 +23,14 @@
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QStyleFactory>
+#include <QToolButton>
 #include <QUrl>
 
 #include <algorithm>
 
 namespace {
 
+constexpr int DefaultSide = 200;
 constexpr int FrameMs = 16;
 constexpr int FiguresMs = 1000;
 constexpr int MessageMs = 8000;
@@ -55,7 +57,6 @@ GalleryWindow::GalleryWindow(QWidget* parent)
     , cards(new CardGrid)
     , scroll(new QScrollArea)
     , inspecting(new Inspector) {
-    setWindowTitle(tr("Tavro gallery"));
     setAcceptDrops(true);
     resize(1280, 800);
     addBar();
@@ -63,7 +64,6 @@ GalleryWindow::GalleryWindow(QWidget* parent)
 
     scroll->setWidget(cards);
     scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setFocusPolicy(Qt::NoFocus);
     auto* const splitter = new QSplitter(Qt::Horizontal);
     splitter->addWidget(scroll);
@@ -74,10 +74,12 @@ GalleryWindow::GalleryWindow(QWidget* parent)
     splitter->setSizes({900, 380});
     static_cast<QBoxLayout*>(centralWidget()->layout())->addWidget(splitter, 1);
     statusBar()->setSizeGripEnabled(false);
+    statusBar()->addPermanentWidget(figures);
 
     connect(cards, &CardGrid::reached, this,
             [this](InstrumentCard* card) { scroll->ensureWidgetVisible(card); });
     connect(inspecting, &Inspector::message, this, &GalleryWindow::tell);
+    connect(inspecting, &Inspector::filled, this, &GalleryWindow::orderTabs);
     ticking.setTimerType(Qt::PreciseTimer);
     ticking.setInterval(FrameMs);
     connect(&ticking, &QTimer::timeout, this, &GalleryWindow::tick);
@@ -96,7 +98,6 @@ GalleryWindow::~GalleryWindow() = default;
 
 InstrumentCard* GalleryWindow::newCard(VzWidget* instrument, const QString& name) {
     auto* const card = new InstrumentCard(instrument, name, cards);
-    card->setInstrumentSize(side);
     card->setTheme(theme);
     card->setGround(ground);
     connect(card, &InstrumentCard::picked, this, [this, card] { select(card); });
@@ -105,19 +106,25 @@ InstrumentCard* GalleryWindow::newCard(VzWidget* instrument, const QString& name
 
 void GalleryWindow::showAll() {
     std::vector<InstrumentCard*> all;
+    setWindowTitle(tr("Tavro gallery"));
+    if (side == 0) side = DefaultSide;
     for (const TVzWidgetClass& kind : vzWidgetClasses()) {
         all.push_back(newCard(kind.Create(nullptr), classWords(kind.Name)));
         if (auto* const plain = qobject_cast<VzSVGControl*>(&all.back()->instrument())) showSample(*plain);
     }
     // What has nothing to show by itself stands at the end.
     std::ranges::stable_partition(all, [](const auto* card) { return !card->drivenProperty().isEmpty(); });
-    setCards(std::move(all));
+    setCards(std::move(all), QSize(side, side));
     moveTo(moment);
 }
 
-void GalleryWindow::setCards(std::vector<InstrumentCard*> value) {
+/// Takes cards of a size, or of their own where that is empty.
+void GalleryWindow::setCards(std::vector<InstrumentCard*> value, QSize size) {
+    for (InstrumentCard* card : value)
+        card->setInstrumentSize(size.isEmpty() ? card->instrument().size() : size);
     selected = nullptr;
     cards->setCards(std::move(value));
+    followCards();
     select(cards->cards().empty() ? nullptr : cards->cards().front());
     findCards(search->text());
 }
@@ -126,7 +133,22 @@ void GalleryWindow::select(InstrumentCard* card) {
     if (selected) selected->setSelected(false);
     selected = card;
     if (selected) selected->setSelected(true);
+    cards->setTabStop(selected);
     inspecting->setCard(selected);
+}
+
+/// From the bar over the cards to the inspector, each from left to right and from top to bottom.
+void GalleryWindow::orderTabs() {
+    std::vector<QWidget*> order{search};
+    order.insert(order.end(), buttons.begin(), buttons.end());
+    for (InstrumentCard* card : cards->cards()) {
+        order.push_back(card);
+        if (card->instrument().focusPolicy() != Qt::NoFocus) order.push_back(&card->instrument());
+    }
+    for (QWidget* field : inspecting->fields())
+        order.push_back(field);
+    for (size_t i = 1; i < order.size(); ++i)
+        QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
 bool GalleryWindow::selectClass(const QString& className) {
@@ -150,7 +172,6 @@ void GalleryWindow::findCards(const QString& text) {
 
 void GalleryWindow::setTheme(Theme value) {
     theme = value;
-    if (ground == Ground::Card) backgrounds->actions()[theme == Theme::Dark ? 1 : 0]->setChecked(true);
     QApplication::setPalette(themePalette(theme));
     setPalette(themePalette(theme));
     setStyleSheet(themeSheet(theme));
@@ -158,20 +179,55 @@ void GalleryWindow::setTheme(Theme value) {
     for (InstrumentCard* card : cards->cards())
         card->setTheme(theme);
     moving->setIcon(signIcon(isMoving() ? Sign::Pause : Sign::Play, themeColors(theme)));
+    showChoices();
 }
 
 void GalleryWindow::setGround(Ground value) {
     ground = value;
     for (InstrumentCard* card : cards->cards())
         card->setGround(ground);
+    showChoices();
 }
 
 void GalleryWindow::setInstrumentSize(int value) {
     side = value;
     for (InstrumentCard* card : cards->cards())
-        card->setInstrumentSize(side);
+        card->setInstrumentSize({side, side});
     cards->arrange();
     if (selected) scroll->ensureWidgetVisible(selected);
+    showChoices();
+}
+
+/// The buttons show the look that the window has.
+void GalleryWindow::showChoices() {
+    const int background = ground == Ground::Checker ? 2 : theme == Theme::Dark ? 1 : 0;
+    backgrounds->actions()[background]->setChecked(true);
+    for (QAction* action : sizes->actions())
+        action->setChecked(action->data().toInt() == side);
+}
+
+/// The buttons show what the instruments have in common.
+void GalleryWindow::followCards() {
+    const auto all = [this](const char* property, const QVariant& wanted) {
+        int count = 0;
+        const bool isSame = std::ranges::all_of(cards->cards(), [&](const InstrumentCard* card) {
+            const QVariant value = card->instrument().property(property);
+            count += value.isValid();
+            return !value.isValid() || value.toInt() == wanted.toInt();
+        });
+        return isSame && count > 0;
+    };
+    simple->setChecked(all("design", 1));
+    gradients->setChecked(all("enableGradients", true));
+    enabled->setChecked(all("enabled", true));
+    const auto& shown = cards->cards();
+    const QSize first = shown.empty() ? QSize() : shown.front()->instrument().size();
+    const bool isOneSquare =
+        first.width() == first.height() && std::ranges::all_of(shown, [&](const InstrumentCard* card) {
+            return card->instrument().size() == first;
+        });
+    side = isOneSquare ? first.width() : 0;
+    showChoices();
 }
 
 /// Sets a property by its name on every instrument that has it; an enumeration's member by its ordinal.
@@ -183,10 +239,18 @@ void GalleryWindow::setOnAll(const char* name, const QVariant& value) {
     }
 }
 
-void GalleryWindow::setSimpleDesign(bool value) { setOnAll("design", value ? 1 : 0); }
-void GalleryWindow::setGradients(bool value) { setOnAll("enableGradients", value); }
+void GalleryWindow::setSimpleDesign(bool value) {
+    simple->setChecked(value);
+    setOnAll("design", value ? 1 : 0);
+}
+
+void GalleryWindow::setGradients(bool value) {
+    gradients->setChecked(value);
+    setOnAll("enableGradients", value);
+}
 
 void GalleryWindow::setInstrumentsEnabled(bool value) {
+    enabled->setChecked(value);
     for (const InstrumentCard* card : cards->cards())
         card->instrument().setEnabled(value);
 }
@@ -235,7 +299,8 @@ void GalleryWindow::openForm(const QString& file) {
     for (LoadedInstrument& one : loaded)
         all.push_back(newCard(one.widget.release(), one.name));
     setMoving(false); // the file's values are to be seen
-    setCards(std::move(all));
+    setCards(std::move(all), {});
+    setWindowTitle(tr("%1 - Tavro gallery").arg(QFileInfo(file).fileName()));
     tell(tr("%n instrument(s) from %1", nullptr, int(loaded.size())).arg(file));
 }
 

@@ -17,6 +17,7 @@ class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QScrollArea;
+class QToolButton;
 
 /// The gallery: every instrument, live and in motion, with switches for all of them at once, and an inspector
 /// for one.
@@ -38,6 +39,7 @@ public:
     // The look of everything.
     void setTheme(Theme value);
     void setGround(Ground value);
+    /// Side of the square that each instrument fills, in pixels.
     void setInstrumentSize(int side);
     void setSimpleDesign(bool value);
     void setGradients(bool value);
@@ -51,7 +53,8 @@ public:
 
     // Files. They raise what the library raises, and then nothing has changed.
 
-    /// Shows the instruments of a form file in place of those that are there; the motion stops.
+    /// Shows the instruments of a form file in place of those that are there, in the sizes that they have
+    /// there; the motion stops. Buttons for all instruments show what these have in common.
     void openForm(const QString& file);
     void saveForm(const QString& file) const;
     void saveSelected(const QString& file) const;
@@ -71,12 +74,14 @@ private:
     void addMenus();
     QAction* addCommand(QMenu* menu, const QString& text, const QKeySequence& keys,
                         std::function<void()> run);
-    void addSwitch(QHBoxLayout& bar, const QString& text, const QString& tip, bool isOn,
-                   std::function<void(bool)> run);
-    QActionGroup* addChoice(QHBoxLayout& bar, const QString& name, int chosen,
-                            std::initializer_list<Choice> choices);
+    QToolButton* addButton(QHBoxLayout& bar, QAction* action, const QString& accessibleName);
+    QAction* addSwitch(QHBoxLayout& bar, const Choice& choice, std::function<void(bool)> run);
+    QActionGroup* addChoice(QHBoxLayout& bar, const QString& name, std::initializer_list<Choice> choices);
+    void showChoices();
+    void followCards();
+    void orderTabs();
 
-    void setCards(std::vector<InstrumentCard*> value);
+    void setCards(std::vector<InstrumentCard*> value, QSize commonSize);
     InstrumentCard* newCard(VzWidget* instrument, const QString& name);
     void select(InstrumentCard* card);
     void setOnAll(const char* property, const QVariant& value);
@@ -87,6 +92,8 @@ private:
     /// Runs what may raise; shows the user why it did.
     void attempt(const std::function<void()>& action);
 
+    struct FileQuestion;
+    QString askFile(const FileQuestion& question);
     void askOpen();
     void askSave(const QString& suggestion, void (GalleryWindow::*save)(const QString&) const);
     void askExport();
@@ -96,7 +103,12 @@ private:
     QScrollArea* scroll;
     Inspector* inspecting;
     QActionGroup* backgrounds = nullptr;
+    QActionGroup* sizes = nullptr;
+    QAction* simple = nullptr;
+    QAction* gradients = nullptr;
+    QAction* enabled = nullptr;
     QLineEdit* search = nullptr;
+    std::vector<QToolButton*> buttons; ///< of the bar, from left to right
     QLabel* figures = nullptr;
     QLabel* found = nullptr;
     QAction* moving = nullptr;
@@ -104,7 +116,8 @@ private:
 
     Theme theme = Theme::Light;
     Ground ground = Ground::Card;
-    int side = 200;
+    int side = 200; ///< of the instruments; 0: each as its form has it
+    QString folder; ///< where the last file was
 
     QTimer ticking;
     QTimer figuring;

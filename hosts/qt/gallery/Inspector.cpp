@@ -1,8 +1,8 @@
 #include "hosts/qt/gallery/Inspector.h"
 
-#include <VzSVGControl.h>
 #include "hosts/qt/gallery/InstrumentCard.h"
 #include "hosts/qt/gallery/PropertyRow.h"
+#include <VzSVGControl.h>
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -17,7 +17,8 @@
 namespace {
 
 constexpr int Inset = 16;
-constexpr int RefreshMs = 80; // twelve times a second is as fast as figures are read
+constexpr int TitleIndent = 11; // with the rows' names
+constexpr int RefreshMs = 80;   // twelve times a second is as fast as figures are read
 
 /// The groups, in their order, and what belongs to each: the first that fits.
 enum Group { ValueGroup, LookGroup, ColorGroup, TextGroup, DrawingGroup, GroupCount };
@@ -87,11 +88,12 @@ void Inspector::addHead(QVBoxLayout& column) {
     head->addWidget(subtitle);
     head->addSpacing(10);
 
-    auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(6);
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(6);
     const auto add = [&](QPushButton* button, const QString& tip) {
         button->setToolTip(tip);
-        buttons->addWidget(button, 1);
+        row->addWidget(button, 1);
+        buttons.push_back(button);
     };
     auto* const cpp = new QPushButton(tr("Copy C++"));
     auto* const form = new QPushButton(tr("Copy form"));
@@ -103,7 +105,7 @@ void Inspector::addHead(QVBoxLayout& column) {
     connect(cpp, &QPushButton::clicked, this, &Inspector::cppWanted);
     connect(form, &QPushButton::clicked, this, &Inspector::formWanted);
     connect(reset, &QPushButton::clicked, this, &Inspector::resetAll);
-    head->addLayout(buttons);
+    head->addLayout(row);
     head->addSpacing(10);
 
     searchField->setPlaceholderText(tr("Find a property"));
@@ -144,7 +146,7 @@ void Inspector::fill() {
     column->setSpacing(0);
     for (Section& section : sections) {
         section.title = labelOf(tr(GroupTitles[&section - sections.data()]), "section");
-        section.title->setContentsMargins(14, 0, 0, 0);
+        section.title->setContentsMargins(TitleIndent, 0, 0, 0);
         section.title->hide();
         column->addWidget(section.title);
     }
@@ -166,6 +168,17 @@ void Inspector::fill() {
     }
     scroll->setWidget(rows);
     filter();
+    Q_EMIT filled();
+}
+
+std::vector<QWidget*> Inspector::fields() const {
+    std::vector<QWidget*> found(buttons.begin(), buttons.end());
+    found.push_back(searchField);
+    for (const Section& section : sections)
+        for (const PropertyRow* row : section.rows)
+            for (QWidget* field : row->fields())
+                found.push_back(field);
+    return found;
 }
 
 void Inspector::addRow(const QMetaProperty& property) {

@@ -35,8 +35,12 @@ public:
     void refresh();
     /// Every property gets its default.
     void resetAll();
+    /// All that takes the keyboard, in the order in which it stands.
+    std::vector<QWidget*> fields() const;
 
 Q_SIGNALS:
+    /// The rows are those of another instrument.
+    void filled();
     void cppWanted();
     void formWanted();
     /// Something to tell the user.
@@ -51,7 +55,6 @@ private:
     void addHead(QVBoxLayout& column);
     void fill();
     void addRow(const QMetaProperty& property);
-    void follow(const QMetaProperty& property);
     void filter();
     void rowChanged(const QByteArray& name, bool isReset);
 
@@ -64,6 +67,7 @@ private:
     QLabel* subtitle;
     QLineEdit* searchField;
     QPushButton* exporting;
+    std::vector<QPushButton*> buttons;
     QScrollArea* scroll;
     QLabel* nothing = nullptr;
     std::vector<PropertyRow*> all;

@@ -63,8 +63,8 @@ InstrumentCard::InstrumentCard(VzWidget* instrument, const QString& name, QWidge
 
 QString InstrumentCard::name() const { return label->text(); }
 
-void InstrumentCard::setInstrumentSize(int value) {
-    side = value;
+void InstrumentCard::setInstrumentSize(QSize value) {
+    size = value;
     updateGeometry();
     placeChildren();
 }
@@ -89,12 +89,15 @@ void InstrumentCard::moveTo(double seconds) {
 }
 
 QSize InstrumentCard::sizeHint() const {
-    return {std::max(side, LeastWidth - 2 * Margin) + 2 * Margin, side + 2 * Margin + Gap + NameHeight};
+    return {std::max(size.width() + 2 * Margin, LeastWidth), size.height() + 2 * Margin + Gap + NameHeight};
 }
 
 void InstrumentCard::placeChildren() {
-    shown->setGeometry((width() - side) / 2, Margin, side, side);
-    label->setGeometry(4, Margin + side + Gap, width() - 8, NameHeight);
+    const int nameTop = height() - Margin - NameHeight;
+    const int room = nameTop - Gap - Margin;
+    shown->setGeometry(
+        QRect(QPoint((width() - size.width()) / 2, Margin + (room - size.height()) / 2), size));
+    label->setGeometry(4, nameTop, width() - 8, NameHeight);
 }
 
 void InstrumentCard::resizeEvent(QResizeEvent*) { placeChildren(); }

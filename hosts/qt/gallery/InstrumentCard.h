@@ -23,8 +23,8 @@ public:
     QString name() const;
     const QString& searchText() const { return searched; }
 
-    /// Side of the square that the instrument fills, in pixels.
-    void setInstrumentSize(int side);
+    /// What the instrument fills, in pixels; it stands in the middle above its name. Default 200 x 200.
+    void setInstrumentSize(QSize value);
     void setGround(Ground value);
     void setTheme(Theme value);
     void setSelected(bool value);
@@ -54,7 +54,7 @@ private:
     QLabel* label;
     QString searched;
     Motion motion;
-    int side = 200;
+    QSize size{200, 200};
     Ground ground = Ground::Card;
     Theme theme = Theme::Light;
     bool selected = false;

@@ -9,6 +9,7 @@
 #include <QFontDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMetaProperty>
 #include <QPainter>
@@ -153,11 +154,16 @@ public:
         text->setMinimumWidth(80);
         button->setObjectName(QStringLiteral("flat"));
         button->setToolTip(tr("Choose a colour"));
-        button->setAccessibleName(tr("Choose a colour"));
-        setFocusProxy(text);
+        setFocusProxy(button); // the first of the two, or the Tab key leaves it out
         connect(button, &QToolButton::clicked, this, [this] { choose(); });
         connect(text, &QLineEdit::editingFinished, this, [this] { readText(); });
     }
+    void setSpokenName(const QString& name, const QString& description) override {
+        PropertyEditor::setSpokenName(tr("%1: choose").arg(name), description);
+        text->setAccessibleName(name);
+        text->setAccessibleDescription(description);
+    }
+    std::vector<QWidget*> fields() const override { return {button, text}; }
     void setValue(const QVariant& value) override {
         color = value.value<QColor>();
         button->setIcon(swatch(color));
@@ -197,6 +203,14 @@ public:
         connect(box, &QComboBox::currentIndexChanged, this,
                 [this](int) { Q_EMIT edited(box->currentData()); });
     }
+    /// A box of choices says its choice, and is named by the label beside it that it is the buddy of: by a
+    /// hidden one, as the visible one is not beside it.
+    void setSpokenName(const QString& name, const QString& description) override {
+        PropertyEditor::setSpokenName(name, description);
+        auto* const label = new QLabel(name, this);
+        label->setBuddy(box);
+        label->hide();
+    }
     void setValue(const QVariant& value) override {
         const QSignalBlocker blocker(box);
         box->setCurrentIndex(box->findData(value.toInt()));
@@ -224,6 +238,18 @@ public:
             boxes.emplace_back(box, bit);
         }
         if (!boxes.empty()) setFocusProxy(boxes.front().first);
+    }
+    void setSpokenName(const QString& name, const QString& description) override {
+        for (const auto& [box, bit] : boxes) {
+            box->setAccessibleName(name + u' ' + box->text());
+            box->setAccessibleDescription(description);
+        }
+    }
+    std::vector<QWidget*> fields() const override {
+        std::vector<QWidget*> found;
+        for (const auto& [box, bit] : boxes)
+            found.push_back(box);
+        return found;
     }
     void setValue(const QVariant& value) override {
         mask = value.toInt();
@@ -312,6 +338,7 @@ public:
     void setValue(const QVariant& value) override {
         font = value.value<QFont>();
         button->setText(fontWords(font));
+        button->setAccessibleDescription(button->text()); // the name is the property's
     }
 
 private:
@@ -350,6 +377,11 @@ private:
 };
 
 } // namespace
+
+void PropertyEditor::setSpokenName(const QString& name, const QString& description) {
+    focusProxy()->setAccessibleName(name);
+    focusProxy()->setAccessibleDescription(description);
+}
 
 bool PropertyEditor::isBusy() const { return isAncestorOf(QApplication::focusWidget()); }
 

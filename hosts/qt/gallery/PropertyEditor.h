@@ -3,6 +3,8 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <vector>
+
 class QMetaProperty;
 
 /// Shows the value of one property and lets the user change it.
@@ -13,6 +15,11 @@ public:
 
     /// Shows a value; nothing is emitted.
     virtual void setValue(const QVariant& value) = 0;
+    /// What assistive technology says of it; what the fields are called where there are several follows from
+    /// that.
+    virtual void setSpokenName(const QString& name, const QString& description);
+    /// All that takes the keyboard, from left to right and from top to bottom.
+    virtual std::vector<QWidget*> fields() const { return {focusProxy()}; }
     /// True while the user is at work in it.
     bool isBusy() const;
 

@@ -39,9 +39,7 @@ PropertyRow::PropertyRow(VzWidget& shown, const QMetaProperty& its, QWidget* par
     label->setFixedWidth(NameWidth);
     label->setBuddy(editor);
     dot->setFixedWidth(DotWidth);
-    QWidget* const field = editor->focusProxy() ? editor->focusProxy() : editor;
-    field->setAccessibleName(words);
-    field->setAccessibleDescription(tip);
+    editor->setSpokenName(words, tip);
     resetButton->setObjectName(QStringLiteral("flat"));
     resetButton->setToolTip(tr("Reset %1").arg(words));
     resetButton->setAccessibleName(tr("Reset %1").arg(words));
@@ -89,6 +87,12 @@ void PropertyRow::mark(bool different) {
     label->setFont(font);
     dot->setText(different ? dotText : QString());
     resetButton->setEnabled(different);
+}
+
+std::vector<QWidget*> PropertyRow::fields() const {
+    std::vector<QWidget*> found = editor->fields();
+    found.push_back(resetButton);
+    return found;
 }
 
 void PropertyRow::edit(const QVariant& value) {

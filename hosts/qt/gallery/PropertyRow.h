@@ -3,6 +3,8 @@
 #include <QMetaProperty>
 #include <QWidget>
 
+#include <vector>
+
 class PropertyEditor;
 class QLabel;
 class QToolButton;
@@ -27,6 +29,8 @@ public:
     /// Sets the property as if the user had typed the value.
     void edit(const QVariant& value);
     void reset();
+    /// All that takes the keyboard, from left to right and from top to bottom.
+    std::vector<QWidget*> fields() const;
 
 Q_SIGNALS:
     /// The user changed the property or reset it.

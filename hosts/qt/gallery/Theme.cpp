@@ -10,12 +10,12 @@ namespace {
 const ThemeColors Light{
     QColor(0xF3F4F6), QColor(0xFFFFFF), QColor(0xDDE0E5), QColor(0x1D2229),
     QColor(0x646C78), QColor(0x1F66D0), QColor(0xFFFFFF), QColor(0xE8EBF0),
-    QColor(0xFFFFFF), QColor(0xDCDFE4), QColor(0xE8F0FC),
+    QColor(0xFFFFFF), QColor(0xDCDFE4), QColor(0xE8F0FC), QColor(0xB4BAC3),
 };
 const ThemeColors Dark{
     QColor(0x14161A), QColor(0x1D2025), QColor(0x343941), QColor(0xE7E9EC),
     QColor(0x98A0AB), QColor(0x6AA6FF), QColor(0x0D1420), QColor(0x2A2F37),
-    QColor(0x3A3F47), QColor(0x2B2F36), QColor(0x1E2E47),
+    QColor(0x3A3F47), QColor(0x2B2F36), QColor(0x1E2E47), QColor(0x5C646F),
 };
 
 /// %name% stands for a colour of the theme.
@@ -24,7 +24,7 @@ QMainWindow, QScrollArea, #cards, #inspectorRows { background: %ground%; }
 QScrollArea { border: none; }
 #bar { background: %card%; border-bottom: 1px solid %border%; }
 #inspector { background: %card%; border-left: 1px solid %border%; }
-#inspectorRows { background: %card%; }
+#inspector QScrollArea, #inspectorRows { background: %card%; }
 #title { font-size: 17px; font-weight: 600; }
 #muted { color: %muted%; }
 #section { color: %muted%; font-size: 11px; font-weight: 600; padding: 14px 0 4px 0; }
@@ -52,6 +52,16 @@ QToolButton#flat { border-color: transparent; padding: 3px; background: transpar
 QToolButton#flat:hover { background: %hover%; }
 QToolButton#flat:focus { border-color: %accent%; }
 QSplitter::handle { background: %border%; }
+QScrollBar { background: transparent; }
+QScrollBar:vertical { width: 12px; }
+QScrollBar:horizontal { height: 12px; }
+QScrollBar::handle { background: %idle%; border: 3px solid %ground%; border-radius: 6px; }
+#inspector QScrollBar::handle, QAbstractItemView QScrollBar::handle { border-color: %card%; }
+QScrollBar::handle:vertical { min-height: 32px; }
+QScrollBar::handle:horizontal { min-width: 32px; }
+QScrollBar::handle:hover { background: %muted%; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 QToolTip { background: %card%; color: %text%; border: 1px solid %border%; padding: 4px; }
 )";
 
@@ -104,7 +114,8 @@ QString themeSheet(Theme theme) {
     for (const auto& [name, color] :
          {std::pair("ground", c.ground), std::pair("card", c.card), std::pair("border", c.border),
           std::pair("text", c.text), std::pair("muted", c.muted), std::pair("accent", c.accent),
-          std::pair("onAccent", c.onAccent), std::pair("tint", c.tint), std::pair("hover", c.hover)})
+          std::pair("onAccent", c.onAccent), std::pair("tint", c.tint), std::pair("hover", c.hover),
+          std::pair("idle", c.idle)})
         sheet.replace(u'%' + QLatin1String(name) + u'%', color.name());
     return sheet;
 }
@@ -112,7 +123,7 @@ QString themeSheet(Theme theme) {
 QIcon signIcon(Sign sign, const ThemeColors& colors) {
     QIcon icon;
     for (const auto& [mode, color] :
-         {std::pair(QIcon::Normal, colors.text), std::pair(QIcon::Disabled, colors.border)})
+         {std::pair(QIcon::Normal, colors.text), std::pair(QIcon::Disabled, colors.idle)})
         for (const int scale : {1, 2}) {
             QPixmap pixmap(16 * scale, 16 * scale);
             pixmap.setDevicePixelRatio(scale);

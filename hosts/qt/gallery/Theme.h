@@ -22,6 +22,7 @@ struct ThemeColors {
     QColor checkerLight; ///< the chequers that stand for a transparent background
     QColor checkerDark;
     QColor tint; ///< behind what is switched on
+    QColor idle; ///< signs on buttons that do nothing now
 };
 
 const ThemeColors& themeColors(Theme theme);

@@ -9,6 +9,7 @@
 #include "hosts/qt/gallery/PropertyRow.h"
 #include "package/Package.h"
 #include "runtime/Exceptions.h"
+#include "tests/unit/qt/Gallery.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -25,32 +26,6 @@
 #include <set>
 
 namespace {
-
-/// A window that is shown and stands still.
-class Gallery : public testing::Test {
-protected:
-    Gallery() {
-        Vz::RegisterComponentClasses();
-        window.setMoving(false);
-        window.show();
-        QApplication::processEvents();
-    }
-
-    VzWidget& instrument() { return window.selectedCard()->instrument(); }
-    PropertyRow& row(const char* name) {
-        PropertyRow* const found = window.inspector().row(name);
-        if (!found) throw std::runtime_error(name);
-        return *found;
-    }
-    QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
-    static QByteArray content(const QString& file) {
-        QFile opened(file);
-        return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
-    }
-
-    QTemporaryDir folder;
-    GalleryWindow window;
-};
 
 size_t colorsIn(const QImage& image) {
     std::set<QRgb> colors;
