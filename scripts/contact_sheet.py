@@ -206,7 +206,15 @@ def control_sheet(tool, tile, columns=8):
 
 PAGE = '''# Gallery
 
-All pictures are drawn by `tavro`; `scripts/gallery --docs` makes this page anew.
+All pictures are drawn by `tavro` and its gallery; `scripts/gallery --docs` makes this page anew.
+
+## The window
+
+`scripts/gallery` opens it: every instrument in motion, an inspector that edits each property and says what differs from
+the default, switches for all instruments at once. Forms are opened, also by dropping a file on the window, and saved; an
+instrument is copied as C++ or as a form, or exported as PNG, SVG or PDF. All of it has keys; the menus show them.
+
+![The gallery: every instrument in motion, with an inspector of its properties](gallery-window.png)
 
 ## Instruments
 

@@ -39,16 +39,17 @@ QLineEdit, QPlainTextEdit {
     selection-background-color: %accent%; selection-color: %onAccent%;
 }
 QLineEdit:focus, QPlainTextEdit:focus { border-color: %accent%; }
-QToolButton, QPushButton {
+QPushButton, #bar QToolButton {
     background: %card%; border: 1px solid %border%; border-radius: 5px; padding: 4px 10px; color: %text%;
 }
-QToolButton:hover, QPushButton:hover { background: %hover%; }
-QToolButton:focus, QPushButton:focus { border-color: %accent%; }
-QToolButton:checked { background: %tint%; border-color: %accent%; color: %accent%; }
-QToolButton:checked:focus { border-color: %text%; }
-QToolButton:disabled, QPushButton:disabled { color: %muted%; }
-QToolButton::menu-indicator { image: none; }
-QToolButton#flat { border-color: transparent; padding: 3px; background: transparent; }
+QPushButton:hover, #bar QToolButton:hover { background: %hover%; }
+QPushButton:focus, #bar QToolButton:focus { border-color: %accent%; }
+#bar QToolButton:checked { background: %tint%; border-color: %accent%; color: %accent%; }
+#bar QToolButton:checked:focus { border-color: %text%; }
+QPushButton:disabled { color: %muted%; }
+QToolButton#flat {
+    background: transparent; border: 1px solid transparent; border-radius: 5px; padding: 3px;
+}
 QToolButton#flat:hover { background: %hover%; }
 QToolButton#flat:focus { border-color: %accent%; }
 QSplitter::handle { background: %border%; }

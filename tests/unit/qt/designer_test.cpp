@@ -18,9 +18,11 @@
 #include <QFile>
 #include <QFormBuilder>
 #include <QMetaProperty>
+#include <QPluginLoader>
 #include <QTreeWidget>
 #include <QUiLoader>
 #include <QUndoStack>
+#include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
 #include <gtest/gtest.h>
@@ -186,7 +188,21 @@ TEST_F(TDesigner, TheWidgetBoxHasAPageForEachFamily) {
     EXPECT_EQ(found.size(), classes().size());
     EXPECT_TRUE(found.contains(QStringLiteral("SVG/SVG Control"))) << qPrintable(found.join(u' '));
     EXPECT_TRUE(found.contains(QStringLiteral("Tavro Meters/Speedometer")));
-    EXPECT_TRUE(found.contains(QStringLiteral("Tavro Round Gauges/Circular Fuel Gauge")));
+}
+
+TEST_F(TDesigner, WhatIsDroppedOnAFormHasTheComponentsSize) {
+    QPluginLoader loader(QStringLiteral(TAVRO_PLUGINS_DIR "/designer/tavro_designer.so"));
+    auto* const collection = qobject_cast<QDesignerCustomWidgetCollectionInterface*>(loader.instance());
+    ASSERT_NE(collection, nullptr) << qPrintable(loader.errorString());
+    EXPECT_EQ(collection->customWidgets().size(), classes().size());
+    for (QDesignerCustomWidgetInterface* const plugin : collection->customWidgets()) {
+        const std::unique_ptr<QWidget> fresh(plugin->createWidget(nullptr));
+        EXPECT_GT(fresh->sizeHint().width(), 30);
+        EXPECT_TRUE(plugin->domXml().contains(QStringLiteral("<width>%1</width><height>%2</height>")
+                                                  .arg(fresh->sizeHint().width())
+                                                  .arg(fresh->sizeHint().height())))
+            << qPrintable(plugin->domXml());
+    }
 }
 
 TEST_F(TDesigner, AFreshWidgetSavesNothingOfItsComponent) {

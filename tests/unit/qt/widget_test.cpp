@@ -8,6 +8,8 @@
 
 #include "controls/Form.h"
 #include "controls/HeadlessHost.h"
+#include "graphics/Bitmap.h"
+#include "hosts/qt/WidgetList.h"
 #include "instruments/clocks/Vz.Tavro.Clocks.h"
 #include "instruments/meters/Vz.Tavro.Speedometers.h"
 #include "package/Package.h"
@@ -20,6 +22,8 @@
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QPainter>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -48,11 +52,27 @@ QImage imageOf(const TVZGPBitmap& bitmap) {
 /// The opaque background that a widget is shown on.
 constexpr QRgb Ground = 0xFF305070;
 
-/// A picture of the component on the ground, as the core makes it.
+/// The component's picture, with what is transparent, as the core makes it.
+QImage corePicture(TControl& control, double scale) { return imageOf(THeadlessHost(control, scale).Paint()); }
+
+/// The same as Qt puts it on the ground.
 QImage expected(TControl& control, double scale) {
-    THeadlessHost host(control, scale);
-    host.SetBackground(Ground);
-    return imageOf(host.Paint());
+    const QImage picture = corePicture(control, scale);
+    QImage result(picture.size(), QImage::Format_ARGB32_Premultiplied);
+    result.fill(QColor::fromRgba(Ground));
+    QPainter(&result).drawImage(0, 0, picture);
+    return result;
+}
+
+/// The widget's picture on a transparent surface of a scale.
+QImage transparentPicture(QWidget& widget, double scale) {
+    QImage surface(int(std::ceil(widget.width() * scale)), int(std::ceil(widget.height() * scale)),
+                   QImage::Format_ARGB32_Premultiplied);
+    surface.setDevicePixelRatio(scale);
+    surface.fill(Qt::transparent);
+    widget.render(&surface, {}, {}, QWidget::DrawChildren);
+    surface.setDevicePixelRatio(1);
+    return surface;
 }
 
 int worstDifference(const QImage& a, const QImage& b) {
@@ -266,7 +286,7 @@ TEST(VzWidgetPicture, EqualsTheCoresPixelForPixel) {
         const QImage whole = expected(*component, scale);
         const QPoint corner(int(std::lround(at.x() * scale)), int(std::lround(at.y() * scale)));
         const QImage part = shown(ground).copy(QRect(corner, whole.size()));
-        EXPECT_LE(worstDifference(part, whole), 1) << "at " << at.x() << ',' << at.y() << ", scale " << scale;
+        EXPECT_EQ(worstDifference(part, whole), 0) << "at " << at.x() << ',' << at.y() << ", scale " << scale;
     }
 }
 
@@ -286,7 +306,7 @@ TEST(VzWidgetPicture, StaleRegionsGiveTheWholePicture) {
     component->SetValue(60);
     const QPoint corner(int(std::lround(10 * scale)), int(std::lround(10 * scale)));
     const QImage whole = expected(*component, scale);
-    EXPECT_LE(worstDifference(shown(ground).copy(QRect(corner, whole.size())), whole), 1);
+    EXPECT_EQ(worstDifference(shown(ground).copy(QRect(corner, whole.size())), whole), 0);
 }
 
 TEST(VzWidgetPicture, AWindowThatMovesBetweenScalesIsExactOnEach) {
@@ -294,15 +314,61 @@ TEST(VzWidgetPicture, AWindowThatMovesBetweenScalesIsExactOnEach) {
     widget.resize(120, 120);
     const auto component = TVZSpeedometer::Create();
     component->SetBounds(0, 0, 120, 120);
-    for (const double scale : {1.0, 2.0, 1.25, 1.0}) {
-        QImage surface(int(std::ceil(120 * scale)), int(std::ceil(120 * scale)),
-                       QImage::Format_ARGB32_Premultiplied);
-        surface.setDevicePixelRatio(scale);
-        surface.fill(QColor::fromRgba(Ground));
-        widget.render(&surface, {}, {}, QWidget::DrawChildren);
-        EXPECT_LE(worstDifference(surface, expected(*component, scale)), 1) << "at scale " << scale;
+    for (const double scale : {1.0, 2.0, 1.25, 1.5, 1.0})
+        EXPECT_EQ(worstDifference(transparentPicture(widget, scale), corePicture(*component, scale)), 0)
+            << "at scale " << scale;
+}
+
+/// On an opaque ground the core blends layer by layer and the widget once: a rounding apart.
+TEST(VzWidgetPicture, OnAnOpaqueGroundItIsWithinARoundingOfTheCores) {
+    TGround ground;
+    VzSpeedometer widget;
+    widget.setParent(&ground);
+    widget.setGeometry(0, 0, 200, 200);
+    const auto component = TVZSpeedometer::Create();
+    component->SetBounds(0, 0, 200, 200);
+    THeadlessHost host(*component, ground.devicePixelRatioF());
+    host.SetBackground(Ground);
+    const QImage whole = imageOf(host.Paint());
+    EXPECT_LE(worstDifference(shown(ground).copy(whole.rect()), whole), 1);
+}
+
+#ifdef TAVRO_TOOL
+TEST(VzWidgetPicture, OfEveryClassIsTheToolsPictureToTheLastPixel) {
+    QTemporaryDir folder;
+    const double scale = VzSpeedometer().devicePixelRatioF();
+    for (const TVzWidgetClass& kind : vzWidgetClasses()) {
+        const std::unique_ptr<VzWidget> widget(kind.Create(nullptr));
+        const QString file = folder.filePath(QStringLiteral("tool.png"));
+        QStringList words{QStringLiteral("render"),  QStringLiteral("TVZ") + QLatin1String(kind.Name).mid(2),
+                          QStringLiteral("--size"),  QStringLiteral("160x140"),
+                          QStringLiteral("--scale"), QString::number(scale),
+                          QStringLiteral("-o"),      file};
+        const auto set = [&](const char* name, const char* ours, const QVariant& value, const char* text) {
+            if (widget->metaObject()->indexOfProperty(name) < 0) return;
+            widget->setProperty(name, value);
+            words << QStringLiteral("--set")
+                  << QStringLiteral("%1=%2").arg(QLatin1String(ours), QLatin1String(text));
+        };
+        set("value", "Value", 87.5, "87.5");
+        set("time", "Time", QDateTime(QDate(2026, 3, 15), QTime(10, 8, 36)), "2026-03-15T10:08:36");
+        set("lightColor", "LightColor", QColor(0xFF, 0xD0, 0xA0), "0xFFFFD0A0");
+        QProcess tool;
+        tool.start(QStringLiteral(TAVRO_TOOL), words);
+        ASSERT_TRUE(tool.waitForFinished() && tool.exitCode() == 0)
+            << tool.readAllStandardError().constData();
+
+        widget->resize(160, 140);
+        QImage picture = transparentPicture(*widget, scale);
+        const std::string png = EncodePng({reinterpret_cast<std::uint32_t*>(picture.bits()), picture.width(),
+                                           picture.height(), picture.bytesPerLine() / 4});
+        QFile drawn(file);
+        ASSERT_TRUE(drawn.open(QIODevice::ReadOnly));
+        EXPECT_EQ(QByteArray::fromStdString(png) == drawn.readAll(), true)
+            << kind.Name << " at scale " << scale;
     }
 }
+#endif
 
 /// Notes the regions of a widget's paint events.
 class TPaintNotes : public QObject {
