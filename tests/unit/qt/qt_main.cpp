@@ -4,12 +4,15 @@
 #include "tests/support/Environment.h"
 
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 int main(int count, char** arguments) {
     Vz::Test::FixEnvironment();
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir settings; // dialogs remember where they were
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     testing::InitGoogleTest(&count, arguments);
     QApplication application(count, arguments);
     return RUN_ALL_TESTS();
