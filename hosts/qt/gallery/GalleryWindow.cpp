@@ -113,7 +113,8 @@ void GalleryWindow::showAll() {
         if (auto* const plain = qobject_cast<VzSVGControl*>(&all.back()->instrument())) showSample(*plain);
     }
     // What has nothing to show by itself stands at the end.
-    std::ranges::stable_partition(all, [](const auto* card) { return !card->drivenProperty().isEmpty(); });
+    std::stable_partition(all.begin(), all.end(),
+                          [](const auto* card) { return !card->drivenProperty().isEmpty(); });
     setCards(std::move(all), QSize(side, side));
     moveTo(moment);
 }
