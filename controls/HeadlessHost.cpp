@@ -90,7 +90,7 @@ void THeadlessHost::PaintDevicePixels() {
     FStale.Clear();
     if (FDeviceStale.IsEmpty()) return;
     TRasterDevice device(FPicture.GetPixels(), FDeviceStale);
-    device.Clear(FBackground);
+    device.ClearOnDemand(FBackground);
     TVZGPCanvas canvas(device, toDevice);
     FRoot->PaintTo(canvas);
 }

@@ -62,12 +62,34 @@ void TLayerPair::Set(const TPixels& before, const TPixels& after) {
     FBeforeUsed = UsedPixels(before);
     FAfterUsed = UsedPixels(after);
     FRows.assign(static_cast<std::size_t>(before.Height), {});
+    FindAfterRuns();
     if (!FAfterUsed.IsEmpty()) Merge();
     for (int y = 0; y < before.Height; ++y) {
         TLayerRow& row = FRows[static_cast<std::size_t>(y)];
         row = Describe(FBoth.Row(y), FBoth.Width);
         if (y >= FAfterUsed.Top && y < FAfterUsed.Bottom)
             row.IsExact = MergesExactly(before.Row(y), after.Row(y), FAfterUsed.Left, FAfterUsed.Right);
+    }
+}
+
+void TLayerPair::FindAfterRuns() {
+    constexpr int leastGap = 32;
+    const auto isUsed = [](std::uint32_t pixel) { return pixel != 0; };
+    FAfterRuns.clear();
+    FFirstRun.assign(1, 0);
+    for (int y = 0; y < FAfter.Height; ++y) {
+        const bool isIn = y >= FAfterUsed.Top && y < FAfterUsed.Bottom;
+        const std::uint32_t* const row = FAfter.Row(y);
+        const std::uint32_t* const end = row + (isIn ? FAfterUsed.Right : 0);
+        for (const std::uint32_t* at = row; (at = std::find_if(at, end, isUsed)) < end;) {
+            const std::uint32_t* const last = std::find(at, end, 0u);
+            const int first = static_cast<int>(at - row);
+            const bool isNear = FAfterRuns.size() > FFirstRun.back() && first - FAfterRuns.back().End < leastGap;
+            if (!isNear) FAfterRuns.push_back({first, first});
+            FAfterRuns.back().End = static_cast<int>(last - row);
+            at = last;
+        }
+        FFirstRun.push_back(FAfterRuns.size());
     }
 }
 

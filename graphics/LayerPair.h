@@ -16,6 +16,11 @@ struct TLayerRow {
     bool IsExact = true;
 };
 
+/// Columns First .. End - 1 of a row.
+struct TLayerRun {
+    int First = 0, End = 0;
+};
+
 /// Two pictures of one size that are kept while what lies between them is drawn again and again, and both as
 /// one, for the pixels that the drawing does not reach. Looks at the pictures and owns nothing but what it
 /// makes of them.
@@ -30,17 +35,25 @@ public:
     const TPixels& Both() const { return FBoth; }
     /// One a row, of the merged picture.
     std::span<const TLayerRow> Rows() const { return FRows; }
+    /// What of a row of the upper picture is not transparent, but for short gaps.
+    std::span<const TLayerRun> AfterRuns(int y) const {
+        const auto row = static_cast<std::size_t>(y);
+        return std::span(FAfterRuns).subspan(FFirstRun[row], FFirstRun[row + 1] - FFirstRun[row]);
+    }
     /// The boxes around what is not transparent.
     const TRect& BeforeUsed() const { return FBeforeUsed; }
     const TRect& AfterUsed() const { return FAfterUsed; }
 
 private:
     void Merge();
+    void FindAfterRuns();
 
     TPixels FBefore, FAfter, FBoth;
     TRect FBeforeUsed, FAfterUsed;
     std::vector<std::uint32_t> FMerged; ///< empty where the upper picture is
     std::vector<TLayerRow> FRows;
+    std::vector<TLayerRun> FAfterRuns;  ///< from top to bottom
+    std::vector<std::size_t> FFirstRun; ///< one a row, and one more
 };
 
 } // namespace Vz

@@ -1,5 +1,6 @@
 // Drawing between two kept pictures. The lower one is laid down where the drawing is about to reach, row by
-// row; at the end the upper one is laid over just that, and both as one over the rest.
+// row; at the end the upper one is laid over just that, and both as one over the rest. What was to be cleared
+// before is not touched twice: there the pictures are copied.
 
 #include "graphics/RasterStateInternal.h"
 
@@ -14,16 +15,90 @@ void LayRow(std::uint32_t* at, const TPixels& picture, int y, int first, int end
     if (first < end) RowOps().BlendRow(at, end - first, picture.Row(y) + first, 255);
 }
 
-/// Lays columns of both pictures as one over a row.
-void LayBoth(std::uint32_t* at, const TLayerPair& layers, int y, int first, int end) {
+/// Lays columns of the upper picture over a row.
+void LayAfter(std::uint32_t* at, const TLayerPair& layers, int y, int first, int end) {
+    for (const TLayerRun& run : layers.AfterRuns(y)) {
+        const int from = std::max(first, run.First);
+        LayRow(at + (from - first), layers.After(), y, from, std::min(end, run.End));
+    }
+}
+
+} // namespace
+
+void TRasterState::ClearOnDemand(std::uint32_t pixel) {
+    FClearPixel = pixel;
+    FUncleared = Surface().Rects.size();
+    FIsUncleared.assign(FUncleared, 1);
+}
+
+void TRasterState::ClearRest() {
+    TSurface& surface = Surface();
+    for (std::size_t i = 0; FUncleared > 0; ++i) {
+        if (!FIsUncleared[i]) continue;
+        const TRect& rect = surface.Rects[i];
+        for (int y = rect.Top; y < rect.Bottom; ++y)
+            std::fill_n(surface.At(rect.Left, y), rect.Width(), FClearPixel);
+        surface.Drawn = Union(surface.Drawn, rect);
+        --FUncleared;
+    }
+}
+
+/// Takes over the clearing of a box: clears the rest of the rectangles that meet the clip. False where not
+/// all of them are still to be cleared; then they are cleared now.
+bool TRasterState::TakeUncleared(const TRect& box) {
+    if (FUncleared == 0 || Surfaces.Depth() > 1) return false;
+    const TClipLevel& clip = Clip();
+    const auto isOpen = [&](std::size_t i) { return !Intersection(Surface().Rects[i], clip.Box).IsEmpty(); };
+    for (std::size_t i = clip.First; i < clip.End; ++i)
+        if (isOpen(i) && !FIsUncleared[i]) {
+            ClearRest();
+            return false;
+        }
+    TSurface& surface = Surface();
+    for (std::size_t i = clip.First; i < clip.End; ++i) {
+        if (!isOpen(i)) continue;
+        FIsUncleared[i] = 0;
+        --FUncleared;
+        const TRect& rect = surface.Rects[i];
+        const TRect inside = Intersection(rect, box);
+        surface.Drawn = Union(surface.Drawn, rect);
+        for (int y = rect.Top; y < rect.Bottom; ++y) {
+            const bool isBeside = y < inside.Top || y >= inside.Bottom;
+            const int left = isBeside ? rect.Right : inside.Left;
+            const int right = isBeside ? rect.Right : inside.Right;
+            std::fill_n(surface.At(rect.Left, y), left - rect.Left, FClearPixel);
+            std::fill_n(surface.At(right, y), rect.Right - right, FClearPixel);
+        }
+    }
+    return true;
+}
+
+/// Lays columns of a picture down that is the lowest.
+void TRasterState::LayUnder(std::uint32_t* at, const TPixels& picture, int y, int first, int end) const {
     if (first >= end) return;
+    if (Between.Clears && FClearPixel == 0) {
+        std::copy(picture.Row(y) + first, picture.Row(y) + end, at);
+        return;
+    }
+    if (Between.Clears) std::fill_n(at, end - first, FClearPixel);
+    LayRow(at, picture, y, first, end);
+}
+
+/// Lays columns of both pictures as one over a row.
+void TRasterState::LayBoth(std::uint32_t* at, int y, int first, int end) const {
+    if (first >= end) return;
+    const TLayerPair& layers = *Between.Layers;
     const TLayerRow& row = layers.Rows()[static_cast<std::size_t>(y)];
     if (!row.IsExact) {
-        LayRow(at, layers.Before(), y, first, end);
-        LayRow(at, layers.After(), y, first, end);
+        LayUnder(at, layers.Before(), y, first, end);
+        LayAfter(at, layers, y, first, end);
         return;
     }
     const TPixels& both = layers.Both();
+    if (Between.Clears) {
+        LayUnder(at, both, y, first, end);
+        return;
+    }
     const auto lay = [&](int from, int to) { LayRow(at + (from - first), both, y, from, to); };
     const int begin = std::max(first, row.UsedFirst);
     end = std::min(end, row.UsedEnd);
@@ -33,8 +108,6 @@ void LayBoth(std::uint32_t* at, const TLayerPair& layers, int y, int first, int 
     std::copy(both.Row(y) + opaque, both.Row(y) + opaqueEnd, at + (opaque - first));
     lay(opaqueEnd, end);
 }
-
-} // namespace
 
 bool TRasterState::BeginBetween(const TLayerPair& layers, int x, int y) {
     if (Between.Layers || Clip().Map) return false;
@@ -47,6 +120,7 @@ bool TRasterState::BeginBetween(const TLayerPair& layers, int x, int y) {
     Between.Y = y;
     Between.Box = Intersection({x, y, x + pixels.Width, y + pixels.Height}, ActiveBox());
     Between.Reached.assign(static_cast<std::size_t>(Between.Box.Height()), {});
+    Between.Clears = TakeUncleared(Between.Box);
     return true;
 }
 
@@ -66,8 +140,8 @@ void TRasterState::Reach(int y, int left, int right) {
             const int first = std::max(from, rect.Left);
             const int end = std::min(to, rect.Right);
             if (y >= rect.Top && y < rect.Bottom && first < end)
-                LayRow(surface.At(first, y), Between.Layers->Before(), y - Between.Y, first - Between.X,
-                       end - Between.X);
+                LayUnder(surface.At(first, y), Between.Layers->Before(), y - Between.Y, first - Between.X,
+                         end - Between.X);
         }
     };
     if (reached.Left >= reached.Right) {
@@ -89,9 +163,9 @@ bool TRasterState::EndBetween(const TLayerPair& layers) {
         const int first = std::clamp(reached.Left, left, right);
         const int end = std::clamp(reached.Right, first, right);
         const int row = y - Between.Y;
-        LayBoth(surface.At(left, y), layers, row, left - Between.X, first - Between.X);
-        LayRow(surface.At(first, y), layers.After(), row, first - Between.X, end - Between.X);
-        LayBoth(surface.At(end, y), layers, row, end - Between.X, right - Between.X);
+        LayBoth(surface.At(left, y), row, left - Between.X, first - Between.X);
+        LayAfter(surface.At(first, y), layers, row, first - Between.X, end - Between.X);
+        LayBoth(surface.At(end, y), row, end - Between.X, right - Between.X);
     });
     Surface().Drawn = Union(Surface().Drawn, Between.Box);
     Between.Layers = nullptr;

@@ -115,6 +115,8 @@ void TRasterDevice::Clear(TVZGPColor color) {
     }
 }
 
+void TRasterDevice::ClearOnDemand(TVZGPColor color) { FState->ClearOnDemand(Premultiply(color)); }
+
 void TRasterDevice::Copy(const TPixels& image, int x, int y) {
     TSurface& surface = FState->Surface();
     const TRect box{x, y, x + image.Width, y + image.Height};

@@ -34,6 +34,9 @@ public:
 
     /// Sets every pixel of the region to a colour (not premultiplied), replacing what was there.
     void Clear(TVZGPColor color);
+    /// The same, but as late as can be: pixels that kept pictures are about to be copied to are not touched
+    /// twice. Done when the device goes, or before anything else is drawn.
+    void ClearOnDemand(TVZGPColor color);
     /// Replaces the region's pixels by those of a picture whose pixel (0, 0) lies at (x, y); outside of it: transparent.
     void Copy(const TPixels& image, int x, int y);
 

@@ -47,6 +47,8 @@ TRasterState* TRasterState::Take(const TPixels& target, std::span<const TRect> r
 void TRasterState::GiveBack(TRasterState* state) {
     while (state->Surfaces.Depth() > 1) // a caller that gave up halfway
         state->EndSurface([](const TSurface&) {});
+    if (state->Between.Layers && state->Between.Clears) state->ClearOnDemand(state->FClearPixel);
+    state->ClearRest();
     state->Shrink();
     if (PoolGone || Pool.Count == TPool::Most)
         delete state;
@@ -58,6 +60,7 @@ void TRasterState::SetUp(const TPixels& target, std::span<const TRect> region) {
     Surfaces.Clear();
     Clips.Clear();
     Between.Layers = nullptr;
+    FUncleared = 0;
     Target = target.Data ? target.Bounds() : TRect{};
     TSurface& surface = Surfaces.Push();
     surface.Box = Target;

@@ -79,6 +79,7 @@ struct TBetween {
     std::size_t EndRect = 0;
     int X = 0, Y = 0;            ///< device place of the pictures
     TRect Box;                   ///< their pixels within the clip
+    bool Clears = false;         ///< what lies under the pictures in Box is the colour to clear with
     std::vector<TReach> Reached; ///< one a row of Box
 };
 
@@ -112,9 +113,14 @@ struct TRasterState {
     /// Begins a drawing between two pictures; false where that has to be done the long way.
     bool BeginBetween(const TLayerPair& layers, int x, int y);
     bool EndBetween(const TLayerPair& layers);
+    /// Sets the target's pixels to a premultiplied colour, as late as can be.
+    void ClearOnDemand(std::uint32_t pixel);
     /// Called before pixels of the surface in force change.
     void AboutToChange(int y, int left, int right) {
-        if (Between.Layers && Between.Depth == Surfaces.Depth()) Reach(y, left, right);
+        if (Between.Layers && Between.Depth == Surfaces.Depth())
+            Reach(y, left, right);
+        else if (FUncleared > 0 && Surfaces.Depth() == 1)
+            ClearRest();
     }
 
     /// Paints the coverage's shape.
@@ -139,6 +145,10 @@ private:
     void AddToClip(TCoverageMap& map, TFillRule rule);
     void Forget(TSurface& layer);
     void Reach(int y, int left, int right);
+    void LayUnder(std::uint32_t* at, const TPixels& picture, int y, int first, int end) const;
+    void LayBoth(std::uint32_t* at, int y, int first, int end) const;
+    void ClearRest();
+    bool TakeUncleared(const TRect& box);
     void Shrink();
 
     /// Counts memory that a layer or clip takes. Those that follow each other count twice, which is on the
@@ -149,6 +159,9 @@ private:
     }
     std::size_t HeldBytes() const;
 
+    std::uint32_t FClearPixel = 0;
+    std::size_t FUncleared = 0;            ///< how many of the target's rectangles are still to be cleared
+    std::vector<std::uint8_t> FIsUncleared; ///< one a rectangle
     std::size_t FLayerBytes = 0;
     std::size_t FMostUsed = 0;
     int FSpareUses = 0; ///< devices on end that used much less than is held
