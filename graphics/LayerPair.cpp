@@ -84,7 +84,8 @@ void TLayerPair::FindAfterRuns() {
         for (const std::uint32_t* at = row; (at = std::find_if(at, end, isUsed)) < end;) {
             const std::uint32_t* const last = std::find(at, end, 0u);
             const int first = static_cast<int>(at - row);
-            const bool isNear = FAfterRuns.size() > FFirstRun.back() && first - FAfterRuns.back().End < leastGap;
+            const bool isNear =
+                FAfterRuns.size() > FFirstRun.back() && first - FAfterRuns.back().End < leastGap;
             if (!isNear) FAfterRuns.push_back({first, first});
             FAfterRuns.back().End = static_cast<int>(last - row);
             at = last;

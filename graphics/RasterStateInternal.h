@@ -160,7 +160,7 @@ private:
     std::size_t HeldBytes() const;
 
     std::uint32_t FClearPixel = 0;
-    std::size_t FUncleared = 0;            ///< how many of the target's rectangles are still to be cleared
+    std::size_t FUncleared = 0;             ///< how many of the target's rectangles are still to be cleared
     std::vector<std::uint8_t> FIsUncleared; ///< one a rectangle
     std::size_t FLayerBytes = 0;
     std::size_t FMostUsed = 0;

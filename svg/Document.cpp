@@ -193,6 +193,7 @@ void TSVGDocument::Unregister(std::span<const std::unique_ptr<TSVGElement>> root
 }
 
 void TSVGDocument::Notify(const TSVGChange& change) {
+    ++FChangeCount;
     if (change.Kind != TSVGChangeKind::Place) ++FEpoch;
     if (FUpdateCount > 0) {
         FPending = true;

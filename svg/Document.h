@@ -119,6 +119,8 @@ public:
 
     /// Grows with every change that is not only one of place.
     std::uint64_t GetEpoch() const { return FEpoch; }
+    /// Grows with every change.
+    std::uint64_t GetChangeCount() const { return FChangeCount; }
 
 private:
     friend class TSVGElement;
@@ -146,6 +148,7 @@ private:
     bool FPending = false;
     TSVGChange FPendingChange{};
     std::uint64_t FEpoch = 1;
+    std::uint64_t FChangeCount = 1;
     mutable std::vector<const TSVGElement*> FBlending; ///< of the epoch FBlendingEpoch
     mutable std::uint64_t FBlendingEpoch = 0;
     TSVGPreserveAspectRatio FPlacement;

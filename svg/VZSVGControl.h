@@ -4,6 +4,7 @@
 #include "controls/GraphicObject.h"
 #include "graphics/Transform.h"
 #include "svg/Document.h"
+#include "svg/KeptLayers.h"
 
 #include <functional>
 #include <iosfwd>
@@ -98,8 +99,8 @@ public:
     void MarkBuffersStale() { FBuffersStale = true; }
     bool AreBuffersStale() const { return FBuffersStale; }
     /// What is drawn before and after the active element, as of the last rebuild; null before the first.
-    const TVZGPBitmap* GetBeforeBuffer() const { return FBeforeBuffer.get(); }
-    const TVZGPBitmap* GetAfterBuffer() const { return FAfterBuffer.get(); }
+    const TVZGPBitmap* GetBeforeBuffer() const { return FLayers ? &FLayers->Before : nullptr; }
+    const TVZGPBitmap* GetAfterBuffer() const { return FLayers ? &FLayers->After : nullptr; }
 
     // Steps.
 
@@ -162,6 +163,7 @@ private:
                         const TRect& elementBox);
     void PaintElementStretched(TVZGPCanvas& canvas, const TRectF& rect, const TRect& elementBox);
     TRect ElementPixels(const TAffine& total) const;
+    TRect FindElementPixels(const TAffine& total) const;
     TRect ToControl(const TRect& devicePixels) const;
     bool OnlyElementChanged(TAffine& total) const;
 
@@ -169,8 +171,6 @@ private:
     mutable TSVGGraphicElement* FActiveSVGElement = nullptr;
     bool FBuffered = true;
     mutable bool FBuffersStale = true;
-    std::unique_ptr<TVZGPBitmap> FAfterBuffer;
-    std::unique_ptr<TVZGPBitmap> FBeforeBuffer;
     bool FStretch = false;
     std::unique_ptr<TVZTransform> FTransform;
     float FOpacity = 1;
@@ -180,9 +180,17 @@ private:
     mutable std::uint64_t FCheckedEpoch = 0;
     TAffine FSurface; ///< control pixels -> device pixels of the last painting, without the transform
     TCachePlan FPlan; ///< of the caches as they are
-    TLayerPair FLayers;                          ///< the caches as they are
+    std::shared_ptr<TKeptLayers> FLayers;        ///< the caches as they are
     std::unique_ptr<TVZGPBitmap> FElementBuffer; ///< the active element in the caches' size
     TRect FElementUsed;                          ///< the pixels of that which are not transparent
+    /// Where the active element lay when it was looked for last, which a frame does twice.
+    struct TElementPlace {
+        const TSVGGraphicElement* Element = nullptr;
+        std::uint64_t ChangeCount = 0; ///< of the document
+        TAffine Total;                 ///< natural picture -> device pixels
+        TRect Box;                     ///< device pixels
+    };
+    mutable TElementPlace FElementPlace;
     TPainted FPainted;
     unsigned FCacheCount = 0;      ///< how often the caches were rebuilt
     bool FIsWholeReported = false; ///< all of the control was reported as stale since the last painting

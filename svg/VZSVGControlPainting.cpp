@@ -161,14 +161,14 @@ void TVZSVGControl::UpdateBuffers() {
     if (!active || !FBuffersStale) return;
     FPlan = MakePlan(FSurface);
     if (!CanCache(FPlan)) return;
-    const auto rebuild = [&](std::unique_ptr<TVZGPBitmap>& cache, auto draw) {
-        if (!cache) cache = std::make_unique<TVZGPBitmap>();
-        cache->SetSize(FPlan.Width, FPlan.Height);
-        (FSVG.get()->*draw)(cache->GetCanvas(), FPlan.ToCache, *active);
-        return cache->GetPixels();
+    FLayers = TKeptLayers::Renew(std::move(FLayers));
+    const auto rebuild = [&](TVZGPBitmap& cache, auto draw) {
+        cache.SetSize(FPlan.Width, FPlan.Height);
+        (FSVG.get()->*draw)(cache.GetCanvas(), FPlan.ToCache, *active);
     };
-    const TPixels before = rebuild(FBeforeBuffer, &TSVGDocument::DrawBefore);
-    FLayers.Set(before, rebuild(FAfterBuffer, &TSVGDocument::DrawAfter));
+    rebuild(FLayers->Before, &TSVGDocument::DrawBefore);
+    rebuild(FLayers->After, &TSVGDocument::DrawAfter);
+    FLayers = TKeptLayers::Share(std::move(FLayers));
     FBuffersStale = false;
     ++FCacheCount;
 }
@@ -248,26 +248,26 @@ void TVZSVGControl::PaintExact(TVZGPCanvas& canvas, const TAffine& matrix, const
     const int x = FPlan.Box.Left;
     const int y = FPlan.Box.Top;
     if (FOpacity == 1) {
-        device.BeginBetween(FLayers, x, y);
+        device.BeginBetween(FLayers->GetPair(), x, y);
         drawElement();
-        device.EndBetween(FLayers, x, y);
+        device.EndBetween(FLayers->GetPair(), x, y);
         return;
     }
-    LayDown(device, *FBeforeBuffer, FLayers.BeforeUsed(), x, y, FOpacity);
+    LayDown(device, FLayers->Before, FLayers->GetPair().BeforeUsed(), x, y, FOpacity);
     drawElement();
-    LayDown(device, *FAfterBuffer, FLayers.AfterUsed(), x, y, FOpacity);
+    LayDown(device, FLayers->After, FLayers->GetPair().AfterUsed(), x, y, FOpacity);
 }
 
 void TVZSVGControl::PaintStretched(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect,
                                    const TRect& elementBox) {
     constexpr int HighQualityBicubic = 7;
     if (FQuality > 1) canvas.SetInterpolationMode(HighQualityBicubic);
-    if (!FLayers.BeforeUsed().IsEmpty()) canvas.DrawImage(*FBeforeBuffer, rect, FOpacity);
+    if (!FLayers->GetPair().BeforeUsed().IsEmpty()) canvas.DrawImage(FLayers->Before, rect, FOpacity);
     if (FOpacity < 1 || FQuality > 1)
         PaintElementStretched(canvas, rect, elementBox);
     else
         FSVG->DrawElement(canvas, matrix, *FActiveSVGElement);
-    if (!FLayers.AfterUsed().IsEmpty()) canvas.DrawImage(*FAfterBuffer, rect, FOpacity);
+    if (!FLayers->GetPair().AfterUsed().IsEmpty()) canvas.DrawImage(FLayers->After, rect, FOpacity);
 }
 
 /// Draws the element in the caches' size first. That bitmap is kept for the next time.
@@ -291,6 +291,16 @@ void TVZSVGControl::PaintElementStretched(TVZGPCanvas& canvas, const TRectF& rec
 /// The device pixels that the active element can touch on the surface that was painted last. `total` maps the
 /// natural picture.
 TRect TVZSVGControl::ElementPixels(const TAffine& total) const {
+    if (!FPlan.IsExact) return FindElementPixels(total);
+    TElementPlace& last = FElementPlace;
+    const std::uint64_t changes = FSVG->GetChangeCount();
+    const bool isKnown =
+        last.Element == FActiveSVGElement && last.ChangeCount == changes && IsNear(total, last.Total);
+    if (!isKnown) last = {FActiveSVGElement, changes, total, FindElementPixels(total)};
+    return last.Box;
+}
+
+TRect TVZSVGControl::FindElementPixels(const TAffine& total) const {
     TRectD box = FSVG->GetDrawBounds(total, *FActiveSVGElement);
     if (!FPlan.IsExact) {
         // Drawn through a bitmap an element reaches as far as the filter carries its outermost pixels.

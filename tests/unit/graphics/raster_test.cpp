@@ -570,6 +570,87 @@ TEST(Raster, ADrawingBetweenPicturesEqualsAllThreeInTurn) {
     }
 }
 
+TEST(Raster, ClearingOnDemandEqualsClearingAtOnce) {
+    constexpr int size = 70;
+    std::mt19937 random(11);
+    const auto number = [&random](int low, int high) {
+        return std::uniform_int_distribution(low, high)(random);
+    };
+    constexpr TVZGPColor colors[] = {0, 0, 0xFF405060, 0x80FF8000};
+    TFigures box;
+    box.AddRect(10, 12, 45, 48);
+    for (unsigned seed = 4000; seed < 4300; ++seed) {
+        TBitmap before(size, size);
+        TScene(seed).Paint(*std::make_unique<TRasterDevice>(before.Pixels));
+        TBitmap after(size, size);
+        if (seed % 4) TScene(seed + 1).Paint(*std::make_unique<TRasterDevice>(after.Pixels));
+        TLayerPair layers;
+        layers.Set(before.Pixels, after.Pixels);
+        const TRegion region = RandomRegion(random, size);
+        const TVZGPColor color = colors[number(0, 3)];
+        const int steps = number(0, 15);
+        const int places[] = {number(-20, 20), number(-20, 20), number(-60, 60), number(-60, 60)};
+        const auto paint = [&](TRasterDevice& device) {
+            if (steps == 15) return; // nothing is drawn at all
+            if (steps & 8) TScene(seed + 3).Paint(device);
+            TClipShape clip;
+            clip.Shape.Figures = &box;
+            if (steps & 4) device.PushClip({&clip, 1});
+            for (int i = 0; i <= (steps & 1); ++i) {
+                device.BeginBetween(layers, places[2 * i], places[2 * i + 1]);
+                TScene(seed + 2).Paint(device);
+                device.EndBetween(layers, places[2 * i], places[2 * i + 1]);
+            }
+            if (steps & 4) device.PopClip();
+            if (steps & 2) TScene(seed + 4).Paint(device);
+        };
+        TBitmap atOnce(size, size, 0xFF112233);
+        {
+            TRasterDevice device(atOnce.Pixels, region);
+            device.Clear(color);
+            paint(device);
+        }
+        TBitmap onDemand(size, size, 0xFF112233);
+        {
+            TRasterDevice device(onDemand.Pixels, region);
+            device.ClearOnDemand(color);
+            paint(device);
+        }
+        ASSERT_EQ(onDemand.Store, atOnce.Store) << "scene " << seed << ", steps " << steps;
+    }
+}
+
+TEST(Raster, ADrawingThatIsGivenUpLeavesNoPixelUncleared) {
+    TBitmap picture(8, 8, 0xFFABCDEF);
+    TBitmap before(8, 8, 0xFF00FF00);
+    TBitmap after(8, 8);
+    TLayerPair layers;
+    layers.Set(before.Pixels, after.Pixels);
+    {
+        TRasterDevice device(picture.Pixels);
+        device.ClearOnDemand(0xFF000080);
+        device.BeginBetween(layers, 0, 0);
+    }
+    EXPECT_EQ(picture.Store, std::vector<std::uint32_t>(64, 0xFF000080));
+}
+
+TEST(LayerPair, KnowsTheUsedRunsOfTheUpperPictureButForShortGaps) {
+    TBitmap before(100, 3);
+    TBitmap after(100, 3);
+    for (const int x : {3, 4, 20, 60, 99})
+        after.Pixels.Row(1)[x] = 0x80808080;
+    TLayerPair layers;
+    layers.Set(before.Pixels, after.Pixels);
+    EXPECT_TRUE(layers.AfterRuns(0).empty());
+    ASSERT_EQ(layers.AfterRuns(1).size(), 3u);
+    const int runs[][2] = {{3, 21}, {60, 61}, {99, 100}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(layers.AfterRuns(1)[i].First, runs[i][0]);
+        EXPECT_EQ(layers.AfterRuns(1)[i].End, runs[i][1]);
+    }
+    EXPECT_TRUE(layers.AfterRuns(2).empty());
+}
+
 TEST(Raster, EveryPixelStaysPremultiplied) {
     constexpr int size = 70;
     for (unsigned seed = 2000; seed < 2100; ++seed) {

@@ -385,6 +385,46 @@ TEST(SVGControl, UpdateBuffersNeedsAnActiveElementAndTheStaleMark) {
     EXPECT_NE(CopyOf(*scene.Control->GetBeforeBuffer()), before);
 }
 
+TEST(SVGControl, EqualPicturesAreKeptOnce) {
+    TScene scenes[3];
+    for (TScene& scene : scenes)
+        scene.Activate("NeedleGroup");
+    scenes[2].Get("Face").SetVisible(false);
+    for (TScene& scene : scenes)
+        scene.Control->UpdateBuffers();
+    const auto* const before = scenes[0].Control->GetBeforeBuffer();
+    ASSERT_NE(before, nullptr);
+    EXPECT_EQ(scenes[1].Control->GetBeforeBuffer(), before);
+    EXPECT_NE(scenes[2].Control->GetBeforeBuffer(), before);
+    // What one of them draws anew is its own; the other's stays.
+    const auto pixels = CopyOf(*before);
+    scenes[0].Get("Face").SetVisible(false);
+    scenes[0].Control->MarkBuffersStale();
+    scenes[0].Control->UpdateBuffers();
+    EXPECT_EQ(scenes[1].Control->GetBeforeBuffer(), before);
+    EXPECT_EQ(CopyOf(*before), pixels);
+    EXPECT_EQ(scenes[0].Control->GetBeforeBuffer(), scenes[2].Control->GetBeforeBuffer());
+    // And back.
+    scenes[0].Get("Face").SetVisible(true);
+    scenes[0].Control->MarkBuffersStale();
+    scenes[0].Control->UpdateBuffers();
+    EXPECT_EQ(scenes[0].Control->GetBeforeBuffer(), before);
+}
+
+TEST(SVGControl, PicturesDrawnAnewInPlaceAreFoundAsTheyAre) {
+    TScene first;
+    TScene second;
+    first.Activate("NeedleGroup");
+    second.Activate("NeedleGroup");
+    first.Control->UpdateBuffers();
+    first.Get("Face").SetVisible(false);
+    first.Control->MarkBuffersStale();
+    first.Control->UpdateBuffers();
+    second.Control->UpdateBuffers();
+    EXPECT_NE(second.Control->GetBeforeBuffer(), first.Control->GetBeforeBuffer());
+    EXPECT_NE(CopyOf(*second.Control->GetBeforeBuffer()), CopyOf(*first.Control->GetBeforeBuffer()));
+}
+
 TEST(SVGControl, CachesHoldWhatIsBeforeAndWhatIsAfter) {
     TScene scene;
     scene.Activate("NeedleGroup");
