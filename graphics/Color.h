@@ -1,5 +1,7 @@
 #pragma once
 
+#include "runtime/Rounding.h"
+
 #include <cstdint>
 
 namespace Vz {
@@ -21,6 +23,13 @@ constexpr TVZGPColor MakeColor(unsigned alpha, unsigned red, unsigned green, uns
 /// The colour with another alpha, 0..255.
 constexpr TVZGPColor WithAlpha(TVZGPColor color, unsigned alpha) {
     return (color & 0x00FFFFFFu) | (alpha & 255u) << 24;
+}
+
+/// The colour with its alpha multiplied by an opacity, clamped to 0..1 (not-a-number counts as 0); rounded to
+/// nearest, a half to the even number.
+inline TVZGPColor Faded(TVZGPColor color, double opacity) {
+    opacity = opacity > 0 ? opacity < 1 ? opacity : 1 : 0;
+    return WithAlpha(color, static_cast<unsigned>(RoundHalfEven(AlphaOf(color) * opacity)));
 }
 
 /// The colour with its channels multiplied by its alpha, each rounded to nearest: the form pixels have.

@@ -8,7 +8,7 @@
 
 namespace Vz {
 
-/// A transform that an owner applies to its picture: a matrix, published by its parts.
+/// A transform that an owner applies to its picture: a matrix, published as its text.
 class TVZTransform : public TPersistent {
 public:
     const TMatrix& GetMatrix() const { return FMatrix; }

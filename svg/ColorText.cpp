@@ -199,7 +199,7 @@ std::optional<TVZGPColor> HexColor(std::string_view digits) {
 
 /// A value of 0..1 as a byte.
 unsigned ByteOf(double share) {
-    return static_cast<unsigned>(std::lround(std::clamp(share, 0.0, 1.0) * 255));
+    return static_cast<unsigned>(RoundHalfEven(std::clamp(share, 0.0, 1.0) * 255));
 }
 
 /// A number, divided by whole, or a percentage, as a share of one.

@@ -277,9 +277,7 @@ TVZGPColor TSVGBrush::GetColor() const {
     const TVZGPColor color =
         value.Kind == TStyleValue::TKind::CurrentColor ? FElement->GetComputedStyle().Color : value.Color;
     const TStyleValue* const opacity = FElement->FindInherited(FOpacity);
-    if (!opacity) return color;
-    return WithAlpha(
-        color, static_cast<unsigned>(std::lround(AlphaOf(color) * std::clamp(opacity->Number, 0.0, 1.0))));
+    return opacity ? Faded(color, opacity->Number) : color;
 }
 
 void TSVGBrush::SetColor(TVZGPColor color) {
@@ -342,6 +340,16 @@ void TSVGGraphicElement::PutStyle(TSVGStyleProperty property, TStyleValue value)
                                             : static_cast<float>(value.Number));
     } else {
         TSVGElement::PutStyle(property, std::move(value));
+    }
+}
+
+void TSVGGraphicElement::SetSet(TSVGStyleProperty property, bool included) {
+    if (property == TSVGStyleProperty::Display) {
+        if (!included) SetVisible(true);
+    } else if (property == TSVGStyleProperty::Opacity) {
+        if (!included) SetOpacity(1);
+    } else {
+        TSVGElement::SetSet(property, included);
     }
 }
 

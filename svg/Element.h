@@ -123,7 +123,7 @@ public:
     virtual void PutStyle(TSVGStyleProperty property, TStyleValue value);
     /// Includes or excludes one style property from what the element sets itself. Excluded it is inherited or
     /// initial until it is set again; including one that is not there takes the computed value over.
-    void SetSet(TSVGStyleProperty property, bool included);
+    virtual void SetSet(TSVGStyleProperty property, bool included);
     /// Replaces the whole set.
     void SetValue(const TSVGStyleSet& set);
 
@@ -226,6 +226,8 @@ public:
     const TAffine& GetTransform() const { return FTransform; }
     void SetTransform(const TAffine& transform);
     void PutStyle(TSVGStyleProperty property, TStyleValue value) override;
+    /// Display and opacity are always the element's own: excluded they are initial (shown, opaque).
+    void SetSet(TSVGStyleProperty property, bool included) override;
 
     TSVGBrush GetBrush() { return {*this, TSVGStyleProperty::Fill, TSVGStyleProperty::FillOpacity}; }
     TSVGPen GetPen() { return TSVGPen{*this}; }

@@ -9,11 +9,6 @@ namespace Vz {
 
 namespace {
 
-TVZGPColor Faded(TVZGPColor color, double opacity) {
-    return WithAlpha(color,
-                     static_cast<unsigned>(std::lround(AlphaOf(color) * std::clamp(opacity, 0.0, 1.0))));
-}
-
 TPaint SolidPaint(TVZGPColor color) {
     TPaint paint;
     paint.Color = color;

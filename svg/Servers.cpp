@@ -112,11 +112,6 @@ std::string IdOf(std::string_view href) {
     return std::string(href.starts_with('#') ? href.substr(1) : std::string_view());
 }
 
-TVZGPColor Faded(TVZGPColor color, double opacity) {
-    return WithAlpha(color,
-                     static_cast<unsigned>(std::lround(AlphaOf(color) * std::clamp(opacity, 0.0, 1.0))));
-}
-
 bool IsStop(const std::unique_ptr<TSVGElement>& child) { return child->GetTag() == TSVGTag::Stop; }
 
 /// Finds the first in a chain of templates for which `get` gives something.

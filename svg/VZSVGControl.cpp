@@ -118,7 +118,7 @@ void TVZSVGControl::SetQuality(int value) {
 
 void TVZSVGControl::SetOpacity(float value) {
     // Compared before it is clamped: so 1.5 invalidates each time. Kept.
-    if (value == FOpacity || !std::isfinite(value)) return;
+    if (value == FOpacity || std::isnan(value)) return;
     FOpacity = std::clamp(value, 0.0f, 1.0f);
     Invalidate();
 }

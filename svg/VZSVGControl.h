@@ -65,8 +65,8 @@ public:
     /// Oversampling of the caches, 1..8, clamped; default 1. A change marks them stale and invalidates.
     int GetQuality() const { return FQuality; }
     void SetQuality(int value);
-    /// 0 (nothing is painted) .. 1, clamped; default 1. Not-a-number and infinity are ignored. A change, or a
-    /// value outside of the range, invalidates.
+    /// 0 (nothing is painted) .. 1, clamped; default 1. Not-a-number is ignored. A change, or a value outside
+    /// of the range, invalidates.
     float GetOpacity() const override { return FOpacity; }
     void SetOpacity(float value) override;
     bool IsOpacityStored() const { return FOpacity != 1.0f; }

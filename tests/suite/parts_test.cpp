@@ -181,31 +181,60 @@ TEST(Parts, ThroughTwoBitmapsAreTheWholeWithinRounding) {
     });
 }
 
+/// Calls visit for each group that is painted with others as one, so that it cannot be drawn on its own.
+void ForGroupsInLayers(const TSVGDocument& document,
+                       const std::function<void(const TSVGGraphicElement&)>& visit) {
+    const std::function<void(const TSVGElement&)> walk = [&](const TSVGElement& parent) {
+        for (const auto& child : parent.Children()) {
+            const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child.get());
+            if (element && element->GetTag() == TSVGTag::G && !document.CanDrawInParts(*element))
+                visit(*element);
+            walk(*child);
+        }
+    };
+    walk(document);
+}
+
+/// The picture of a control in which the element is active.
+TBitmap Painted(TVZSVGControl& control, THeadlessHost& host, const TSVGGraphicElement& active,
+                bool isBuffered) {
+    control.SetActiveSVGElement(const_cast<TSVGGraphicElement*>(&active));
+    control.SetBuffered(isBuffered);
+    const TVZGPBitmap& shown = host.Paint();
+    TBitmap copy = std::make_unique<TVZGPBitmap>(shown.GetWidth(), shown.GetHeight());
+    for (int y = 0; y < int(shown.GetHeight()); ++y)
+        std::memcpy(copy->GetPixels().Row(y), shown.GetPixels().Row(y), std::size_t(shown.GetWidth()) * 4);
+    return copy;
+}
+
 /// The control with its two caches against the same control without.
 TEST(Control, BufferedIsTheWholeWithinRounding) {
     constexpr int limit = 2;
     int cached = 0;
+    int inLayers = 0;
     ForCases([&](TCase& item, std::vector<std::string>& faults) {
         const auto control = TVZSVGControl::Create();
         control->LoadFromText(item.Document->WriteText());
         control->SetBounds(0, 0, int(item.Width), int(item.Height));
         THeadlessHost host(*control, 1);
         ForPivots(control->GetDocument(), [&](const TSVGGraphicElement& pivot) {
-            control->SetActiveSVGElement(const_cast<TSVGGraphicElement*>(&pivot));
-            control->SetBuffered(false);
-            const TVZGPBitmap& shown = host.Paint();
-            TVZGPBitmap whole(item.Width, item.Height);
-            for (int y = 0; y < int(item.Height); ++y)
-                std::memcpy(whole.GetPixels().Row(y), shown.GetPixels().Row(y), std::size_t(item.Width) * 4);
-            control->SetBuffered(true);
-            const int worst = WorstDifference(whole, host.Paint());
+            const TBitmap whole = Painted(*control, host, pivot, false);
+            const int worst = WorstDifference(*whole, *Painted(*control, host, pivot, true));
             cached += control->GetBeforeBuffer() && !control->AreBuffersStale();
             if (worst > limit)
                 faults.push_back(item.Name + NameOf(pivot) + ": differs by " + std::to_string(worst));
         });
+        ForGroupsInLayers(control->GetDocument(), [&](const TSVGGraphicElement& group) {
+            ++inLayers;
+            const TBitmap whole = Painted(*control, host, group, false);
+            if (const int worst = WorstDifference(*whole, *Painted(*control, host, group, true)))
+                faults.push_back(item.Name + NameOf(group) + ": unbuffered, differs by " +
+                                 std::to_string(worst));
+        });
     });
     EXPECT_GT(cached, 0);
-    std::cout << cached << " elements between caches\n";
+    EXPECT_GT(inLayers, 0);
+    std::cout << cached << " elements between caches, " << inLayers << " groups in layers\n";
 }
 
 TEST(WrittenText, DrawsTheSameAndIsWrittenTheSame) {

@@ -1,8 +1,11 @@
 #include "svg/Element.h"
 
 #include "DocumentScene.h"
+#include "svg/Servers.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace Vz::Test {
 namespace {
@@ -61,6 +64,20 @@ TEST(Brush, SetsItsColorWithAlpha) {
     box.Brush.SetColor(0x0000FF00);
     EXPECT_EQ(box.Brush.GetColor(), 0x0000FF00u);
     EXPECT_EQ(box.Pixel(), 0u);
+}
+
+TEST(Brush, RoundsItsAlphaToTheEvenNumber) {
+    EXPECT_EQ(Faded(0xFF123456, 0.1), 0x1A123456u); // 25.5
+    EXPECT_EQ(Faded(0xFF123456, 0.3), 0x4C123456u); // 76.5
+    EXPECT_EQ(Faded(0x80123456, 7), 0x80123456u);
+    EXPECT_EQ(Faded(0x80123456, -1), 0x00123456u);
+    EXPECT_EQ(Faded(0x80123456, std::nan("")), 0x00123456u);
+    const auto document =
+        LoadContent("<rect id='r' fill='red' fill-opacity='0.3'/><linearGradient><stop id='s' "
+                    "stop-color='red' stop-opacity='0.3'/></linearGradient>");
+    EXPECT_EQ(document->Find<TSVGGraphicElement>("r")->GetBrush().GetColor(), 0x4CFF0000u);
+    EXPECT_EQ(document->Find<TSVGGradientStop>("s")->GetStopBrush().GetColor(), 0x4CFF0000u);
+    EXPECT_EQ(document->Find<TSVGGradientStop>("s")->GetStopColor(), 0x4CFF0000u);
 }
 
 TEST(Brush, ReadsBackEveryAlpha) {
@@ -139,7 +156,9 @@ TEST(Brush, TellsOnlyChanges) {
 TEST(Brush, IsWrittenAndReadBack) {
     TBox box("");
     const auto again = [&] { return LoadText(box.Document->WriteText()); };
-    const auto brush = [](TSVGDocument& document) { return document.Find<TSVGGraphicElement>("r")->GetBrush(); };
+    const auto brush = [](TSVGDocument& document) {
+        return document.Find<TSVGGraphicElement>("r")->GetBrush();
+    };
     box.Brush.SetColor(0x40112233);
     EXPECT_EQ(brush(*again()).GetColor(), 0x40112233u);
     box.Brush.SetURI("g");

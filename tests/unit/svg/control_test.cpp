@@ -119,10 +119,14 @@ TEST(SVGControl, OpacityIsClampedAfterItIsCompared) {
     EXPECT_EQ(scene.Control->GetOpacity(), 0.0f);
     EXPECT_EQ(count.Take(), 1);
     EXPECT_FALSE(scene.Control->AreBuffersStale());
-    for (const float bad : {NotANumber, Infinite, -Infinite})
-        scene.Control->SetOpacity(bad);
+    scene.Control->SetOpacity(NotANumber);
     EXPECT_EQ(scene.Control->GetOpacity(), 0.0f);
     EXPECT_EQ(count.Take(), 0);
+    scene.Control->SetOpacity(Infinite);
+    EXPECT_EQ(scene.Control->GetOpacity(), 1.0f);
+    scene.Control->SetOpacity(-Infinite);
+    EXPECT_EQ(scene.Control->GetOpacity(), 0.0f);
+    EXPECT_EQ(count.Take(), 2);
 }
 
 TEST(SVGControl, OpacityZeroPaintsNothing) {

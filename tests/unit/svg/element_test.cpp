@@ -389,6 +389,22 @@ TEST(Style, SetThatHidesOrFadesDoesSo) {
     EXPECT_NO_THROW(LoadText(document->WriteText())) << "no attribute is written twice";
 }
 
+TEST(Style, DisplayAndOpacityAreTheElementsOwnUntilExcluded) {
+    const auto document = Nested();
+    auto* const box = document->Find<TSVGGraphicElement>("box");
+    box->SetVisible(false);
+    box->SetOpacity(0.25f);
+    for (const P property : {P::Display, P::Opacity})
+        box->SetSet(property, true);
+    EXPECT_FALSE(box->GetVisible());
+    EXPECT_EQ(box->GetOpacity(), 0.25f);
+    box->SetSet(P::Opacity, false);
+    EXPECT_FALSE(box->GetVisible());
+    EXPECT_EQ(box->GetOpacity(), 1.0f);
+    box->SetSet(P::Display, false);
+    EXPECT_TRUE(box->GetVisible());
+}
+
 TEST(Style, OwnWinsOverClassAndParent) {
     const auto document = LoadContent("<style>.c{fill:lime}</style><g fill='red'>"
                                       "<rect id='r' class='c' width='50' height='50'/></g>");
