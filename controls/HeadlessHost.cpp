@@ -3,10 +3,10 @@
 #include "graphics/Canvas.h"
 #include "graphics/RasterDevice.h"
 #include "runtime/Exceptions.h"
+#include "runtime/PropText.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 namespace Vz {
 
@@ -14,14 +14,16 @@ namespace {
 
 double Checked(double scale) {
     if (!(scale > 0 && scale <= THeadlessHost::MaxScale))
-        throw EArgumentOutOfRange("the scale " + std::to_string(scale) + " is not above 0 up to 64");
+        throw EArgumentOutOfRange("the scale " + FloatToText(scale) + " is not above 0 up to " +
+                                  FloatToText(THeadlessHost::MaxScale));
     return scale;
 }
 
+/// The pixels that an extent takes; what is there takes one at least.
 unsigned DeviceExtent(int extent, double scale) {
-    const double pixels = std::ceil(extent * scale - 1e-6);
+    const double pixels = std::max(std::ceil(extent * scale - 1e-6), extent > 0 ? 1.0 : 0.0);
     if (pixels > TVZGPBitmap::MaxExtent)
-        throw EArgumentOutOfRange("a picture of " + std::to_string(pixels) + " pixels is too large");
+        throw EArgumentOutOfRange("a picture of " + FloatToText(pixels) + " pixels is too large");
     return static_cast<unsigned>(pixels);
 }
 

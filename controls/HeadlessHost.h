@@ -11,7 +11,7 @@ namespace Vz {
 class THeadlessHost : public IControlHost {
 public:
     /// The largest scale.
-    static constexpr double MaxScale = 64;
+    static constexpr double MaxScale = 1024;
 
     /// Shows a root control for as long as both live. `scale`: device pixels a control pixel, above 0 up to
     /// MaxScale; else EArgumentOutOfRange. All is stale at first.

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
+#include <istream>
 #include <iterator>
 
 namespace Vz {
@@ -57,9 +57,7 @@ void TSVGDocument::LoadFromStream(std::istream& stream, std::string_view source)
 }
 
 void TSVGDocument::LoadFromFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw EReadError("cannot be opened", {path});
-    LoadFromStream(file, path);
+    LoadFromText(ReadWholeFile(path, MaxTextSize), path);
 }
 
 void TSVGDocument::TakeContent(TSVGDocument& other) {

@@ -349,11 +349,24 @@ TEST_F(ControlTest, StalePaintingTouchesTheRegionOnly) {
 
 TEST_F(ControlTest, HostRefusesScalesThatAreNone) {
     for (const double scale :
-         {0.0, -1.0, 65.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+         {0.0, -1.0, 1025.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
         EXPECT_THROW(Host.SetScale(scale), EArgumentOutOfRange) << scale;
     EXPECT_EQ(Host.GetScale(), 1);
+    try {
+        Host.SetScale(2000.5);
+    } catch (const EArgumentOutOfRange& error) {
+        EXPECT_STREQ(error.what(), "the scale 2000.5 is not above 0 up to 1024");
+    }
     Form->SetWidth(TControl::MaxExtent);
     EXPECT_THROW(Host.Paint(), EArgumentOutOfRange);
+}
+
+TEST_F(ControlTest, WhatHasAnExtentTakesAPixelAtLeast) {
+    Host.SetScale(1e-9);
+    EXPECT_EQ(Host.Paint().GetWidth(), 1u);
+    EXPECT_EQ(Host.GetPicture().GetHeight(), 1u);
+    Form->SetWidth(0);
+    EXPECT_EQ(Host.Paint().GetWidth(), 0u);
 }
 
 TEST(ClipScope, TouchedPixelsIgnoreTheNoiseOfSinglePrecision) {

@@ -23,6 +23,11 @@ TEST_F(TErrorTest, MissingFiles) {
     EXPECT_THAT(Complaint({"get", "missing.svg"}), HasSubstr("missing.svg"));
     EXPECT_THAT(Complaint({"get", "missing.form"}), HasSubstr("missing.form"));
     EXPECT_THAT(Complaint({"get", "missing.form#A"}), HasSubstr("missing.form"));
+    for (const std::string ending : {".svg", ".form"}) {
+        EXPECT_THAT(Complaint({"get", "missing" + ending}), HasSubstr(": cannot be read: No such file"));
+        std::filesystem::create_directory(Folder() / ("folder" + ending));
+        EXPECT_THAT(Complaint({"get", "folder" + ending}), HasSubstr("cannot be read: Is a directory"));
+    }
 }
 
 TEST_F(TErrorTest, BrokenSvgIsNamedWithItsPlace) {

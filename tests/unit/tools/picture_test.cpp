@@ -80,6 +80,16 @@ TEST_F(TPictureTest, HiddenControlPaintsNothing) {
     EXPECT_EQ(PixelOf("box.png", 20, 10), 0u);
 }
 
+TEST_F(TPictureTest, ScalesFarFromOneAreDrawn) {
+    Output({"render", "box.svg", "--scale", "1e-9", "-o", "box.png"});
+    ExpectSize("box.png", 1, 1);
+    Output({"render", "box.svg", "--scale", "100", "-o", "box.png"});
+    ExpectSize("box.png", 4000, 2000);
+    EXPECT_THAT(Complaint({"render", "box.svg", "--size", "1x1", "--scale", "2000", "-o", "other.png"}),
+                HasSubstr("the scale 2000 is not"));
+    EXPECT_FALSE(Exists("other.png"));
+}
+
 TEST_F(TPictureTest, UnfitSizesAreRefused) {
     EXPECT_THAT(Complaint({"render", "box.svg", "--set", "Width=0", "-o", "box.png"}),
                 HasSubstr("0 x 20 pixels"));
