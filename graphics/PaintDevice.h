@@ -5,7 +5,6 @@
 #include "graphics/Figures.h"
 #include "graphics/LayerPair.h"
 
-#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -75,8 +74,6 @@ struct TLayerStyle {
     TBlendMode Blend = TBlendMode::Normal;
     /// Device pixels that the layer is limited to; null: no limit but the clip in force.
     const TRect* Bounds = nullptr;
-    /// Changes the layer's finished pixels before they are laid down; `origin` is the device position of pixel (0, 0).
-    std::function<void(const TPixels& pixels, TPointD origin)> Effect;
 };
 
 /// One shape of a clip.

@@ -157,4 +157,19 @@ TPointD TPathRuler::DirectionAt(const TStretch& stretch, double t) const {
     return norm > 0 ? (1 / norm) * speed : TPointD{1, 0};
 }
 
+void ArcDirections(TPointD from, const double* numbers, TPointD& leaving, TPointD& arriving) {
+    TArcCurve arc;
+    if (!ToArcCurve(from, numbers, arc)) {
+        leaving = arriving = {numbers[5] - from.X, numbers[6] - from.Y};
+        return;
+    }
+    const auto direction = [&](double t) {
+        const double c = std::cos(t) * arc.Sweep;
+        const double s = std::sin(t) * arc.Sweep;
+        return TPointD{arc.V.X * c - arc.U.X * s, arc.V.Y * c - arc.U.Y * s};
+    };
+    leaving = direction(arc.Start);
+    arriving = direction(arc.Start + arc.Sweep);
+}
+
 } // namespace Vz

@@ -59,4 +59,8 @@ private:
     bool FClosed = false;
 };
 
+/// The directions (not of unit length) in which an Arc step that starts at `from` leaves there and arrives at
+/// its end. `numbers` are the step's seven. An arc that is a straight line gives that line's direction.
+void ArcDirections(TPointD from, const double* numbers, TPointD& leaving, TPointD& arriving);
+
 } // namespace Vz

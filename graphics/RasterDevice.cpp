@@ -6,16 +6,6 @@
 
 namespace Vz {
 
-namespace {
-
-/// A layer with an effect holds all of its bounds, for an effect may carry pixels over the edge of what is
-/// repainted; but not beyond a target's width and height around the target.
-TRect EffectBox(const TRect& bounds, const TRect& target) {
-    return Intersection(bounds, {-target.Right, -target.Bottom, 2 * target.Right, 2 * target.Bottom});
-}
-
-} // namespace
-
 void TRasterDevice::TGiveBack::operator()(TRasterState* state) const { TRasterState::GiveBack(state); }
 
 TRasterDevice::TRasterDevice(const TPixels& target)
@@ -68,29 +58,18 @@ void TRasterDevice::PushClip(std::span<const TClipShape> shapes) { FState->PushC
 void TRasterDevice::PopClip() { FState->PopClip(); }
 
 void TRasterDevice::PushLayer(const TLayerStyle& style) {
-    const bool whole = style.Effect && style.Bounds;
     TRect box = FState->ActiveBox();
-    if (style.Bounds)
-        box = whole ? EffectBox(*style.Bounds, FState->Target) : Intersection(box, *style.Bounds);
-    TSurface& layer = FState->PushSurface(box, whole);
+    if (style.Bounds) box = Intersection(box, *style.Bounds);
+    TSurface& layer = FState->PushSurface(box);
     layer.Opacity = OpacityByte(style.Opacity);
     layer.Blend = style.Blend;
-    layer.Effect = style.Effect;
 }
 
 void TRasterDevice::PopLayer() {
-    TSurface& layer = FState->Surface();
-    if (layer.Effect && !layer.Box.IsEmpty()) {
-        layer.Effect(layer.Pixels, {double(layer.Box.Left), double(layer.Box.Top)});
-        layer.Drawn = layer.Box;
-    }
     FState->EndSurface([this](const TSurface& done) { FState->LayDown(done); });
 }
 
-void TRasterDevice::PushMask(TMaskKind kind) {
-    const TSurface& layer = FState->Surface();
-    FState->PushSurface(layer.Box, false).MaskKind = kind;
-}
+void TRasterDevice::PushMask(TMaskKind kind) { FState->PushSurface(FState->Surface().Box).MaskKind = kind; }
 
 void TRasterDevice::PopMask() {
     FState->EndSurface([this](const TSurface& done) { FState->ApplyMask(done); });

@@ -143,7 +143,7 @@ void TRasterState::AddToClip(TCoverageMap& map, TFillRule rule) {
 
 // Surfaces.
 
-TSurface& TRasterState::PushSurface(const TRect& box, bool whole) {
+TSurface& TRasterState::PushSurface(const TRect& box) {
     const TSurface& under = Surface();
     TSurface& layer = Surfaces.Push();
     layer.Box = box;
@@ -155,11 +155,8 @@ TSurface& TRasterState::PushSurface(const TRect& box, bool whole) {
     NoteUse(size * sizeof(std::uint32_t));
     layer.Pixels = {layer.Store.data(), box.Width(), box.Height(), box.Width()};
     layer.Rects.clear();
-    if (whole)
-        layer.Rects.push_back(box);
-    else
-        for (const TRect& rect : under.Rects)
-            if (const TRect part = Intersection(rect, box); !part.IsEmpty()) layer.Rects.push_back(part);
+    for (const TRect& rect : under.Rects)
+        if (const TRect part = Intersection(rect, box); !part.IsEmpty()) layer.Rects.push_back(part);
     PushClipBox(box, nullptr);
     return layer;
 }
@@ -169,7 +166,6 @@ void TRasterState::Forget(TSurface& layer) {
     const TRect& drawn = layer.Drawn;
     for (int y = drawn.Top; y < drawn.Bottom; ++y)
         std::fill_n(layer.At(drawn.Left, y), drawn.Width(), 0u);
-    layer.Effect = nullptr;
 }
 
 /// Lays a layer (taken off the stack, its pixels still there) onto the surface in force.

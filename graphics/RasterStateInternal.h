@@ -61,7 +61,6 @@ struct TSurface {
     std::vector<std::uint32_t> Store;
     unsigned Opacity = 255;
     TBlendMode Blend = TBlendMode::Normal;
-    std::function<void(const TPixels&, TPointD)> Effect;
     TMaskKind MaskKind = TMaskKind::Alpha;
 
     std::uint32_t* At(int x, int y) const { return Pixels.Row(y - Box.Top) + (x - Box.Left); }
@@ -104,7 +103,7 @@ struct TRasterState {
     void PushClipBox(const TRect& box, const TCoverageMap* map);
     void PopClip() { Clips.Pop(); }
     /// Begins a surface that takes up what is drawn from here on; nothing clips it but its box.
-    TSurface& PushSurface(const TRect& box, bool whole);
+    TSurface& PushSurface(const TRect& box);
     /// Ends it: `action` gets it with the surface below in force; then what was drawn is forgotten.
     template <class TAction> void EndSurface(TAction&& action);
     void LayDown(const TSurface& layer);

@@ -18,8 +18,6 @@ namespace {
 /// not more than MaskExtent a side.
 constexpr double MaskScale = 3;
 constexpr double MaskExtent = 4096;
-/// A layer with an effect that has more pixels than this is drawn without it.
-constexpr std::int64_t EffectLimit = std::int64_t{1} << 26;
 
 cairo_status_t AppendBytes(void* text, const unsigned char* data, unsigned length) {
     try {
@@ -39,15 +37,13 @@ struct TEntry {
     TCairoPattern Union;
 };
 
-/// What cairo cannot do is drawn by the raster device on a piece of pixels: a layer with an effect, a
-/// luminance mask.
+/// What cairo cannot do is drawn by the raster device on a piece of pixels: a luminance mask.
 struct TPiece {
     TRect Area;       ///< of the device that this piece is a part of
     double Scale = 1; ///< its pixels for each of the device's
     TVZGPBitmap Bitmap;
     std::optional<TRasterDevice> Device;
-    std::optional<TMaskKind> Mask; ///< none: a layer
-    TLayerStyle Style;
+    TMaskKind Mask = TMaskKind::Luminance;
     int Depth = 0; ///< pushes on it that are not popped yet
 
     TAffine FromDevice() const { return {Scale, 0, 0, Scale, -Area.Left * Scale, -Area.Top * Scale}; }
@@ -59,7 +55,7 @@ TCairoPattern MaskPattern(const TPiece& piece) {
     TCairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, pixels.Width, pixels.Height));
     unsigned char* row = cairo_image_surface_get_data(surface.get());
     for (int y = 0; row != nullptr && y < pixels.Height; ++y) {
-        MaskCoverage(*piece.Mask, pixels.Row(y), pixels.Width, row);
+        MaskCoverage(piece.Mask, pixels.Row(y), pixels.Width, row);
         row += cairo_image_surface_get_stride(surface.get());
     }
     cairo_surface_mark_dirty(surface.get());
@@ -76,7 +72,6 @@ struct TVectorDevice::TState {
     TCairoSurface Surface;
     TCairoContext Context;
     TAffine Base; ///< device pixels -> the surface's units
-    TRect Page;
     bool IsFile = true;
     std::vector<TEntry> Entries;
     std::vector<std::unique_ptr<TPiece>> Pieces;
@@ -86,7 +81,6 @@ struct TVectorDevice::TState {
         Context.reset(cairo_create(Surface.get()));
         const cairo_matrix_t matrix = ToCairo(Base);
         cairo_set_matrix(Context.get(), &matrix);
-        Page = ClipBox();
         if (IsFile) return;
         cairo_set_antialias(Context.get(), CAIRO_ANTIALIAS_BEST);
         cairo_set_tolerance(Context.get(), 0.02);
@@ -114,8 +108,6 @@ struct TVectorDevice::TState {
     void Stroke(const TShape& shape, const TAffine& toDevice);
 
     TRect ClipBox();
-    /// An effect may carry pixels over the edge, but not from farther than a page away.
-    TRect EffectRoom() const { return {-Page.Right, -Page.Bottom, 2 * Page.Right, 2 * Page.Bottom}; }
     void ClipToUnion(std::span<const TClipShape> shapes);
     bool OpenPiece(std::unique_ptr<TPiece> piece, const TRect& area);
     void ApplyMask(cairo_pattern_t* mask);
@@ -268,16 +260,6 @@ void TVectorDevice::PopClip() {
 
 void TVectorDevice::PushLayer(const TLayerStyle& style) {
     if (!FState->Context) return;
-    if (style.Effect) {
-        auto piece = std::make_unique<TPiece>();
-        piece->Style = style;
-        piece->Style.Bounds = nullptr;
-        TRect area = GetClipBounds();
-        if (style.Bounds != nullptr) area = Intersection(*style.Bounds, FState->EffectRoom());
-        if (std::int64_t{area.Width()} * area.Height() <= EffectLimit &&
-            FState->OpenPiece(std::move(piece), area))
-            return;
-    }
     if (TPiece* const piece = FState->Piece()) {
         TLayerStyle mapped = style;
         TRect bounds;
@@ -287,7 +269,6 @@ void TVectorDevice::PushLayer(const TLayerStyle& style) {
                 TRectD{double(b.Left), double(b.Top), double(b.Right), double(b.Bottom)}));
             mapped.Bounds = &bounds;
         }
-        mapped.Effect = nullptr;
         ++piece->Depth;
         return piece->Device->PushLayer(mapped);
     }
@@ -305,17 +286,8 @@ void TVectorDevice::PushLayer(const TLayerStyle& style) {
 void TVectorDevice::PopLayer() {
     if (!FState->Context) return;
     if (TPiece* const piece = FState->Piece()) {
-        if (piece->Depth-- > 0) return piece->Device->PopLayer();
-        piece->Device->PopLayer();
-        const std::unique_ptr<TPiece> done = std::move(FState->Pieces.back());
-        FState->Pieces.pop_back();
-        const TPixels pixels = done->Bitmap.GetPixels();
-        if (done->Area.IsEmpty()) return;
-        const TPointD origin{double(done->Area.Left), double(done->Area.Top)};
-        done->Style.Effect(pixels, origin);
-        PushLayer({done->Style.Opacity, done->Style.Blend, nullptr, nullptr});
-        DrawImage(pixels, TAffine::Translation(origin.X, origin.Y), 1, TInterpolation::Bilinear);
-        return PopLayer();
+        --piece->Depth;
+        return piece->Device->PopLayer();
     }
     const TEntry entry = std::move(FState->Entries.back());
     FState->Entries.pop_back();

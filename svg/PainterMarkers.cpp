@@ -1,4 +1,4 @@
-#include "graphics/PathMeasure.h"
+#include "graphics/PathRuler.h"
 #include "svg/PainterInternal.h"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "graphics/PathMeasure.h"
+#include "graphics/PathRuler.h"
 #include "graphics/RasterDevice.h"
 #include "svg/PainterInternal.h"
 
@@ -122,7 +122,7 @@ TDrawList TSVGPainter::MakeShapeList(const TSVGShape& shape, const TPaintContext
     }
     // Dashes count in the author's path length.
     TComputedStyle scaled = style;
-    const double factor = PathLength(figures) / shape.GetPathLength();
+    const double factor = TPathRuler(figures).GetLength() / shape.GetPathLength();
     auto dashes = std::make_shared<std::vector<double>>(*style.Dashes);
     for (double& dash : *dashes)
         dash *= factor;

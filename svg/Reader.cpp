@@ -272,7 +272,7 @@ TSVGReader::TOpen TSVGReader::OpenChild(std::string_view name, const char** attr
     } else if (auto element = MakeElement(name, *FOpen.back().Element)) {
         open.Element = &FOpen.back().Element->AddChild(std::move(element));
         StartElement(open, name, attributes);
-    } else {
+    } else if (name != "metadata") {
         Note("<" + std::string(name) + "> is skipped");
     }
     return open;

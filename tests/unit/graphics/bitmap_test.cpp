@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -161,6 +162,20 @@ TEST(Png, WhatIsWrittenReadsBack) {
 }
 
 TEST(Png, NothingCannotBeWritten) { EXPECT_THROW(EncodePng({}), EWriteError); }
+
+TEST(Bitmap, ColoursLieInMemoryAsBlueGreenRedAlpha) {
+    const TVZGPColor color = 0xAABBCCDD;
+    EXPECT_EQ(AlphaOf(color), 0xAA);
+    EXPECT_EQ(RedOf(color), 0xBB);
+    EXPECT_EQ(GreenOf(color), 0xCC);
+    EXPECT_EQ(BlueOf(color), 0xDD);
+    EXPECT_EQ(MakeColor(0xAA, 0xBB, 0xCC, 0xDD), color);
+    TVZGPBitmap bitmap(1, 1);
+    bitmap.GetCanvas().Clear(0xFF112233);
+    unsigned char bytes[4];
+    std::memcpy(bytes, bitmap.GetPixels().Row(0), sizeof bytes);
+    EXPECT_EQ(std::vector<int>(bytes, bytes + 4), (std::vector<int>{0x33, 0x22, 0x11, 0xFF}));
+}
 
 TEST(Bitmap, SizesAndPixels) {
     TVZGPBitmap bitmap;

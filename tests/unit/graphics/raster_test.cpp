@@ -295,31 +295,6 @@ TEST(Raster, AMaskIsNotClippedByTheClipInForce) {
     EXPECT_EQ(bitmap.At(3, 0), 0u);
 }
 
-TEST(Raster, RunsALayersEffect) {
-    TBitmap bitmap(6, 6);
-    const TRect bounds{2, 1, 9, 4};
-    TRasterDevice device(bitmap.Pixels, TRegion(TRect{3, 0, 5, 6}));
-    TLayerStyle style;
-    style.Bounds = &bounds;
-    int calls = 0;
-    style.Effect = [&](const TPixels& pixels, TPointD origin) {
-        ++calls;
-        EXPECT_EQ(origin, (TPointD{2, 1}));
-        EXPECT_EQ(pixels.Bounds(), (TRect{0, 0, 7, 3}));
-        EXPECT_EQ(pixels.Row(0)[0], 0xFF0000FFu);
-        for (int y = 0; y < pixels.Height; ++y)
-            std::fill_n(pixels.Row(y), pixels.Width, 0xFFFF0000u);
-    };
-    device.PushLayer(style);
-    Fill(device, Rect(0, 0, 6, 6), Solid(0xFF0000FF));
-    device.PopLayer();
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(bitmap.At(3, 2), 0xFFFF0000u);
-    EXPECT_EQ(bitmap.At(2, 2), 0u);
-    EXPECT_EQ(bitmap.At(3, 0), 0u);
-    EXPECT_EQ(bitmap.At(4, 4), 0u);
-}
-
 TEST(Raster, DevicesNest) {
     TBitmap outer(4, 4);
     TBitmap inner(4, 4);
@@ -418,9 +393,7 @@ private:
         style.Opacity = Number(0, 1) ? 1 : Real(0, 1);
         style.Blend = Number(0, 1) ? TBlendMode::Normal : static_cast<TBlendMode>(Number(0, 15));
         const TRect bounds{Number(-10, 20), Number(-10, 20), Number(30, 90), Number(30, 90)};
-        const bool carries = Number(0, 3) == 0;
-        if (carries || Number(0, 1)) style.Bounds = &bounds;
-        if (carries) style.Effect = &TScene::Smear;
+        if (Number(0, 1)) style.Bounds = &bounds;
         device.PushLayer(style);
         Paint(device, depth + 1);
         if (Number(0, 1)) {
@@ -429,12 +402,6 @@ private:
             device.PopMask();
         }
         device.PopLayer();
-    }
-
-    /// Moves all pixels: what lies outside of a piece that is repainted comes into it.
-    static void Smear(const TPixels& pixels, TPointD) {
-        for (int y = 0; y < pixels.Height; ++y)
-            std::rotate(pixels.Row(y), pixels.Row(y) + pixels.Width / 3, pixels.Row(y) + pixels.Width);
     }
 
     TFigures Figures() {

@@ -258,7 +258,7 @@ TEST(VectorDevice, Layers) {
         ExpectAlike(
             [&](IPaintDevice& device) {
                 Fill(device, "M0 0H60V120H0Z", Solid(0xFF40A060));
-                device.PushLayer({0.75, static_cast<TBlendMode>(mode), &bounds, nullptr});
+                device.PushLayer({0.75, static_cast<TBlendMode>(mode), &bounds});
                 Fill(device, Blob, Solid(0xFFC04020));
                 Fill(device, "M0 50H120V70H0Z", Solid(0xFF3060C0));
                 device.PopLayer();
@@ -286,27 +286,6 @@ TEST(VectorDevice, Masks) {
     }
 }
 
-TEST(VectorDevice, Effects) {
-    const TRect bounds{10, 10, 90, 110};
-    const auto invert = [](const TPixels& pixels, TPointD origin) {
-        EXPECT_EQ(origin, (TPointD{10, 10}));
-        for (int y = 0; y < pixels.Height; ++y)
-            for (int x = 0; x < pixels.Width; ++x)
-                pixels.Row(y)[x] = (pixels.Row(y)[x] & 0xFF000000u) | (pixels.Row(y)[x] >> 8 & 0xFFFFu);
-    };
-    const TFigures clip = Read("M0 0H120V80H0Z");
-    ExpectAlike([&](IPaintDevice& device) {
-        device.PushLayer({0.75, TBlendMode::Multiply, &bounds, invert});
-        Fill(device, Blob, Solid(0xFF3060C0));
-        device.PushClip(std::vector<TClipShape>{{{&clip}, {}}});
-        device.PushLayer(Faint());
-        Fill(device, Everything, Solid(0xFFFF8000));
-        device.PopLayer();
-        device.PopClip();
-        device.PopLayer();
-    });
-}
-
 void DrawAll(IPaintDevice& device) {
     const std::vector<TRampStop> stops{{0, 0xFFFF0000}, {1, 0x000000FF}};
     Fill(device, Blob, Gradient(TPaint::TKind::Linear, stops));
@@ -315,14 +294,11 @@ void DrawAll(IPaintDevice& device) {
     Stroke(device, Blob, style);
     const auto tile = Tile();
     device.DrawImage(tile->GetPixels(), {2, 0, 0, 2, 5, 5}, 0.5, TInterpolation::Bicubic);
-    device.PushLayer({0.5, TBlendMode::Screen, nullptr, nullptr});
+    device.PushLayer({0.5, TBlendMode::Screen, nullptr});
     Fill(device, Blob, Gradient(TPaint::TKind::Radial, stops));
     device.PushMask(TMaskKind::Luminance);
     Fill(device, Blob, Solid(0xFF808080));
     device.PopMask();
-    device.PopLayer();
-    device.PushLayer({1, TBlendMode::Normal, nullptr, [](const TPixels&, TPointD) {}});
-    Fill(device, Blob, Solid(0xFF808080));
     device.PopLayer();
 }
 

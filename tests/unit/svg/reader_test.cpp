@@ -147,6 +147,42 @@ TEST(Reader, KeepsAtMostTwoHundredNotes) {
     EXPECT_EQ(LoadContent(content)->GetDiagnostics().size(), 200u);
 }
 
+/// All that artworks are drawn with is known: nothing of it is passed over.
+TEST(Reader, KnowsEverythingThatArtworksUse) {
+    const auto document = LoadText(R"svg(<?xml version="1.0" encoding="UTF-8"?>
+<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" xmlns:edit="urn:an-editor"
+    width="200" height="100" viewBox="0 0 200 100" preserveAspectRatio="xMidYMid" edit:version="3">
+  <title>All</title>
+  <metadata><edit:page size="4"><any/></edit:page></metadata>
+  <edit:view zoom="2"/>
+  <defs id="defs">
+    <linearGradient id="l" gradientUnits="userSpaceOnUse" gradientTransform="rotate(9)" spreadMethod="reflect"
+        x1="0" y1="1" x2="2" y2="3" edit:collect="always">
+      <stop offset="0" stop-color="#f00" stop-opacity=".5"/><stop offset="1" style="stop-color:#0f0;stop-opacity:1"/>
+    </linearGradient>
+    <radialGradient id="r" xlink:href="#l" gradientUnits="objectBoundingBox" spreadMethod="repeat"
+        cx=".5" cy=".5" r=".5" fx=".4" fy=".4"/>
+    <path id="rail" d="M10 50A40 40 0 0 1 90 50"/>
+  </defs>
+  <g id="g" transform="translate(1 2)" opacity=".9" visibility="visible" display="inline" fill-rule="evenodd">
+    <rect x="1" y="2" width="30" height="20" rx="3" ry="4" fill="url(#l)" stroke="#123" stroke-width="2"
+        stroke-linecap="round" stroke-linejoin="bevel" fill-opacity=".5"/>
+    <circle cx="50" cy="50" r="20" fill="url(#r)"/>
+    <ellipse cx="50" cy="50" rx="20" ry="10" style="fill:#fff;fill-opacity:.2;fill-rule:nonzero;stroke:red;
+        stroke-width:1;stroke-opacity:.4;stroke-linecap:square;stroke-linejoin:miter;opacity:.7;visibility:visible"/>
+    <use xlink:href="#rail" x="3" y="4"/>
+  </g>
+  <text x="5" y="20" font-family="Sans" font-size="12" font-weight="bold" text-anchor="middle" letter-spacing="1"
+      word-spacing="2" xml:space="preserve">a <tspan dy="3" style="font-size:9px;font-family:Sans;font-weight:400;
+      font-variant:normal;text-anchor:start;line-height:125%;letter-spacing:0px;word-spacing:0px">b</tspan></text>
+  <text><textPath xlink:href="#rail" startOffset="10%">along</textPath></text>
+</svg>)svg");
+    for (const TSVGDiagnostic& note : document->GetDiagnostics())
+        ADD_FAILURE() << note.Line << ": " << note.Text;
+    EXPECT_EQ(document->Find<TSVGCustomGradient>("l")->GetStopCount(), 2u);
+    EXPECT_FALSE(Drawn(*document, 200, 100).IsEmpty());
+}
+
 TEST(Reader, IgnoresTitleAndMetadataWhenDrawing) {
     const auto document = LoadContent("<title>A <b>bold</b> name</title><desc>d</desc><metadata><rect width='9' height='9'/></metadata>");
     EXPECT_TRUE(Drawn(*document).IsEmpty());
