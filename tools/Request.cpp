@@ -103,7 +103,10 @@ void TakeEndUpdate(TRequest& request, std::string_view) {
     AddEdit(request, TEditKind::EndUpdate, "--end-update");
 }
 
-void TakeOutput(TRequest& request, std::string_view argument) { request.Output = argument; }
+void TakeOutput(TRequest& request, std::string_view argument) {
+    if (argument.empty()) RaiseMalformed("-o", argument, "a file's name");
+    request.Output = argument;
+}
 
 void TakeSize(TRequest& request, std::string_view argument) {
     std::string_view rest = argument;

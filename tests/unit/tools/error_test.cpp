@@ -128,6 +128,7 @@ INSTANTIATE_TEST_SUITE_P(
         TUsage{{"check", "A", "b.svg", "--set", "C=1"}, "'check' takes no --set"},
         TUsage{{"render", "TVZForm"}, "'render' needs -o FILE"},
         TUsage{{"render", "A", "-o"}, "-o needs FILE"},
+        TUsage{{"form", "A", "-o", ""}, "-o takes a file's name, not ''"},
         TUsage{{"render", "A", "-o", "a.gif"}, "a picture's name ends in .png, .svg or .pdf, unlike 'a.gif'"},
         TUsage{{"render", "A", "-o", "png"}, "a picture's name ends in .png, .svg or .pdf, unlike 'png'"},
         TUsage{{"get", "A", "--set"}, "--set needs NAME=VALUE"},
