@@ -24,8 +24,8 @@ void TVZCustomCircularGauge::Construct() {
     FFont->SetDefaultSize(setup.FontSize);
     FLabels->SetText(GetDefaultLabels());
 
-    FFont->OnChange = [this](TObject&) { DoUpdateFont(); };
-    FCaptionFont->OnChange = [this](TObject&) { DoUpdateCaptionFont(); };
+    for (TInstrumentFont* const font : {FFont.get(), FCaptionFont.get()})
+        font->OnChange = [this](TObject& sender) { FontChanged(sender); };
     FLabels->SetOnChange([this](TObject&) {
         if (FIsRebuilding) return;
         FLabelsAreUsers = !GetSetup().Labels.empty() || FLabels->GetItems() != MakeNumbers();

@@ -162,6 +162,11 @@ void TVZCustomCircularGauge::UpdateDecoration() {
 
 // Texts and colours.
 
+void TVZCustomCircularGauge::FontChanged(TObject& sender) {
+    if (&sender == FFont.get()) DoUpdateFont();
+    if (&sender == FCaptionFont.get()) DoUpdateCaptionFont();
+}
+
 void TVZCustomCircularGauge::SetCaption(std::string_view value) {
     Change(FCaption, std::string(value), [&] { SetElementText("GaugeText", value); });
 }

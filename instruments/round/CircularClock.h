@@ -4,7 +4,9 @@
 
 namespace Vz {
 
-/// A round clock with three hands and Roman numerals. It shows the time that it is given.
+/// A round clock with Roman numerals: the little hand shows the hours, the big one the minutes, the thin one
+/// the seconds of Time, the date left aside. It has no timer; it shows the time that it is given, midnight to
+/// begin with.
 class TVZCircularClock final : public TCreatable<TVZCircularClock, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularClock";

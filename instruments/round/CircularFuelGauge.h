@@ -4,7 +4,8 @@
 
 namespace Vz {
 
-/// A round fuel gauge with one hand, in per cent of a full tank, labelled from E to F.
+/// A round fuel gauge with one hand, in per cent of a full tank, labelled E at its lower end and F at its
+/// upper one, whatever the scale.
 class TVZCircularFuelGauge final : public TCreatable<TVZCircularFuelGauge, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularFuelGauge";

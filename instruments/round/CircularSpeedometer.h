@@ -4,7 +4,8 @@
 
 namespace Vz {
 
-/// A round speedometer with one hand. Values have no unit of their own; the scale runs from Min to Max.
+/// A round speedometer with one hand. Values have no unit of their own; the scale runs from Min to Max, 0 to
+/// 120 to begin with, across twelve o'clock.
 class TVZCircularSpeedometer final : public TCreatable<TVZCircularSpeedometer, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularSpeedometer";

@@ -261,5 +261,28 @@ TEST(GaugeLook, HasShapesOfItsOwnForThreeEmblems) {
     }
 }
 
+TEST(GaugeLook, OwnStarIsEightPointed) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetDecoration(TDecoration::dcStar);
+    TVZPathData star;
+    star.SetPathString("M 49.839794,-12.239232 46.416284,43.516755 18.423291,19.379157 43.068155,46.717068 "
+                       "-13.579729,50.065949 43.10033,53.696163 18.42559,81.063877 46.418582,56.926278 "
+                       "49.842092,112.68227 53.537258,56.984985 81.364314,81.211089 56.780126,53.710161 "
+                       "113.57969,50.065045 56.826089,46.701263 81.365233,19.230136 53.538176,43.456243 "
+                       "49.843012,-12.24104 Z");
+    EXPECT_TRUE(gauge->GetDecorationPath()->GetFigures() == star.GetFigures());
+}
+
+TEST(GaugeLook, EmblemsRepaintAlsoWithoutAnElement) {
+    const auto gauge = TBareGauge::Create();
+    gauge->LoadFromText("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
+    TNotices notices(*gauge);
+    for (const TDecoration kind : {TDecoration::dcStar, TDecoration::dcModern, TDecoration::dcGlobe,
+                                   TDecoration::dcBolt, TDecoration::dcNone}) {
+        gauge->SetDecoration(kind);
+        EXPECT_EQ(notices.TakeInvalidates(), 1);
+    }
+}
+
 } // namespace
 } // namespace Vz::Test

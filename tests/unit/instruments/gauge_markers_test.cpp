@@ -109,6 +109,37 @@ TEST(GaugeMarkers, AnyAnglesComeToAnEnd) {
     host.Paint();
 }
 
+TEST(GaugeMarkers, MinorOnesStandUnderTheMajorOnes) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    for (int i = 0; i <= 50; ++i)
+        EXPECT_NEAR(std::remainder(FirstAngle(*gauge, "SmallMarkers", i) - (240 + 4.6 * i), 360), 0, 0.01)
+            << i;
+    const auto clock = TVZCircularClock::Create();
+    for (int i = 0; i < 60; ++i)
+        EXPECT_NEAR(FirstAngle(*clock, "SmallMarkers", i), 6 * i, 0.01) << i;
+}
+
+TEST(GaugeMarkers, RunAnticlockwiseWithTheScale) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    gauge->SetStartAngle(90);
+    gauge->SetStopAngle(-90);
+    gauge->SetMajorMarkers(4);
+    for (int i = 0; i <= 4; ++i)
+        EXPECT_NEAR(std::remainder(FirstAngle(*gauge, "BigMarkers", i) - (90 - 45 * i), 360), 0, 0.01) << i;
+    EXPECT_EQ(LabelTexts(*gauge), (TTexts{"0", "30", "60", "90", "120"}));
+}
+
+TEST(GaugeMarkers, MinorOnesNeedIntervals) {
+    const auto gauge = TVZCircularSpeedometer::Create();
+    gauge->SetMajorMarkers(0);
+    EXPECT_EQ(CountFigures(*gauge, "BigMarkers"), 0);
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 1); // the one at the start, which is not a copy
+    EXPECT_NEAR(FirstAngle(*gauge, "SmallMarkers", 0), 240, 0.01);
+    gauge->SetMajorMarkers(1);
+    EXPECT_EQ(CountFigures(*gauge, "BigMarkers"), 2);
+    EXPECT_EQ(CountFigures(*gauge, "SmallMarkers"), 6);
+}
+
 // Shapes
 
 TEST(GaugeMarkers, EachShapeHasItsPath) {
@@ -201,6 +232,21 @@ TEST(GaugeLabels, StandAtTheirMarkers) {
     const auto& text =
         dynamic_cast<TSVGTextPath&>(ElementOf(*speed, "MeasurementLabels").GetChild(0).GetChild(0));
     EXPECT_EQ(text.GetReference(), "TextCircle");
+}
+
+TEST(GaugeLabels, AnglesBeyondATurnAreTakenTowardsZero) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetMajorMarkers(1);
+    for (const auto& [angle, turn] : {std::pair{360, 0.0},
+                                      {359, 359 / 360.0},
+                                      {725, 5 / 360.0},
+                                      {-30, -30 / 360.0},
+                                      {-360, 0.0},
+                                      {-450, -0.25}}) {
+        gauge->SetStopAngle(angle + 90);
+        gauge->SetStartAngle(angle);
+        EXPECT_NEAR(LabelOffsetPercent(*gauge, 0), 6.25 + 50 * turn, 1e-6) << angle;
+    }
 }
 
 TEST(GaugeLabels, ListMayBeShorterOrLongerThanTheMarkers) {
@@ -324,6 +370,19 @@ TEST(GaugeMarkers, GapBeyondTheScaleBelongsToTheNearerEnd) {
     EXPECT_EQ(gauge->GetClosestMajorMarker(270), 0);
     EXPECT_EQ(gauge->GetClosestMajorMarker(0), 1);
     EXPECT_EQ(gauge->GetClosestMajorMarker(135), 0);
+}
+
+TEST(GaugeMarkers, DistancesToTheEndsAreOneSided) {
+    const auto gauge = TBareGauge::Create();
+    gauge->SetStartAngle(10);
+    gauge->SetStopAngle(100);
+    gauge->SetMajorMarkers(9);
+    // 15 degrees before the start, but counted the long way round: 705 against 615 degrees.
+    EXPECT_EQ(gauge->GetClosestMajorMarker(355), 9);
+    EXPECT_EQ(gauge->GetClosestMajorMarker(0),
+              0); // taken a turn further on, beyond the scale; the start is near
+    EXPECT_EQ(gauge->GetClosestMajorMarker(150), 9);
+    EXPECT_EQ(gauge->GetClosestMajorMarker(55), 4); // half-way: the even one
 }
 
 TEST(GaugeMarkers, NearestIsHarmlessWithoutMarkers) {

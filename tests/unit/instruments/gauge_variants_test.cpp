@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 
 namespace Vz::Test {
 namespace {
@@ -112,6 +113,55 @@ TYPED_TEST(GaugeVariants, FormKeepsWhatWasSet) {
     EXPECT_EQ(read.GetDocument().WriteText().size(), gauge->GetDocument().WriteText().size());
 }
 
+/// Whatever scale was set, a form gives the same one back: its ends stand before the value.
+template <class T> void ExpectScalesAreRead() {
+    std::mt19937 random(11);
+    std::uniform_int_distribution<int> number(-1500, 1500);
+    RegisterComponentClasses();
+    for (int i = 0; i < 60; ++i) {
+        const auto gauge = T::Create();
+        gauge->SetMin(float(number(random)));
+        if (i % 4 != 0) gauge->SetMax(i % 4 == 1 ? gauge->GetMin() : float(number(random)));
+        gauge->SetValue(float(number(random)));
+        gauge->SetStartAngle(number(random));
+        gauge->SetStopAngle(number(random));
+        gauge->SetMajorMarkers(number(random) % 9);
+        const std::string form = WriteForm(*gauge);
+        const auto copy = ReadForm(form, "copy");
+        const auto& read = dynamic_cast<const T&>(*copy);
+        EXPECT_EQ(read.GetMin(), gauge->GetMin()) << form;
+        EXPECT_EQ(read.GetMax(), gauge->GetMax()) << form;
+        EXPECT_EQ(read.GetValue(), gauge->GetValue()) << form;
+        EXPECT_EQ(LabelTexts(read), LabelTexts(*gauge)) << form;
+        EXPECT_EQ(WriteForm(read), form);
+        if (gauge->GetMin() == gauge->GetMax()) continue; // without a range the hand stays where it was
+        EXPECT_NEAR(std::remainder(PointsTo(read, "BigHand") - PointsTo(*gauge, "BigHand"), 360), 0, Near)
+            << form;
+    }
+}
+
+TEST(GaugeScales, AreReadAsTheyWereSet) {
+    ExpectScalesAreRead<TVZCircularBarometer>();
+    ExpectScalesAreRead<TVZCircularFuelGauge>();
+    ExpectScalesAreRead<TVZCircularSpeedometer>();
+}
+
+TEST(GaugeSizes, ClocksAndCalendarsDeclareThem) {
+    const auto expect = [](const TPersistent& object, bool isPublished) {
+        int found = 0;
+        for (const TProp& row : object.GetPropTable())
+            if (row.Name == "Width" || row.Name == "Height") {
+                ++found;
+                EXPECT_EQ(row.Default, TValue(std::int64_t{200})) << row.Name;
+            }
+        EXPECT_EQ(found, isPublished ? 2 : 0);
+    };
+    expect(*TVZCircularClock::Create(), true);
+    expect(*TVZAnalogCalendar::Create(), true);
+    expect(*TVZCircularAltimeter::Create(), false);
+    expect(*TVZCircularBarometer::Create(), false);
+}
+
 // Altimeter
 
 TEST(CircularAltimeter, StartsAtZeroFeet) {
@@ -142,6 +192,27 @@ TEST(CircularAltimeter, HandsCountDecades) {
         EXPECT_NEAR(std::remainder(PointsTo(*gauge, hand), 360), 0, Near) << hand;
     gauge->SetValue(Infinite);
     EXPECT_EQ(gauge->GetValue(), std::numeric_limits<float>::max());
+}
+
+TEST(CircularAltimeter, LabelsAreTheMarkersIndexes) {
+    const auto gauge = TVZCircularAltimeter::Create();
+    gauge->SetFormatStr("0.0");
+    EXPECT_EQ(LabelTexts(*gauge)[9], "9.0");
+    gauge->SetMajorMarkers(4);
+    gauge->SetStopAngle(180);
+    gauge->SetMin(1000);
+    EXPECT_EQ(LabelTexts(*gauge), (std::vector<std::string>{"0.0", "1.0", "2.0", "3.0", "4.0"}));
+}
+
+TEST(CircularAltimeter, FractionsDoNotMoveTheHands) {
+    const auto gauge = TVZCircularAltimeter::Create();
+    gauge->SetValue(999.99f);
+    EXPECT_NEAR(PointsTo(*gauge, "ThinHand"), 999 * 0.36, Near);
+    gauge->SetMin(-2000);
+    gauge->SetValue(-1.9f); // towards zero
+    EXPECT_NEAR(PointsTo(*gauge, "ThinHand"), 360 - 0.36, Near);
+    gauge->SetValue(999999);
+    EXPECT_NEAR(PointsTo(*gauge, "LittleHand"), 99999 * 0.0036, Near);
 }
 
 // Barometer, fuel gauge, speedometer
