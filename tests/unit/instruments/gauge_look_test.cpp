@@ -54,6 +54,28 @@ void ExpectParts(const TVZCustomCircularGauge& gauge, TParts parts) {
         EXPECT_EQ(IsShown(gauge, id), (needed - parts).IsEmpty()) << id << " with " << parts.GetMask();
 }
 
+// The artwork
+
+TEST(GaugeLook, EverythingIsConcentric) {
+    const auto gauge = TBareGauge::Create();
+    const TPointF knob = VZCenterPoint(ElementOf(*gauge, "Knob").GetBounds());
+    const TPointF dial = VZCenterPoint(ElementOf(*gauge, "DialColor").GetBounds());
+    EXPECT_NEAR(knob.X, 100, 1e-4);
+    EXPECT_NEAR(knob.Y, 100, 1e-4);
+    EXPECT_NEAR(dial.X, 100, 1e-4);
+    EXPECT_NEAR(dial.Y, 100, 1e-4);
+    for (const char* const box : {"Markers", "Labels", "DecorationUse"}) {
+        const TPointD middle = ElementOf(*gauge, box).GetTransform()(TPointD{50, 50});
+        EXPECT_NEAR(middle.X, 100, 1e-9) << box;
+        EXPECT_NEAR(middle.Y, 100, 1e-9) << box;
+    }
+    const TRectF circle = ElementOf(*gauge, "TextCircle").GetBounds();
+    EXPECT_NEAR(circle.Left, 0, 0.01);
+    EXPECT_NEAR(circle.Top, 0, 0.01);
+    EXPECT_NEAR(circle.Right, 100, 0.01);
+    EXPECT_NEAR(circle.Bottom, 100, 0.01);
+}
+
 // Parts
 
 TEST(GaugeLook, EachPartShowsItsElements) {

@@ -234,6 +234,37 @@ TEST(GaugeLabels, StandAtTheirMarkers) {
     EXPECT_EQ(text.GetReference(), "TextCircle");
 }
 
+/// Where the middle of a label's box lies, in degrees about the centre of the label circle.
+double LabelDirection(const TVZSVGControl& control, std::size_t index) {
+    const TSVGElement& text = ElementOf(control, "MeasurementLabels").GetChild(index);
+    const TPointF middle = VZCenterPoint(dynamic_cast<const TSVGGraphicElement&>(text).GetBounds());
+    return std::atan2(middle.X - 50, 50 - middle.Y) * 180 / std::numbers::pi;
+}
+
+TEST(GaugeLabels, AreCentredAtTheirMarkersAllRound) {
+    const auto expect = [](const TVZCustomCircularGauge& gauge) {
+        const double step = double(gauge.GetStopAngle() - gauge.GetStartAngle()) / gauge.GetMajorMarkers();
+        const TTexts texts = LabelTexts(gauge);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            if (texts[i].empty()) continue;
+            const double angle = gauge.GetStartAngle() + step * double(i);
+            EXPECT_LT(std::abs(std::remainder(LabelDirection(gauge, i) - angle, 360)), 1.5) << texts[i];
+        }
+    };
+    expect(*TVZCircularClock::Create());
+    expect(*TVZAnalogCalendar::Create());
+    expect(*TVZCircularAltimeter::Create());
+    expect(*TVZCircularBarometer::Create());
+    expect(*TVZCircularSpeedometer::Create());
+    expect(*TVZCircularFuelGauge::Create());
+    // Close before twelve o'clock a text runs on into the second turn.
+    const auto gauge = TVZCircularClock::Create();
+    gauge->SetStartAngle(350);
+    gauge->SetStopAngle(710);
+    gauge->SetLabels(TStrings{"wide text"});
+    EXPECT_NEAR(LabelDirection(*gauge, 0), -10, 1.5);
+}
+
 TEST(GaugeLabels, AnglesBeyondATurnAreTakenTowardsZero) {
     const auto gauge = TBareGauge::Create();
     gauge->SetMajorMarkers(1);
