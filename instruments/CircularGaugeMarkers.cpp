@@ -116,8 +116,8 @@ void TVZCustomCircularGauge::SetMinorMarkers(std::int32_t value) {
 
 void TVZCustomCircularGauge::SetMarker(TMarkers& markers, TMarker value) {
     if (!Store(markers.Kind, value)) return;
-    // The path tells of itself where it changes.
-    markers.Path->SetPathString(GetMarkerData(value, &markers == &FMinor));
+    markers.Path->SetPathString(
+        GetMarkerData(value, &markers == &FMinor)); // tells of itself where it changes
     MarkersChanged();
 }
 
