@@ -15,17 +15,18 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The digits of a number, as far as they can be had exactly.
 struct TDecimal {
-    std::uint64_t Digits = 0;
-    int Count = 0;       ///< digits seen
-    int Significant = 0; ///< digits from the first that is not zero
-    long Exponent = 0;   ///< of ten
+    std::uint64_t Digits = 0; ///< exact for the first 19 of them
+    std::ptrdiff_t Count = 0; ///< digits seen, leading zeros included
+    long Exponent = 0;        ///< of ten
 };
 
 const char* ScanDigits(const char* p, const char* last, TDecimal& decimal) {
-    for (; p != last && IsDigit(*p); ++p, ++decimal.Count) {
-        decimal.Digits = decimal.Digits * 10 + static_cast<std::uint64_t>(*p - '0');
-        decimal.Significant += decimal.Significant > 0 || *p != '0';
-    }
+    const char* const first = p;
+    std::uint64_t digits = decimal.Digits;
+    for (; p != last && IsDigit(*p); ++p)
+        digits = digits * 10 + static_cast<std::uint64_t>(*p - '0');
+    decimal.Digits = digits;
+    decimal.Count += p - first;
     return p;
 }
 
@@ -44,11 +45,20 @@ const char* ScanExponent(const char* p, const char* last, TDecimal& decimal) {
     return q;
 }
 
+/// How many digits there are from the first that is not zero.
+long SignificantDigits(const char* first, const char* last) {
+    long count = 0;
+    for (; first != last && *first != 'e' && *first != 'E'; ++first)
+        count += *first != '.' && (count > 0 || *first != '0');
+    return count;
+}
+
 /// The library's slower way, for what does not fit the quick one.
 double ReadExactly(const char* first, const char* last, const TDecimal& decimal) {
     double value = 0;
     if (std::from_chars(first, last, value).ec == std::errc::result_out_of_range)
-        return decimal.Exponent + decimal.Significant > 0 ? std::numeric_limits<double>::infinity() : 0;
+        return decimal.Exponent + SignificantDigits(first, last) > 0 ? std::numeric_limits<double>::infinity()
+                                                                     : 0;
     return value;
 }
 
@@ -88,7 +98,7 @@ const char* ScanNumber(const char* first, const char* last, double& value) {
     TDecimal decimal;
     p = ScanDigits(p, last, decimal);
     if (p != last && *p == '.') {
-        const int whole = decimal.Count;
+        const std::ptrdiff_t whole = decimal.Count;
         const char* const end = ScanDigits(p + 1, last, decimal);
         if (decimal.Count == 0) return first;
         decimal.Exponent = whole - decimal.Count;
@@ -100,9 +110,9 @@ const char* ScanNumber(const char* first, const char* last, double& value) {
     // Both factors are exact, so that one operation rounds once (W. D. Clinger, "How to read floating point
     // numbers accurately", 1990).
     double result;
-    const bool isExact = decimal.Significant <= 19 && decimal.Digits <= std::uint64_t{1} << 53;
+    const bool isExact = decimal.Count <= 19 && decimal.Digits <= std::uint64_t{1} << 53;
     if (isExact && decimal.Exponent >= -22 && decimal.Exponent <= 22) {
-        result = static_cast<double>(decimal.Digits);
+        result = static_cast<double>(static_cast<std::int64_t>(decimal.Digits));
         result = decimal.Exponent < 0 ? result / PowersOfTen[-decimal.Exponent]
                                       : result * PowersOfTen[decimal.Exponent];
     } else {

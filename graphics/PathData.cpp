@@ -4,6 +4,7 @@
 #include "runtime/Exceptions.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -23,10 +24,23 @@ constexpr TCommand Commands[] = {
     {'Z', TVerb::Close, ""},
 };
 
+constexpr std::size_t LetterCount = 128;
+
+/// The places of the commands by their letters, of both forms; NoCommand elsewhere.
+constexpr std::uint8_t NoCommand = 255;
+constexpr auto CommandsByLetter = [] {
+    std::array<std::uint8_t, LetterCount> places{};
+    places.fill(NoCommand);
+    for (std::uint8_t i = 0; i < std::size(Commands); ++i)
+        for (const int form : {0, 'a' - 'A'})
+            places[static_cast<std::size_t>(Commands[i].Letter + form)] = i;
+    return places;
+}();
+
 const TCommand* FindCommand(char letter) {
-    for (const TCommand& command : Commands)
-        if (command.Letter == letter || command.Letter + ('a' - 'A') == letter) return &command;
-    return nullptr;
+    const auto place = static_cast<unsigned char>(letter);
+    if (place >= LetterCount || CommandsByLetter[place] == NoCommand) return nullptr;
+    return &Commands[CommandsByLetter[place]];
 }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
@@ -39,7 +53,13 @@ public:
         : FBegin(text.data())
         , FText(FBegin)
         , FEnd(FBegin + text.size())
-        , FFigures(figures) {}
+        , FFigures(figures) {
+        // About what there is; the rest is given back once all is read.
+        constexpr std::size_t charsPerNumber = 4;
+        constexpr std::size_t charsPerStep = 8;
+        figures.Numbers.reserve(text.size() / charsPerNumber);
+        figures.Verbs.reserve(text.size() / charsPerStep);
+    }
 
     /// True at the end, false at a fault, which Reason and Offset then tell.
     bool Read() {
@@ -119,29 +139,31 @@ private:
         return true;
     }
 
-    void Add(const TCommand& command, const double* n) {
+    void Add(const TCommand& command, double* n) {
         switch (command.Letter) {
         case 'H':
-            return AddStep(TVerb::Line, {n[0], FCurrent.Y});
+            n[1] = FCurrent.Y;
+            return AddStep(TVerb::Line, n);
         case 'V':
-            return AddStep(TVerb::Line, {FCurrent.X, n[0]});
-        case 'S': {
-            const TPointD control = Reflected(TVerb::Cubic);
-            return AddStep(TVerb::Cubic, {control.X, control.Y, n[0], n[1], n[2], n[3]});
-        }
+            n[1] = n[0];
+            n[0] = FCurrent.X;
+            return AddStep(TVerb::Line, n);
+        case 'S':
         case 'T': {
-            const TPointD control = Reflected(TVerb::Quad);
-            return AddStep(TVerb::Quad, {control.X, control.Y, n[0], n[1]});
+            const TPointD control = Reflected(command.Verb);
+            std::copy_backward(n, n + NumberCount(command.Verb) - 2, n + NumberCount(command.Verb));
+            n[0] = control.X;
+            n[1] = control.Y;
+            break;
         }
         case 'A':
-            return AddStep(TVerb::Arc, {std::abs(n[0]), std::abs(n[1]), n[2], n[3], n[4], n[5], n[6]});
-        case 'C':
-            return AddStep(TVerb::Cubic, {n[0], n[1], n[2], n[3], n[4], n[5]});
-        case 'Q':
-            return AddStep(TVerb::Quad, {n[0], n[1], n[2], n[3]});
+            n[0] = std::abs(n[0]);
+            n[1] = std::abs(n[1]);
+            break;
         default:
-            return AddStep(command.Verb, {n[0], n[1]});
+            break;
         }
+        AddStep(command.Verb, n);
     }
 
     /// The last control point seen from the other side of the current point, where the step before was of
@@ -151,17 +173,17 @@ private:
         return {2 * FCurrent.X - FControl.X, 2 * FCurrent.Y - FControl.Y};
     }
 
-    void AddStep(TVerb verb, std::initializer_list<double> numbers) {
+    void AddStep(TVerb verb, const double* numbers) {
         FLast = TVerb::Close;
-        if (!std::all_of(numbers.begin(), numbers.end(), [](double n) { return std::isfinite(n); })) return;
-        const double* const end = numbers.end();
+        const double* const end = numbers + NumberCount(verb);
+        if (!std::all_of(numbers, end, [](double n) { return std::isfinite(n); })) return;
         // Only where the first moveto was passed over.
         if (FFigures.IsEmpty() && verb != TVerb::Move) {
             FCurrent = FStart = {end[-2], end[-1]};
             return FFigures.MoveTo(end[-2], end[-1]);
         }
         FFigures.Verbs.push_back(verb);
-        FFigures.Numbers.insert(FFigures.Numbers.end(), numbers);
+        FFigures.Numbers.insert(FFigures.Numbers.end(), numbers, end);
         FCurrent = {end[-2], end[-1]};
         FLast = verb;
         if (verb == TVerb::Move) FStart = FCurrent;

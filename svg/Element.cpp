@@ -311,7 +311,7 @@ void TSVGPen::SetWidth(double value) {
     if (!std::isfinite(value) || value < 0) return;
     TStyleValue length;
     length.Kind = TStyleValue::TKind::Length;
-    length.Length = {TSVGUnit::Number, value};
+    length.Number = value;
     FPenElement->PutStyle(TSVGStyleProperty::StrokeWidth, std::move(length));
 }
 
@@ -332,10 +332,10 @@ TSVGGraphicElement::~TSVGGraphicElement() = default;
 
 void TSVGGraphicElement::PutStyle(TSVGStyleProperty property, TStyleValue value) {
     using K = TStyleValue::TKind;
-    const auto* const parent = dynamic_cast<const TSVGGraphicElement*>(GetParent());
     if (property == TSVGStyleProperty::Display) {
         if (value.Kind == K::Keyword) SetVisible(value.Word != TKeyword::None);
     } else if (property == TSVGStyleProperty::Opacity) {
+        const TSVGGraphicElement* const parent = GetParent() ? GetParent()->AsGraphic() : nullptr;
         SetOpacity(value.Kind == K::Inherit ? (parent ? parent->FOpacity : 1.0f)
                                             : static_cast<float>(value.Number));
     } else {
@@ -389,9 +389,9 @@ void TSVGGraphicElement::SetFont(const TSVGFont* font) {
     }
     if (font->GetSize() > 0) {
         value.Kind = K::Length;
-        value.Length = {TSVGUnit::Number, font->GetSize()};
+        value.Number = font->GetSize();
         PutStyle(P::FontSize, value);
-        value.Length = {};
+        value.Number = 0;
     }
     if (font->GetWeight() > 0) {
         value.Kind = K::Number;

@@ -159,7 +159,7 @@ private:
     TSVGElement* FParent = nullptr;
     std::vector<std::unique_ptr<TSVGElement>> FChildren;
     std::string FId;
-    TSVGStyleSet FStyle;
+    [[no_unique_address]] TSVGStyleSet FStyle; // FEnabled stands in its padding
     bool FEnabled = true;
 };
 

@@ -1,5 +1,6 @@
 #include "svg/Keywords.h"
 
+#include "svg/NameTableInternal.h"
 #include "svg/Scan.h"
 
 #include <algorithm>
@@ -181,6 +182,7 @@ constexpr bool IsLess(std::string_view a, std::string_view b) {
                                         [](char x, char y) { return ToLower(x) < ToLower(y); });
 }
 static_assert(std::is_sorted(std::begin(Names), std::end(Names), IsLess));
+constexpr TNameTable<std::size(Names)> Places([](std::size_t place) { return Names[place]; });
 
 } // namespace
 
@@ -190,9 +192,9 @@ std::string_view GetKeywordName(TKeyword word) {
 }
 
 std::optional<TKeyword> FindKeyword(std::string_view text) {
-    const auto* found = std::lower_bound(std::begin(Names), std::end(Names), text, IsLess);
-    if (found == std::end(Names) || !EqualsNoCase(*found, text)) return std::nullopt;
-    return static_cast<TKeyword>(found - std::begin(Names));
+    const std::size_t place =
+        Places.Find(text, [text](std::size_t i) { return EqualsNoCase(Names[i], text); });
+    return place < std::size(Names) ? std::optional(static_cast<TKeyword>(place)) : std::nullopt;
 }
 
 } // namespace Vz

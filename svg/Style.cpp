@@ -1,5 +1,7 @@
 #include "svg/Style.h"
 
+#include "svg/Scan.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -116,7 +118,7 @@ private:
     }
 
     void ApplyText() {
-        const auto& entries = Own.Entries();
+        const auto entries = Own.Entries();
         if (std::none_of(entries.begin(), entries.end(),
                          [](const auto& e) { return IsTextProperty(e.Property); }))
             return;
@@ -140,8 +142,8 @@ private:
             basis.FontSize = parent;
             basis.XHeight = 0;
             basis.RootFontSize = Parent.RootFontSize;
-            size = v.Length.GetUnit() == TSVGUnit::Percent ? parent * v.Length.GetValue() / 100
-                                                           : v.Length.Resolve(TAxis::Other, basis);
+            size = v.Unit == TSVGUnit::Percent ? parent * v.Number / 100
+                                               : v.Length().Resolve(TAxis::Other, basis);
         }
         return std::isfinite(size) && size >= 0 ? size : parent;
     }
@@ -173,7 +175,7 @@ private:
             font.Kerning = v.Word != TKeyword::None;
             break;
         case P::Kerning:
-            font.Kerning = !(v.Kind == K::Length && v.Length.GetValue() == 0);
+            font.Kerning = !(v.Kind == K::Length && v.Number == 0);
             break;
         case P::LetterSpacing:
             text.LetterSpacing = Spacing(text, v);
@@ -218,11 +220,11 @@ private:
         TLengthBasis basis = Basis;
         basis.FontSize = text.Font.Size;
         basis.RootFontSize = S.RootFontSize;
-        return v.Length.Resolve(TAxis::Other, basis);
+        return v.Length().Resolve(TAxis::Other, basis);
     }
 
     double Length(const TStyleValue& v, double inherited) const {
-        return v.Kind == K::Length   ? v.Length.Resolve(TAxis::Other, Basis)
+        return v.Kind == K::Length   ? v.Length().Resolve(TAxis::Other, Basis)
                : v.Kind == K::Number ? v.Number
                                      : inherited;
     }
@@ -265,12 +267,21 @@ private:
         return v.Kind == K::Url || v.Kind == K::Text ? v.Text : nullptr;
     }
 
+    /// Null where the value is no list of lengths.
+    static std::shared_ptr<const std::vector<TSVGLength>> Lengths(const TStyleValue& v) {
+        if (v.Kind != K::Lengths || !v.Text) return nullptr;
+        auto lengths = std::make_shared<std::vector<TSVGLength>>();
+        ParseLengthList(*v.Text, *lengths);
+        return lengths;
+    }
+
     /// A dash list in user units, doubled where its count is odd; null where it paints solid (SVG 1.1, 11.4).
     std::shared_ptr<const std::vector<double>> Dashes(const TStyleValue& v) const {
-        if (v.Kind != K::Lengths || !v.List) return nullptr;
+        const auto lengths = Lengths(v);
+        if (!lengths) return nullptr;
         auto dashes = std::make_shared<std::vector<double>>();
         double sum = 0;
-        for (const TSVGLength& length : *v.List) {
+        for (const TSVGLength& length : *lengths) {
             const double d = length.Resolve(TAxis::Other, Basis);
             if (!(d >= 0) || !std::isfinite(d)) return nullptr;
             dashes->push_back(d);
@@ -437,7 +448,7 @@ private:
             S.NonScalingStroke = v.Word == TKeyword::NonScalingStroke;
             break;
         case P::TransformOrigin:
-            S.TransformOrigin = v.List;
+            S.TransformOrigin = Lengths(v);
             break;
         default:
             break;
@@ -508,39 +519,54 @@ private:
 
 } // namespace
 
-const TStyleValue* TSVGStyleSet::Find(TSVGStyleProperty property) const {
-    if (!FEntries) return nullptr;
-    const auto at = std::lower_bound(FEntries->begin(), FEntries->end(), property, Before);
-    return at != FEntries->end() && at->Property == property ? &at->Value : nullptr;
+/// Where the property stands, or would stand.
+TSVGStyleSet::TEntry* TSVGStyleSet::Place(TSVGStyleProperty property) const {
+    TEntry* const first = FEntries.get();
+    return std::lower_bound(first, first + FCount, property, Before);
 }
 
-std::vector<TSVGStyleSet::TEntry>& TSVGStyleSet::Edit() {
-    if (!FEntries)
-        FEntries = std::make_shared<std::vector<TEntry>>();
-    else if (FEntries.use_count() > 1)
-        FEntries = std::make_shared<std::vector<TEntry>>(*FEntries);
-    return *FEntries;
+/// An entry on its way to another block; it stays where others share this one.
+TSVGStyleSet::TEntry TSVGStyleSet::TakeOrCopy(std::size_t index) {
+    if (FEntries.use_count() > 1) return FEntries[index];
+    return std::move(FEntries[index]);
+}
+
+const TStyleValue* TSVGStyleSet::Find(TSVGStyleProperty property) const {
+    const TEntry* const at = Place(property);
+    return at != FEntries.get() + FCount && at->Property == property ? &at->Value : nullptr;
 }
 
 void TSVGStyleSet::Put(TSVGStyleProperty property, TStyleValue value) {
-    auto& entries = Edit();
-    const auto at = std::lower_bound(entries.begin(), entries.end(), property, Before);
-    if (at != entries.end() && at->Property == property)
-        at->Value = std::move(value);
-    else
-        entries.insert(at, {property, std::move(value)});
+    const auto place = static_cast<std::size_t>(Place(property) - FEntries.get());
+    const bool isThere = place < FCount && FEntries[place].Property == property;
+    if (isThere && FEntries.use_count() == 1) {
+        FEntries[place].Value = std::move(value);
+        return;
+    }
+    const std::uint32_t count = FCount + (isThere ? 0 : 1);
+    auto entries = std::make_shared<TEntry[]>(count);
+    for (std::size_t i = 0; i < place; ++i)
+        entries[i] = TakeOrCopy(i);
+    entries[place] = {property, std::move(value)};
+    for (std::size_t i = place + 1; i < count; ++i)
+        entries[i] = TakeOrCopy(i + FCount - count);
+    FEntries = std::move(entries);
+    FCount = count;
 }
 
 bool TSVGStyleSet::Remove(TSVGStyleProperty property) {
     if (!Contains(property)) return false;
-    auto& entries = Edit();
-    entries.erase(std::lower_bound(entries.begin(), entries.end(), property, Before));
+    const auto place = static_cast<std::size_t>(Place(property) - FEntries.get());
+    auto entries = FCount > 1 ? std::make_shared<TEntry[]>(FCount - 1) : nullptr;
+    for (std::size_t i = 0; i + 1 < FCount; ++i)
+        entries[i] = TakeOrCopy(i < place ? i : i + 1);
+    FEntries = std::move(entries);
+    --FCount;
     return true;
 }
 
-const std::vector<TSVGStyleSet::TEntry>& TSVGStyleSet::Entries() const {
-    static const std::vector<TEntry> none;
-    return FEntries ? *FEntries : none;
+bool TSVGStyleSet::operator==(const TSVGStyleSet& other) const {
+    return FEntries == other.FEntries || std::ranges::equal(Entries(), other.Entries());
 }
 
 bool TComputedPaint::operator==(const TComputedPaint& other) const {

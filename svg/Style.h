@@ -6,6 +6,7 @@
 #include "svg/StyleProps.h"
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,14 +28,16 @@ public:
     void Put(TSVGStyleProperty property, TStyleValue value);
     /// True when there was one.
     bool Remove(TSVGStyleProperty property);
-    bool IsEmpty() const { return !FEntries || FEntries->empty(); }
-    const std::vector<TEntry>& Entries() const;
-    bool operator==(const TSVGStyleSet& other) const { return Entries() == other.Entries(); }
+    bool IsEmpty() const { return FCount == 0; }
+    std::span<const TEntry> Entries() const { return {FEntries.get(), FCount}; }
+    bool operator==(const TSVGStyleSet& other) const;
 
 private:
-    std::vector<TEntry>& Edit();
+    TEntry* Place(TSVGStyleProperty property) const;
+    TEntry TakeOrCopy(std::size_t index);
 
-    std::shared_ptr<std::vector<TEntry>> FEntries;
+    std::shared_ptr<TEntry[]> FEntries; ///< as many as there are: most elements have one or two
+    std::uint32_t FCount = 0;
 };
 
 /// A computed fill or stroke.

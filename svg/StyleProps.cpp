@@ -2,6 +2,7 @@
 
 #include "svg/ColorText.h"
 #include "svg/CssTextInternal.h"
+#include "svg/NameTableInternal.h"
 #include "svg/Scan.h"
 #include "svg/StyleValuesInternal.h"
 
@@ -26,6 +27,7 @@ public:
         for (const TKeyword word : words)
             FBits[Index(word) / 64] |= Bit(word);
     }
+    constexpr bool IsEmpty() const { return FBits == decltype(FBits){}; }
     constexpr bool Contains(TKeyword word) const { return FBits[Index(word) / 64] & Bit(word); }
 
 private:
@@ -196,17 +198,7 @@ constexpr bool RowsStandByProperty() {
 }
 static_assert(RowsStandByProperty());
 
-/// The properties in the order of their names.
-constexpr std::array<P, PropertyCount> SortedByName() {
-    std::array<P, PropertyCount> sorted{};
-    for (std::size_t i = 0; i < PropertyCount; ++i)
-        sorted[i] = static_cast<P>(i);
-    std::sort(sorted.begin(), sorted.end(), [](P a, P b) {
-        return Rows[static_cast<std::size_t>(a)].Name < Rows[static_cast<std::size_t>(b)].Name;
-    });
-    return sorted;
-}
-constexpr std::array<P, PropertyCount> ByName = SortedByName();
+constexpr TNameTable<PropertyCount> ByName([](std::size_t place) { return Rows[place].Name; });
 
 constexpr const TRow& RowOf(P property) {
     assert(property < P::Count);
@@ -217,11 +209,6 @@ constexpr const TRow& RowOf(P property) {
 /// part, or keep them.
 bool IsEscapedWord(std::string_view text) {
     return text.find('\\') != std::string_view::npos && text.find_first_of("\"'(,") == std::string_view::npos;
-}
-
-template <class T>
-bool HaveSameContent(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>& b) {
-    return a == b || (a && b && *a == *b);
 }
 
 /// #rrggbb, with the alpha behind it where the colour is not opaque.
@@ -245,21 +232,12 @@ std::string FallbackText(const TStyleValue& value) {
     }
 }
 
-std::string ListText(const std::vector<TSVGLength>& list) {
-    std::string text;
-    for (const TSVGLength& length : list) {
-        if (!text.empty()) text += ' ';
-        text += length.ToText();
-    }
-    return text;
-}
-
 } // namespace
 
 bool TStyleValue::operator==(const TStyleValue& other) const {
     return Kind == other.Kind && Word == other.Word && Fallback == other.Fallback && Color == other.Color &&
-           Number == other.Number && Length == other.Length && HaveSameContent(Text, other.Text) &&
-           HaveSameContent(List, other.List);
+           Number == other.Number && Unit == other.Unit &&
+           (Text == other.Text || (Text && other.Text && *Text == *other.Text));
 }
 
 std::string_view GetStylePropertyName(TSVGStyleProperty property) {
@@ -267,11 +245,8 @@ std::string_view GetStylePropertyName(TSVGStyleProperty property) {
 }
 
 std::optional<TSVGStyleProperty> FindStyleProperty(std::string_view name) {
-    const auto* found =
-        std::lower_bound(ByName.begin(), ByName.end(), name,
-                         [](P property, std::string_view key) { return RowOf(property).Name < key; });
-    if (found == ByName.end() || RowOf(*found).Name != name) return std::nullopt;
-    return *found;
+    const std::size_t place = ByName.Find(name, [name](std::size_t i) { return Rows[i].Name == name; });
+    return place < PropertyCount ? std::optional(static_cast<P>(place)) : std::nullopt;
 }
 
 bool IsInherited(TSVGStyleProperty property) { return RowOf(property).From == TFrom::Parent; }
@@ -292,8 +267,9 @@ std::optional<TStyleValue> ParseStyleValue(TSVGStyleProperty property, std::stri
     if (isUnset && row.From == TFrom::Parent) return TStyleValue{};
     if (isUnset || EqualsNoCase(text, "initial")) return ParseStyleValue(property, row.Initial);
 
-    if (const auto word = FindKeyword(text); word && row.Words.Contains(*word))
-        return TStyleValue{TStyleValue::TKind::Keyword, *word};
+    if (!row.Words.IsEmpty())
+        if (const auto word = FindKeyword(text); word && row.Words.Contains(*word))
+            return TStyleValue{TStyleValue::TKind::Keyword, *word};
     return row.Parse ? row.Parse(text) : std::nullopt;
 }
 
@@ -307,7 +283,7 @@ std::string StyleValueText(TSVGStyleProperty property, const TStyleValue& value)
     case TKind::Number:
         return NumberText(value.Number) + (property == P::FontStretch ? "%" : "");
     case TKind::Length:
-        return value.Length.ToText();
+        return value.Length().ToText();
     case TKind::Color:
         return FullColorText(value.Color);
     case TKind::CurrentColor:
@@ -321,9 +297,8 @@ std::string StyleValueText(TSVGStyleProperty property, const TStyleValue& value)
     case TKind::ContextStroke:
         return "context-stroke";
     case TKind::Text:
-        return value.Text ? *value.Text : std::string();
     case TKind::Lengths:
-        return value.List ? ListText(*value.List) : std::string();
+        return value.Text ? *value.Text : std::string();
     }
     return {};
 }

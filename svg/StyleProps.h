@@ -96,7 +96,7 @@ struct TStyleValue {
         Inherit,
         Keyword, ///< Word
         Number,  ///< Number
-        Length,  ///< Length
+        Length,  ///< Number and Unit
         Color,   ///< Color
         CurrentColor,
         NoPaint, ///< "none" as a paint or a reference
@@ -104,19 +104,23 @@ struct TStyleValue {
         ContextFill,
         ContextStroke,
         Text,    ///< Text: as it stands (families, filter lists, sets of words)
-        Lengths, ///< List
+        Lengths, ///< Text: lengths with their units, separated by blanks
     };
     enum class TFallback : std::uint8_t { Absent, None, Color, CurrentColor };
 
     TKind Kind = TKind::Inherit;
     TKeyword Word{};
     TFallback Fallback = TFallback::Absent;
+    TSVGUnit Unit = TSVGUnit::Number;
     TVZGPColor Color = 0xFF000000;
     double Number = 0;
-    TSVGLength Length{};
     std::shared_ptr<const std::string> Text{};
-    std::shared_ptr<const std::vector<TSVGLength>> List{};
 
+    TSVGLength Length() const { return {Unit, Number}; }
+    void SetLength(const TSVGLength& length) {
+        Number = length.GetValue();
+        Unit = length.GetUnit();
+    }
     bool operator==(const TStyleValue& other) const;
 };
 

@@ -28,10 +28,13 @@ TStyleValue TextValue(TKind kind, std::string text) {
     return value;
 }
 
-TStyleValue ListValue(std::vector<TSVGLength> list) {
-    TStyleValue value{TKind::Lengths};
-    value.List = std::make_shared<const std::vector<TSVGLength>>(std::move(list));
-    return value;
+TStyleValue ListValue(const std::vector<TSVGLength>& list) {
+    std::string text;
+    for (const TSVGLength& length : list) {
+        if (!text.empty()) text += ' ';
+        text += length.ToText();
+    }
+    return TextValue(TKind::Lengths, std::move(text));
 }
 
 /// A number, or where allowed a percentage as its hundredth.
@@ -158,14 +161,16 @@ bool IsFilterFunction(std::string_view name) {
 } // namespace
 
 TMaybe ParseLengthValue(std::string_view text) {
+    TSVGLength length;
+    if (!length.Parse(text)) return std::nullopt;
     TStyleValue value{TKind::Length};
-    if (!value.Length.Parse(text)) return std::nullopt;
+    value.SetLength(length);
     return value;
 }
 
 TMaybe ParseSizeValue(std::string_view text) {
     const auto value = ParseLengthValue(text);
-    return value && value->Length.GetValue() >= 0 ? value : std::nullopt;
+    return value && value->Number >= 0 ? value : std::nullopt;
 }
 
 TMaybe ParseFactorValue(std::string_view text) {
@@ -194,8 +199,8 @@ TMaybe ParseWeightValue(std::string_view text) {
 
 TMaybe ParseStretchValue(std::string_view text) {
     const auto size = ParseSizeValue(text);
-    if (!size || size->Length.GetUnit() != TSVGUnit::Percent) return std::nullopt;
-    return NumberValue(size->Length.GetValue());
+    if (!size || size->Unit != TSVGUnit::Percent) return std::nullopt;
+    return NumberValue(size->Number);
 }
 
 TMaybe ParseAngleValue(std::string_view text) {
@@ -276,7 +281,7 @@ TMaybe ParseDashesValue(std::string_view text) {
     if (!ParseLengthList(text, dashes) || dashes.empty() ||
         std::any_of(dashes.begin(), dashes.end(), isNegative))
         return std::nullopt;
-    return ListValue(std::move(dashes));
+    return ListValue(dashes);
 }
 
 TMaybe ParseOriginValue(std::string_view text) {

@@ -43,8 +43,8 @@ double BaselineShift(const TTextNode& node) {
     }
     if (shift.Kind == TStyleValue::TKind::Number) return shift.Number;
     if (shift.Kind != TStyleValue::TKind::Length) return 0;
-    if (shift.Length.GetUnit() == TSVGUnit::Percent) return shift.Length.GetValue() / 100 * node.Font.Size;
-    return shift.Length.Resolve(TAxis::Other, node.Basis);
+    if (shift.Unit == TSVGUnit::Percent) return shift.Number / 100 * node.Font.Size;
+    return shift.Length().Resolve(TAxis::Other, node.Basis);
 }
 
 bool IsAligned(const TTextNode& node) {

@@ -418,7 +418,7 @@ TEST(Style, IsSharedByCopiesUntilEdited) {
     TSVGStyleSet a;
     a.Put(P::Fill, ColorValue(0xFFFF0000));
     TSVGStyleSet b = a;
-    EXPECT_EQ(&a.Entries(), &b.Entries());
+    EXPECT_EQ(a.Entries().data(), b.Entries().data());
     b.Put(P::Fill, ColorValue(0xFF0000FF));
     EXPECT_EQ(a.Find(P::Fill)->Color, 0xFFFF0000u);
     EXPECT_EQ(b.Find(P::Fill)->Color, 0xFF0000FFu);
