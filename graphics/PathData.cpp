@@ -53,13 +53,7 @@ public:
         : FBegin(text.data())
         , FText(FBegin)
         , FEnd(FBegin + text.size())
-        , FFigures(figures) {
-        // About what there is; the rest is given back once all is read.
-        constexpr std::size_t charsPerNumber = 4;
-        constexpr std::size_t charsPerStep = 8;
-        figures.Numbers.reserve(text.size() / charsPerNumber);
-        figures.Verbs.reserve(text.size() / charsPerStep);
-    }
+        , FFigures(figures) {}
 
     /// True at the end, false at a fault, which Reason and Offset then tell.
     bool Read() {
@@ -252,20 +246,38 @@ private:
         false; ///< the number before has a point or an exponent, so that a point begins another one
 };
 
+/// Figures while they are read. How many there will be is not known before; so all paths but the longest are
+/// read into the same memory, and copied where they are to stay.
+class TWorkFigures {
+public:
+    explicit TWorkFigures(std::size_t textSize)
+        : FFigures(textSize <= MostKept ? FKept : FOwn) {
+        FFigures.Clear();
+    }
+    TFigures& Get() { return FFigures; }
+
+private:
+    static constexpr std::size_t MostKept = 4096; ///< characters
+    static thread_local TFigures FKept;
+    TFigures FOwn;
+    TFigures& FFigures;
+};
+thread_local TFigures TWorkFigures::FKept;
+
 } // namespace
 
 void TVZPathData::SetPathString(std::string_view text) {
-    TFigures figures;
-    TPathReader reader(text, figures);
+    TWorkFigures work(text.size());
+    TPathReader reader(text, work.Get());
     if (!reader.Read())
         throw EConvertError(std::string("path data: ") + reader.Reason(), PlaceOf(text, reader.Offset()));
-    SetFigures(std::move(figures));
+    SetFigures(TFigures(work.Get()));
 }
 
 bool TVZPathData::SetPathStringTolerant(std::string_view text) {
-    TFigures figures;
-    const bool isWhole = TPathReader(text, figures).Read();
-    SetFigures(std::move(figures));
+    TWorkFigures work(text.size());
+    const bool isWhole = TPathReader(text, work.Get()).Read();
+    SetFigures(TFigures(work.Get()));
     return isWhole;
 }
 

@@ -1,11 +1,10 @@
 #include "svg/ElementFactory.h"
 
 #include "svg/Document.h"
+#include "svg/NameTableInternal.h"
 #include "svg/Servers.h"
 #include "svg/Shapes.h"
 #include "svg/TextElements.h"
-
-#include <algorithm>
 
 namespace Vz {
 
@@ -40,7 +39,7 @@ struct TRow {
 
 using G = TSVGTag;
 
-/// By name, in alphabetical order.
+/// By name.
 constexpr TRow Rows[] = {
     {"a", MakeTagged<TSVGGroup, G::A>},
     {"circle", MakeTagged<TSVGBasicShape, G::Circle>},
@@ -67,7 +66,6 @@ constexpr TRow Rows[] = {
     {"text", Make<TSVGText>},
     {"use", Make<TSVGUse>},
 };
-static_assert(std::ranges::is_sorted(Rows, {}, &TRow::Name));
 
 /// Elements that stand only inside of text.
 constexpr TRow TextRows[] = {
@@ -77,10 +75,23 @@ constexpr TRow TextRows[] = {
     {"tspan", Make<TSVGCustomText>},
 };
 
-TMaker Find(std::span<const TRow> rows, std::string_view name) {
-    const auto at = std::ranges::lower_bound(rows, name, {}, &TRow::Name);
-    return at != rows.end() && at->Name == name ? at->Make : nullptr;
-}
+template <std::size_t Count> class TMakers {
+public:
+    explicit constexpr TMakers(const TRow (&rows)[Count])
+        : FRows(rows)
+        , FPlaces([&rows](std::size_t i) { return rows[i].Name; }) {}
+    TMaker Find(std::string_view name) const {
+        const std::size_t i =
+            FPlaces.Find(name, [&](std::size_t place) { return FRows[place].Name == name; });
+        return i < Count ? FRows[i].Make : nullptr;
+    }
+
+private:
+    const TRow* FRows;
+    TNameTable<Count> FPlaces;
+};
+constexpr TMakers Makers(Rows);
+constexpr TMakers TextMakers(TextRows);
 
 bool IsFilterPartName(std::string_view name) {
     return name.size() > 2 && name.starts_with("fe") && name[2] >= 'A' && name[2] <= 'Z';
@@ -97,7 +108,7 @@ std::unique_ptr<TSVGElement> MakeElement(std::string_view name, TSVGElement& par
     const TSVGTag above = parent.GetTag();
     const bool inText = above == TSVGTag::Text || above == TSVGTag::TSpan || above == TSVGTag::TextPath ||
                         above == TSVGTag::TRef;
-    const TMaker make = Find(inText ? std::span<const TRow>(TextRows) : std::span<const TRow>(Rows), name);
+    const TMaker make = inText ? TextMakers.Find(name) : Makers.Find(name);
     return make ? make(document) : nullptr;
 }
 

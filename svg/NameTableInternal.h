@@ -20,7 +20,8 @@ public:
             FPlaces[slot] = static_cast<std::uint8_t>(i + 1);
         }
     }
-    /// The first place for which `isIt` holds among those where the name can stand; Count where there is none.
+    /// The first place for which `isIt` holds among those where the name can stand; Count where there is
+    /// none.
     template <class F> constexpr std::size_t Find(std::string_view name, F isIt) const {
         if (name.empty()) return Count;
         for (std::size_t slot = SlotOf(name); FPlaces[slot] != 0; slot = (slot + 1) % Slots)
@@ -38,7 +39,8 @@ private:
             return static_cast<std::size_t>(static_cast<unsigned char>(ToLower(name[i])));
         };
         const std::size_t last = name.size() - 1;
-        return (name.size() * 97 + letter(0) * 31 + letter(last) * 17 + letter(last / 2) * 5 + letter(last * 3 / 4)) %
+        return (name.size() * 97 + letter(0) * 31 + letter(last) * 17 + letter(last / 2) * 5 +
+                letter(last * 3 / 4)) %
                Slots;
     }
 

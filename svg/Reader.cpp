@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <deque>
 #include <optional>
+#include <span>
 #include <unordered_map>
 
 namespace Vz {
@@ -20,6 +21,13 @@ namespace {
 
 constexpr std::string_view SvgNamespace = "http://www.w3.org/2000/svg";
 constexpr std::string_view XLinkNamespace = "http://www.w3.org/1999/xlink";
+
+/// An attribute as it is handed over, for as long as its element is being opened.
+struct TSourceAttribute {
+    std::string_view Name;
+    std::string_view Value;
+};
+using TSourceAttributes = std::span<const TSourceAttribute>;
 
 struct TAttribute {
     std::string Name;
@@ -48,10 +56,9 @@ struct TPending final : IStyledElement {
     const IStyledElement* Previous() const override { return Before; }
 };
 
-bool IsCss(const char** attributes) {
-    for (; *attributes; attributes += 2)
-        if (std::string_view(attributes[0]) == "type" && *attributes[1])
-            return EqualsNoCase(Trimmed(attributes[1]), "text/css");
+bool IsCss(TSourceAttributes attributes) {
+    for (const auto& [name, value] : attributes)
+        if (name == "type" && !value.empty()) return EqualsNoCase(Trimmed(value), "text/css");
     return true;
 }
 
@@ -108,13 +115,14 @@ private:
 
     bool CountContent(std::size_t size);
     TSVGDiagnostic Here() const;
-    void BindNamespaces(const char** attributes);
+    bool TakeAttributes(const char** attributes);
+    void BindNamespaces();
     void ReleaseNamespaces(std::size_t count);
     std::string_view UriOf(std::string_view prefix) const;
     /// The name in SVG's own namespace (or in none); nothing for a foreign element.
     std::optional<std::string_view> SvgName(std::string_view name) const;
-    TOpen OpenChild(std::string_view name, const char** attributes);
-    void StartElement(TOpen& open, std::string_view name, const char** attributes);
+    TOpen OpenChild(std::string_view name);
+    void StartElement(TOpen& open, std::string_view name);
     std::string_view LocalAttribute(std::string_view name) const;
     void ApplyAttribute(TSVGElement& element, std::string_view name, std::string_view value);
     void ApplyDeclarations(TSVGElement& element, const std::vector<TDeclaration>& declarations,
@@ -130,9 +138,10 @@ private:
     XML_Parser FParser = nullptr;
     std::vector<TOpen> FOpen;
     std::unordered_map<std::string_view, std::vector<std::string>>
-        FNamespaces;                   ///< by prefix, the innermost last
-    std::deque<std::string> FPrefixes; ///< in the order in which they were bound
-    std::size_t FContentSize = 0;      ///< of all attributes and characters, entities expanded
+        FNamespaces;                           ///< by prefix, the innermost last
+    std::deque<std::string> FPrefixes;         ///< in the order in which they were bound
+    std::size_t FContentSize = 0;              ///< of all attributes and characters, entities expanded
+    std::vector<TSourceAttribute> FAttributes; ///< of the element that is being opened
     std::string FSheetText;
     std::string FCharacters;
     TStyleSheet FSheet;
@@ -200,13 +209,23 @@ bool TSVGReader::CountContent(std::size_t size) {
     return false;
 }
 
-void TSVGReader::BindNamespaces(const char** attributes) {
-    for (; *attributes; attributes += 2) {
-        const std::string_view name = attributes[0];
-        if (name != "xmlns" && !name.starts_with("xmlns:")) continue;
+/// Keeps the attributes of the element that begins; false where they are too much.
+bool TSVGReader::TakeAttributes(const char** attributes) {
+    FAttributes.clear();
+    std::size_t size = 0;
+    for (const char** a = attributes; *a; a += 2) {
+        const TSourceAttribute& taken = FAttributes.emplace_back(TSourceAttribute{a[0], a[1]});
+        size += taken.Name.size() + taken.Value.size();
+    }
+    return CountContent(size);
+}
+
+void TSVGReader::BindNamespaces() {
+    for (const auto& [name, value] : FAttributes) {
+        if (!name.starts_with("xmlns") || (name.size() > 5 && name[5] != ':')) continue;
         const std::string& prefix =
             FPrefixes.emplace_back(name.substr(std::min<std::size_t>(name.size(), 6)));
-        FNamespaces[prefix].emplace_back(attributes[1]);
+        FNamespaces[prefix].emplace_back(value);
     }
 }
 
@@ -237,12 +256,9 @@ std::optional<std::string_view> TSVGReader::SvgName(std::string_view name) const
 void TSVGReader::Start(const char* name, const char** attributes) {
     if (!FFault.empty()) return; // expat may call once more after it was stopped
     FlushText();
-    std::size_t size = 0;
-    for (const char** a = attributes; *a; ++a)
-        size += std::string_view(*a).size();
-    if (!CountContent(size)) return;
+    if (!TakeAttributes(attributes)) return;
     const std::size_t namespaces = FPrefixes.size();
-    BindNamespaces(attributes);
+    BindNamespaces();
     const auto svgName = SvgName(name);
     TOpen open;
     if (!FHasRoot) {
@@ -253,37 +269,36 @@ void TSVGReader::Start(const char* name, const char** attributes) {
             return;
         }
         open.Element = &FDocument;
-        StartElement(open, *svgName, attributes);
+        StartElement(open, *svgName);
     } else if (svgName && !FOpen.empty() && FOpen.back().Element && !FOpen.back().IsSheet) {
-        open = OpenChild(*svgName, attributes);
+        open = OpenChild(*svgName);
     }
     open.Namespaces = namespaces;
     FOpen.push_back(open);
 }
 
-TSVGReader::TOpen TSVGReader::OpenChild(std::string_view name, const char** attributes) {
+TSVGReader::TOpen TSVGReader::OpenChild(std::string_view name) {
     TOpen open;
     if (name == "style") {
         open.IsSheet = true;
-        open.Element = IsCss(attributes) ? FOpen.back().Element : nullptr;
+        open.Element = IsCss(FAttributes) ? FOpen.back().Element : nullptr;
         FSheetText.clear();
     } else if (FOpen.size() >= TSVGDocument::MaxDepth) {
         Note("elements nested deeper than " + std::to_string(TSVGDocument::MaxDepth) + " are skipped");
     } else if (auto element = MakeElement(name, *FOpen.back().Element)) {
         open.Element = &FOpen.back().Element->AddChild(std::move(element));
-        StartElement(open, name, attributes);
+        StartElement(open, name);
     } else if (name != "metadata") {
         Note("<" + std::string(name) + "> is skipped");
     }
     return open;
 }
 
-void TSVGReader::StartElement(TOpen& open, std::string_view name, const char** attributes) {
+void TSVGReader::StartElement(TOpen& open, std::string_view name) {
     TSVGElement& element = *open.Element;
     std::string_view style;
-    bool hasHref = false;
-    for (const char** a = attributes; *a; a += 2)
-        hasHref = hasHref || std::string_view(*a) == "href";
+    const bool hasHref =
+        std::ranges::any_of(FAttributes, [](const auto& attribute) { return attribute.Name == "href"; });
     if (FHasSheets) {
         TPending& pending = FPending.emplace_back();
         pending.Element = &element;
@@ -296,16 +311,16 @@ void TSVGReader::StartElement(TOpen& open, std::string_view name, const char** a
             above->LastChild = &pending;
         }
     }
-    for (const char** a = attributes; *a; a += 2) {
-        const std::string_view attribute = LocalAttribute(a[0]);
+    for (const auto& [fullName, value] : FAttributes) {
+        const std::string_view attribute = LocalAttribute(fullName);
         // A plain href goes before one of XLink (SVG 2, 16.1.6).
-        const bool isPrefixed = attribute == "href" && attribute.size() != std::string_view(a[0]).size();
+        const bool isPrefixed = attribute == "href" && attribute.size() != fullName.size();
         if (attribute.empty() || (isPrefixed && hasHref)) continue;
-        if (open.Pending) open.Pending->Attributes.push_back({std::string(attribute), a[1]});
+        if (open.Pending) open.Pending->Attributes.push_back({std::string(attribute), std::string(value)});
         if (attribute == "style")
-            style = a[1];
+            style = value;
         else
-            ApplyAttribute(element, attribute, a[1]);
+            ApplyAttribute(element, attribute, value);
     }
     if (!style.empty() && !FHasSheets) ApplyStyleAttribute(element, style);
 }

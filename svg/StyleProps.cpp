@@ -259,8 +259,11 @@ std::optional<TStyleValue> ParseStyleValue(TSVGStyleProperty property, std::stri
     const TRow& row = RowOf(property);
     text = Trimmed(text);
     std::string unescaped;
-    if (row.Parse != ParseTextValue && IsEscapedWord(text)) text = unescaped = Unescaped(text);
-    if (text.empty() || Trimmed(text).size() != text.size()) return std::nullopt;
+    if (row.Parse != ParseTextValue && IsEscapedWord(text)) {
+        text = unescaped = Unescaped(text);
+        if (Trimmed(text).size() != text.size()) return std::nullopt;
+    }
+    if (text.empty()) return std::nullopt;
     if (EqualsNoCase(text, "inherit")) return TStyleValue{};
     // The words that every property takes (CSS Cascade 4, 7.3).
     const bool isUnset = EqualsNoCase(text, "unset") || EqualsNoCase(text, "revert");

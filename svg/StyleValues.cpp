@@ -62,11 +62,11 @@ std::string ReferenceOf(const std::string& address) {
 
 /// Takes url(...) from the front.
 std::optional<std::string> ReadUrl(TScanner& scanner) {
+    if (!StartsWithNoCase(scanner.Text, "url(")) return std::nullopt;
     const std::string_view before = scanner.Text;
     const auto function = scanner.Function();
     std::string address;
-    if (function && EqualsNoCase(function->Name, "url") && ParseUrlContent(function->Arguments, address) &&
-        !address.empty())
+    if (function && ParseUrlContent(function->Arguments, address) && !address.empty())
         return ReferenceOf(address);
     scanner.Text = before;
     return std::nullopt;
@@ -74,6 +74,7 @@ std::optional<std::string> ReadUrl(TScanner& scanner) {
 
 /// A colour; an icc-color() behind it is passed over (SVG 1.1, 12.3.2).
 std::optional<TVZGPColor> ReadColor(std::string_view text) {
+    if (text.find_first_of(Blanks) == std::string_view::npos) return ParseColor(text);
     const std::size_t end = FindTopLevel(text, Blanks);
     TScanner rest{Trimmed(text.substr(end))};
     if (!rest.AtEnd()) {
