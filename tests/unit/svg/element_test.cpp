@@ -433,7 +433,7 @@ TEST(Style, FindsTheNearestValue) {
                                       "<rect id='r'/><linearGradient id='l'><stop id='s'/></linearGradient></g></g>");
     const TStyleValue* const width = document->FindElement("r")->FindInherited(P::StrokeWidth);
     ASSERT_NE(width, nullptr);
-    EXPECT_EQ(width->Length.GetValue(), 5);
+    EXPECT_EQ(width->Number, 5);
     EXPECT_EQ(document->FindElement("r")->FindInherited(P::Fill), nullptr);
     EXPECT_EQ(document->FindElement("s")->FindInherited(P::StopColor), nullptr) << "is not inherited";
 }
