@@ -375,7 +375,7 @@ TEST(Instrument, OpenSettingsOfAFontAreTheArtworks) {
     font.SetSize(17);
     font.SetWeight(700);
     probe->ApplyFont("Numbers", font);
-    EXPECT_EQ(numbers.GetStyle().Find(TSVGStyleProperty::FontSize)->Length.GetValue(), 17);
+    EXPECT_EQ(numbers.GetStyle().Find(TSVGStyleProperty::FontSize)->Number, 17);
     EXPECT_TRUE(numbers.GetStyle().Contains(TSVGStyleProperty::FontWeight));
     EXPECT_EQ(*numbers.GetStyle().Find(TSVGStyleProperty::FontFamily),
               *drawn.Find(TSVGStyleProperty::FontFamily));

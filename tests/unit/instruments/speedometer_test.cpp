@@ -309,7 +309,7 @@ TEST(Speedometer, FontIsCopied) {
     speed->SetFont(font);
     EXPECT_NE(&speed->GetFont(), &font);
     EXPECT_EQ(speed->GetFont().GetSize(), 14);
-    EXPECT_EQ(speed.Get("Labels").GetStyle().Find(TSVGStyleProperty::FontSize)->Length.GetValue(), 14);
+    EXPECT_EQ(speed.Get("Labels").GetStyle().Find(TSVGStyleProperty::FontSize)->Number, 14);
     EXPECT_EQ(watch.Invalidates, 1);
     speed->SetFont(font);
     EXPECT_EQ(watch.Invalidates, 1);
