@@ -1,28 +1,9 @@
 #include "graphics/RasterDevice.h"
+#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
-
-// Every allocation of this program is counted.
-
-namespace {
-
-std::atomic<long> Allocations{0};
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    ++Allocations;
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 using namespace Vz;
 
@@ -93,10 +74,10 @@ TEST(RasterAllocation, AFrameLikeTheOneBeforeNeedsNone) {
     TFrame frame(200);
     frame.Paint(0.1);
     frame.Paint(0.11);
-    const long before = Allocations;
+    const std::size_t before = Vz::Test::CountAllocations();
     for (int i = 0; i < 50; ++i)
         frame.Paint(0.1);
-    EXPECT_EQ(Allocations - before, 0);
+    EXPECT_EQ(Vz::Test::CountAllocations() - before, 0u);
 }
 
 TEST(RasterAllocation, SmallAndGreatFramesInTurnNeedNone) {
@@ -108,10 +89,10 @@ TEST(RasterAllocation, SmallAndGreatFramesInTurnNeedNone) {
         great.Paint(0.3);
     };
     both();
-    const long before = Allocations;
+    const std::size_t before = Vz::Test::CountAllocations();
     for (int i = 0; i < 10; ++i)
         both();
-    EXPECT_EQ(Allocations - before, 0);
+    EXPECT_EQ(Vz::Test::CountAllocations() - before, 0u);
 }
 
 TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack) {
@@ -119,9 +100,9 @@ TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack) {
     TFrame great(1000);
     great.Paint(0.2);
     const auto needsMemory = [&] {
-        const long before = Allocations;
+        const std::size_t before = Vz::Test::CountAllocations();
         great.Paint(0.2);
-        return Allocations > before;
+        return Vz::Test::CountAllocations() > before;
     };
     EXPECT_FALSE(needsMemory());
     for (int i = 0; i < 100; ++i)

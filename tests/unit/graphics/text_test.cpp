@@ -23,15 +23,16 @@ const std::filesystem::path FontFolder = std::filesystem::path(Test::TestsFolder
 constexpr double Digit = 0.572; // advance of each digit of the tests' font, in em
 constexpr double NoGlyph = 0.6; // of the box for what it lacks
 
-/// A file with a font configuration of its own, deleted afterwards.
+/// A file with a font configuration of its own, deleted afterwards. It and what fontconfig keeps of it stand
+/// in a folder that has an empty folder `fonts`.
 class TConfigurationFile {
 public:
     explicit TConfigurationFile(const std::string& body)
         : FFolder(std::filesystem::temp_directory_path() / ("text-test-" + std::to_string(getpid()))) {
         std::filesystem::create_directories(FFolder / "fonts");
         std::ofstream(FFolder / "fonts.conf")
-            << "<?xml version=\"1.0\"?>\n<fontconfig>" << body << "<cachedir>" << FFolder.string()
-            << "</cachedir></fontconfig>\n";
+            << "<?xml version=\"1.0\"?>\n<fontconfig><cachedir>" << FFolder.string() << "</cachedir><dir>"
+            << (FFolder / "fonts").string() << "</dir>" << body << "</fontconfig>\n";
     }
     ~TConfigurationFile() { std::filesystem::remove_all(FFolder); }
     std::string GetName() const { return (FFolder / "fonts.conf").string(); }
@@ -42,7 +43,7 @@ private:
 
 class TextTest : public testing::Test {
 protected:
-    void SetUp() override { SetFontConfiguration((FontFolder / "fonts.conf").string()); }
+    void SetUp() override { SetFontConfiguration(""); } // the surroundings', which is that of the tests' font
 };
 
 std::vector<TCluster> Shape(std::string_view text, const TTextStyle& style,
@@ -515,7 +516,7 @@ TEST_F(TextTest, ManySpansAreCoveredWhole) {
 }
 
 TEST_F(TextTest, WithoutAnyFontTextIsBlank) {
-    const TConfigurationFile none("<dir prefix=\"relative\">fonts</dir>");
+    const TConfigurationFile none("");
     SetFontConfiguration(none.GetName());
     TTextStyle style;
     style.Size = 10;
@@ -537,11 +538,12 @@ TEST_F(TextTest, AConfigurationThatCannotBeReadChangesNothing) {
     EXPECT_NEAR(GetWidth(Shape("2")), 572, 1e-9);
 }
 
-TEST_F(TextTest, TheSystemsConfigurationCanBeUsed) {
-    SetFontConfiguration("");
-    const auto clusters = Shape("240");
-    EXPECT_EQ(GetOrder(clusters), "0-1 1-2 2-3");
-    EXPECT_GT(GetWidth(clusters), 0);
+TEST_F(TextTest, AConfigurationOfOnesOwnCanBeUsed) {
+    SetFontConfiguration(TConfigurationFile("").GetName());
+    EXPECT_TRUE(Shape("2").front().Outline.IsEmpty());
+    SetFontConfiguration(TConfigurationFile("<dir>" + FontFolder.string() + "</dir>").GetName());
+    EXPECT_FALSE(Shape("2").front().Outline.IsEmpty());
+    EXPECT_NEAR(GetWidth(Shape("2")), 572, 1e-9);
 }
 
 TEST_F(TextTest, ThreadsMayShapeAtOnce) {

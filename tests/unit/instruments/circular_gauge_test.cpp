@@ -1,7 +1,7 @@
 #include "instruments/CircularGauge.h"
 
-#include "Allocations.h"
 #include "GaugeProbe.h"
+#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "instruments/meters/Vz.Tavro.Speedometers.h"
 
-#include "Allocations.h"
 #include "SpeedometerProbe.h"
 #include "package/Package.h"
 #include "runtime/FormFile.h"
 #include "runtime/PropAccess.h"
+#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 

@@ -4,48 +4,12 @@
 #include "controls/Form.h"
 #include "graphics/RasterDevice.h"
 #include "svg/Servers.h"
+#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-#include <new>
 #include <random>
-
-namespace {
-
-std::size_t Allocations = 0;
-
-void* Allocate(std::size_t size) {
-    ++Allocations;
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-void* AllocateAligned(std::size_t size, std::align_val_t alignment) {
-    ++Allocations;
-    const auto step = static_cast<std::size_t>(alignment);
-    if (void* memory = std::aligned_alloc(step, (size + step) / step * step)) return memory;
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-// The program's own allocation functions: they count.
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return AllocateAligned(size, alignment); }
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-    return AllocateAligned(size, alignment);
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace Vz::Test {
 namespace {
@@ -416,16 +380,16 @@ std::size_t AllocationsOfFrames(TScene& scene, bool whole) {
     };
     for (int step = 0; step < 120; ++step)
         frame(step);
-    const std::size_t before = Allocations;
+    const std::size_t before = CountAllocations();
     for (int step = 120; step < 240; ++step)
         frame(step);
-    return Allocations - before;
+    return CountAllocations() - before;
 }
 
 TEST(ControlFrames, AllocationsAreCounted) {
-    const std::size_t before = Allocations;
+    const std::size_t before = CountAllocations();
     const auto number = std::make_unique<int>(7);
-    EXPECT_EQ(Allocations - before, 1u);
+    EXPECT_EQ(CountAllocations() - before, 1u);
     EXPECT_EQ(*number, 7);
 }
 

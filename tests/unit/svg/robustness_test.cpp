@@ -2,6 +2,7 @@
 // and drawn in a process of its own.
 
 #include "DocumentScene.h"
+#include "tests/support/Costs.h"
 
 #include <gtest/gtest.h>
 
@@ -12,27 +13,8 @@
 #include <cstring>
 #include <functional>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TAVRO_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
-#define TAVRO_SANITIZED 1
-#endif
-#endif
-
 namespace Vz::Test {
 namespace {
-
-#ifdef TAVRO_SANITIZED
-constexpr bool IsSanitized = true;
-#else
-constexpr bool IsSanitized = false;
-#endif
-#ifdef NDEBUG
-constexpr double Slowness = IsSanitized ? 20 : 1;
-#else
-constexpr double Slowness = 20;
-#endif
 
 /// Processor seconds for reading and drawing, and for reading, drawing, asking and writing.
 constexpr double DrawSeconds = 2 * Slowness;
@@ -48,15 +30,8 @@ struct TReport {
     char Reason[100] = "";
 };
 
-double SecondsNow() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) { return double(t.tv_sec) + double(t.tv_usec) * 1e-6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 void Exercise(const std::string& text, unsigned width, unsigned height, TReport& report) {
-    const double start = SecondsNow();
+    const double start = ProcessorSeconds();
     TSVGDocument document;
     try {
         document.LoadFromText(text);
@@ -67,11 +42,11 @@ void Exercise(const std::string& text, unsigned width, unsigned height, TReport&
         report.Raised = true;
         std::strncpy(report.Reason, error.what(), sizeof report.Reason - 1);
     }
-    report.DrawSeconds = SecondsNow() - start;
+    report.DrawSeconds = ProcessorSeconds() - start;
     document.GetBounds();
     document.ElementAt({50, 50});
     document.WriteText();
-    report.AllSeconds = SecondsNow() - start;
+    report.AllSeconds = ProcessorSeconds() - start;
     report.Ended = true;
 }
 

@@ -1,11 +1,35 @@
-#include "Allocations.h"
+#include "tests/support/Allocations.h"
 
+#include "tests/support/Costs.h"
+
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::size_t Allocations = 0;
+std::atomic<std::size_t> Allocations = 0;
+
+} // namespace
+
+#ifdef TAVRO_SANITIZED
+
+// A sanitizer has allocation functions of its own, which find what ours would hide; it tells of each call.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void*, std::size_t),
+                                                         void (*onFree)(const volatile void*));
+
+namespace {
+
+void Count(const volatile void*, std::size_t) { ++Allocations; }
+void Ignore(const volatile void*) {}
+
+[[maybe_unused]] const int Installed = __sanitizer_install_malloc_and_free_hooks(Count, Ignore);
+
+} // namespace
+
+#else
+
+namespace {
 
 void* Allocate(std::size_t size) {
     ++Allocations;
@@ -37,6 +61,8 @@ void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory
 void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
+
+#endif
 
 namespace Vz::Test {
 
