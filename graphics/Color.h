@@ -1,7 +1,5 @@
 #pragma once
 
-#include "runtime/Rounding.h"
-
 #include <cstdint>
 
 namespace Vz {
@@ -27,10 +25,7 @@ constexpr TVZGPColor WithAlpha(TVZGPColor color, unsigned alpha) {
 
 /// The colour with its alpha multiplied by an opacity, clamped to 0..1 (not-a-number counts as 0); rounded to
 /// nearest, a half to the even number.
-inline TVZGPColor Faded(TVZGPColor color, double opacity) {
-    opacity = opacity > 0 ? opacity < 1 ? opacity : 1 : 0;
-    return WithAlpha(color, static_cast<unsigned>(RoundHalfEven(AlphaOf(color) * opacity)));
-}
+TVZGPColor Faded(TVZGPColor color, double opacity);
 
 /// The colour with its channels multiplied by its alpha, each rounded to nearest: the form pixels have.
 constexpr std::uint32_t Premultiply(TVZGPColor color) {

@@ -1,5 +1,7 @@
 #include "graphics/PaintDevice.h"
 
+#include "graphics/LayerPair.h"
+
 namespace Vz {
 
 namespace {

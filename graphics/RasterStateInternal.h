@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/CoverageInternal.h"
+#include "graphics/LayerPair.h"
 #include "graphics/PaintSourceInternal.h"
 #include "graphics/RasterDevice.h"
 

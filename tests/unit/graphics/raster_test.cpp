@@ -1,4 +1,5 @@
 #include "graphics/RasterDevice.h"
+#include "graphics/LayerPair.h"
 #include "graphics/RowOpsInternal.h"
 
 #include <gtest/gtest.h>
