@@ -15,5 +15,6 @@ int main(int count, char** arguments) {
     qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     testing::InitGoogleTest(&count, arguments);
     QApplication application(count, arguments);
+    QApplication::setCursorFlashTime(0); // pictures of a window show the same caret at any time
     return RUN_ALL_TESTS();
 }
