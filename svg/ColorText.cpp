@@ -1,5 +1,7 @@
 #include "svg/ColorText.h"
 
+#include "runtime/Rounding.h"
+
 #include "svg/Scan.h"
 
 #include <algorithm>
