@@ -106,10 +106,10 @@ void TSVGPainter::PaintPath(const TSVGElement& parent, const TPaintContext& cont
     for (const auto& child : parent.Children()) {
         const auto* const element = child->AsGraphic();
         const bool isNext = child.get() == next;
-        if (isNext && next != FPivot)
-            StepDown(*element, context);
-        else if (element && (isNext ? FPass == TPaintPass::Element
-                                    : FPass == (passed ? TPaintPass::After : TPaintPass::Before)))
+        if (isNext && next != FPivot) {
+            if (element) StepDown(*element, context); // what stands in a gradient is in no picture
+        } else if (element && (isNext ? FPass == TPaintPass::Element
+                                      : FPass == (passed ? TPaintPass::After : TPaintPass::Before)))
             PaintElement(*element, context);
         passed = passed || isNext;
         if (isSwitch && element && element->ConditionsHold()) return;

@@ -308,6 +308,19 @@ TEST(Painter, DrawsNothingOfAnotherDocument) {
     EXPECT_TRUE(DrawingOf(bitmap).IsEmpty());
 }
 
+TEST(Painter, AShapeInAGradientIsInNoPicture) {
+    const auto document = LoadContent("<linearGradient><rect id='pivot' width='50' height='50'/></linearGradient>"
+                                      "<rect x='60' width='9' height='9' fill='red'/>");
+    const auto& pivot = *document->Find<TSVGGraphicElement>("pivot");
+    EXPECT_TRUE(document->GetDrawBounds({}, pivot).IsEmpty());
+    TVZGPBitmap bitmap(100, 100);
+    document->DrawElement(bitmap.GetCanvas(), {}, pivot);
+    EXPECT_TRUE(DrawingOf(bitmap).IsEmpty());
+    document->DrawBefore(bitmap.GetCanvas(), {}, pivot);
+    document->DrawAfter(bitmap.GetCanvas(), {}, pivot);
+    EXPECT_EQ(DrawingOf(bitmap), Drawn(*document));
+}
+
 TEST(Painter, DrawsThroughTheCanvasTransform) {
     const auto document = LoadContent("<rect width='10' height='10' fill='red'/>");
     TVZGPBitmap bitmap(100, 100);
