@@ -10,7 +10,7 @@ namespace {
 
 /// Disjoint rectangles under construction, without memory of their own: a region is small.
 struct TPieces {
-    static constexpr std::size_t Most = TRegion::MaxRects;
+    static constexpr std::size_t Most = 256;
     std::array<TRect, Most> Rects;
     std::size_t Count = 0;
     bool TooMany = false;
@@ -37,6 +37,11 @@ struct TPieces {
 bool Encloses(const TRect& outer, const TRect& inner) {
     return outer.Left <= inner.Left && outer.Top <= inner.Top && outer.Right >= inner.Right &&
            outer.Bottom >= inner.Bottom;
+}
+
+/// True where the rectangles share pixels or sides.
+bool Touches(const TRect& a, const TRect& b) {
+    return a.Left <= b.Right && b.Left <= a.Right && a.Top <= b.Bottom && b.Top <= a.Bottom;
 }
 
 /// One rectangle of a and b where they make one together.
@@ -83,6 +88,12 @@ bool TRegion::Intersects(const TRect& rect) const {
 
 void TRegion::Add(const TRect& rect) {
     if (rect.IsEmpty()) return;
+    const bool isApart = std::none_of(FRects.begin(), FRects.end(),
+                                      [&rect](const TRect& r) { return Touches(r, rect); });
+    if (isApart && FRects.size() < MaxRects) { // as the regions of many controls are
+        FRects.insert(std::upper_bound(FRects.begin(), FRects.end(), rect, IsBefore), rect);
+        return;
+    }
     std::erase_if(FRects, [&rect](const TRect& r) { return Encloses(rect, r); });
     TPieces pieces[2];
     TPieces* current = &pieces[0];

@@ -11,7 +11,7 @@ namespace Vz {
 /// MaxRects rectangles becomes its bounding box.
 class TRegion {
 public:
-    static constexpr std::size_t MaxRects = 256;
+    static constexpr std::size_t MaxRects = 2048;
 
     TRegion() = default;
     explicit TRegion(const TRect& rect) { Add(rect); }
