@@ -18,7 +18,7 @@ constexpr double TolerancePx = 0.03;
 /// makes up for rounding must not have a direction of its own.
 constexpr double MergePx = 1.0 / 1024;
 /// The most chords of one curve, and of all curves (or joins) of one shape together.
-constexpr int CurveLimit = 1 << 16;
+constexpr int CurveLimit = 1 << 13;
 /// The most chords of a curve that only straighten the ends of a wide stroke.
 constexpr double TurnChordLimit = 2048;
 constexpr std::size_t ShapeLimit = std::size_t{1} << 21;
