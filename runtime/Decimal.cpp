@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <cstdint>
 
 namespace Vz {
 
@@ -27,6 +29,15 @@ TDecimal FromScientific(const char* at, const char* end) {
     return decimal;
 }
 
+TDecimal FromWhole(std::int64_t value) {
+    TDecimal decimal;
+    decimal.Negative = value < 0;
+    decimal.Digits = std::to_string(value < 0 ? -value : value);
+    decimal.Exponent = static_cast<int>(decimal.Digits.size());
+    decimal.Digits.erase(decimal.Digits.find_last_not_of('0') + 1);
+    return decimal;
+}
+
 template <class... A> TDecimal Convert(A... arguments) {
     std::array<char, 128> text;
     const auto result = std::to_chars(text.data(), text.data() + text.size(), arguments...);
@@ -38,6 +49,11 @@ template <class... A> TDecimal Convert(A... arguments) {
 TDecimal ShortestDecimal(float value) { return Convert(value, std::chars_format::scientific); }
 TDecimal ShortestDecimal(double value) { return Convert(value, std::chars_format::scientific); }
 TDecimal RoundedDecimal(double value, int digits) {
+    // Whole numbers, which scales are mostly numbered by, have no digits to be found out.
+    constexpr double wholeLimit = 1e15;
+    constexpr int wholeDigits = 15;
+    if (digits >= wholeDigits && value != 0 && std::abs(value) < wholeLimit && std::trunc(value) == value)
+        return FromWhole(static_cast<std::int64_t>(value));
     return Convert(value, std::chars_format::scientific, digits - 1);
 }
 

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <istream>
 #include <iterator>
+#include <utility>
 
 namespace Vz {
 
@@ -42,7 +43,7 @@ void TSVGDocument::LoadFromText(std::string_view text, std::string_view source) 
     TSVGDocument fresh;
     fresh.FEmbeddingDepth = FEmbeddingDepth;
     ReadSvg(text, source, fresh);
-    TakeContent(fresh);
+    TakeContent(fresh, fresh.FIds.size());
 }
 
 void TSVGDocument::LoadFromStream(std::istream& stream, std::string_view source) {
@@ -60,7 +61,7 @@ void TSVGDocument::LoadFromFile(const std::string& path) {
     LoadFromText(ReadWholeFile(path, MaxTextSize), path);
 }
 
-void TSVGDocument::TakeContent(TSVGDocument& other) {
+void TSVGDocument::TakeContent(TSVGDocument& other, std::size_t idCount) {
     const bool enabled = GetEnabled();
     BeginUpdate();
     FIds.clear();
@@ -69,15 +70,14 @@ void TSVGDocument::TakeContent(TSVGDocument& other) {
     FEnabled = enabled;
     FDuplicateIds = other.FDuplicateIds;
     FDiagnostics = std::move(other.FDiagnostics);
-    FChildren = std::move(other.FChildren);
+    FChildren = std::exchange(other.FChildren, {});
     FId = other.FId;
-    for (const auto& child : FChildren) {
-        child->FParent = this;
-        ForTree(*child, [this](TSVGElement& element) { element.FDocument = this; });
-    }
     other.FIds.clear();
-    other.FChildren.clear();
+    for (const auto& child : FChildren)
+        child->FParent = this;
+    FIds.reserve(idCount);
     ForTree(*this, [this](TSVGElement& element) {
+        element.FDocument = this;
         if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
     });
     Changed(TSVGChangeKind::Structure);
@@ -94,7 +94,7 @@ void TSVGDocument::AssignContent(const TSVGDocument& source) {
         copy.FChildren.push_back(child->CloneInto(copy, true));
         copy.FChildren.back()->FParent = &copy;
     }
-    TakeContent(copy);
+    TakeContent(copy, source.FIds.size());
 }
 
 void TSVGDocument::SaveToFile(const std::string& path) const { WriteFileAtomically(path, WriteText()); }
@@ -193,6 +193,7 @@ void TSVGDocument::Unregister(std::span<const std::unique_ptr<TSVGElement>> root
 void TSVGDocument::Notify(const TSVGChange& change) {
     ++FChangeCount;
     if (change.Kind != TSVGChangeKind::Place) ++FEpoch;
+    if (change.Kind == TSVGChangeKind::Structure) ++FStructureEpoch;
     if (FUpdateCount > 0) {
         FPending = true;
         FPendingChange = change;

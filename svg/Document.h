@@ -121,6 +121,8 @@ public:
     std::uint64_t GetEpoch() const { return FEpoch; }
     /// Grows with every change.
     std::uint64_t GetChangeCount() const { return FChangeCount; }
+    /// Grows with every element that comes or goes.
+    std::uint64_t GetStructureEpoch() const { return FStructureEpoch; }
 
 private:
     friend class TSVGElement;
@@ -139,8 +141,8 @@ private:
     /// All elements with a blend mode of their own.
     const std::vector<const TSVGElement*>& BlendingElements() const;
     void AddDiagnostic(std::string text);
-    /// Takes over the content of another document, which is empty afterwards.
-    void TakeContent(TSVGDocument& other);
+    /// Takes over the content of another document, which is empty afterwards and had so many ids.
+    void TakeContent(TSVGDocument& other, std::size_t idCount);
 
     std::unordered_map<std::string_view, TSVGElement*> FIds;
     bool FDuplicateIds = false;
@@ -149,6 +151,7 @@ private:
     TSVGChange FPendingChange{};
     std::uint64_t FEpoch = 1;
     std::uint64_t FChangeCount = 1;
+    std::uint64_t FStructureEpoch = 1;
     mutable std::vector<const TSVGElement*> FBlending; ///< of the epoch FBlendingEpoch
     mutable std::uint64_t FBlendingEpoch = 0;
     TSVGPreserveAspectRatio FPlacement;

@@ -72,10 +72,10 @@ void TVZSVGControl::ReplaceContent(const std::function<void()>& load) {
     Invalidate();
 }
 
-/// Forgets an active element that has left the document. Looks only where the tree may have changed.
+/// Forgets an active element that has left the document. Looks only where the tree has changed.
 void TVZSVGControl::CheckActiveElement() const {
-    if (!FActiveSVGElement || FSVG->GetEpoch() == FCheckedEpoch) return;
-    FCheckedEpoch = FSVG->GetEpoch();
+    if (!FActiveSVGElement || FSVG->GetStructureEpoch() == FCheckedEpoch) return;
+    FCheckedEpoch = FSVG->GetStructureEpoch();
     if (Holds(*FSVG, FActiveSVGElement)) return;
     FActiveSVGElement = nullptr;
     FBuffersStale = true;

@@ -177,7 +177,7 @@ private:
     int FQuality = 1;
 
     /// Epoch of the document when the active element was last looked for in it.
-    mutable std::uint64_t FCheckedEpoch = 0;
+    mutable std::uint64_t FCheckedEpoch = 0; ///< of the structure
     TAffine FSurface; ///< control pixels -> device pixels of the last painting, without the transform
     TCachePlan FPlan; ///< of the caches as they are
     std::shared_ptr<TKeptLayers> FLayers;        ///< the caches as they are

@@ -1,12 +1,12 @@
 #include "svg/VZSVGGraphics.h"
 
 #include "runtime/Exceptions.h"
-#include "runtime/Updates.h"
 #include "svg/Shapes.h"
 
 #include <cassert>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace Vz {
 
@@ -22,15 +22,15 @@ TMatrix TurnStep(const TPointF& center, float angleDeg) {
 }
 
 void Repeat(TVZPathData& pathData, const TMatrix& step, int count) {
-    InUpdate(pathData, [&] {
-        if (count <= 0 || !IsFinite(step)) return;
-        TVZPathData copy;
-        copy.Assign(pathData);
-        for (int i = 0; i < count; ++i) {
-            copy.ApplyMatrix(step);
-            pathData.Append(copy);
-        }
-    });
+    if (count <= 0 || !IsFinite(step)) return;
+    const TAffine affine = TAffine::FromMatrix(step);
+    TFigures copy = pathData.GetFigures();
+    TFigures all = copy;
+    for (int i = 0; i < count; ++i) {
+        if (affine != TAffine{}) copy.Transform(affine);
+        all.Append(copy);
+    }
+    pathData.SetFigures(std::move(all));
 }
 
 void Repeat(TSVGPath& path, const TMatrix& step, int count) {
