@@ -10,22 +10,53 @@ namespace {
 
 bool IsOpaque(std::uint32_t pixel) { return pixel >> 24 == 255; }
 
-/// The run of columns [first, end) with everything for which `holds` outside of it cut off at both ends.
-template <class TTest> void Trim(const std::uint32_t* row, int& first, int& end, TTest holds) {
-    while (first < end && holds(row[first]))
+constexpr int Block = 16; ///< pixels that are looked at in one go
+
+/// The first column from `first` on that is not transparent, else `end`.
+int FirstUsed(const std::uint32_t* row, int first, int end) {
+    for (; first + Block <= end; first += Block) {
+        std::uint32_t any = 0;
+        for (int i = 0; i < Block; ++i)
+            any |= row[first + i];
+        if (any != 0) break;
+    }
+    while (first < end && row[first] == 0)
         ++first;
-    while (end > first && holds(row[end - 1]))
+    return first;
+}
+
+/// One behind the last column before `end` that is not transparent, else `first`.
+int EndOfUsed(const std::uint32_t* row, int first, int end) {
+    for (; end - Block >= first; end -= Block) {
+        std::uint32_t any = 0;
+        for (int i = 1; i <= Block; ++i)
+            any |= row[end - i];
+        if (any != 0) break;
+    }
+    while (end > first && row[end - 1] == 0)
         --end;
+    return end;
+}
+
+/// The first column from `first` on that is not opaque, else `end`.
+int EndOfOpaque(const std::uint32_t* row, int first, int end) {
+    for (; first + Block <= end; first += Block) {
+        std::uint32_t all = ~0u;
+        for (int i = 0; i < Block; ++i)
+            all &= row[first + i];
+        if (!IsOpaque(all)) break;
+    }
+    while (first < end && IsOpaque(row[first]))
+        ++first;
+    return first;
 }
 
 /// A box around the pixels that are not transparent.
 TRect UsedPixels(const TPixels& pixels) {
     TRect used;
     for (int y = 0; y < pixels.Height; ++y) {
-        int first = 0;
-        int end = pixels.Width;
-        Trim(pixels.Row(y), first, end, [](std::uint32_t pixel) { return pixel == 0; });
-        used = Union(used, {first, y, end, y + 1});
+        const int first = FirstUsed(pixels.Row(y), 0, pixels.Width);
+        used = Union(used, {first, y, EndOfUsed(pixels.Row(y), first, pixels.Width), y + 1});
     }
     return used;
 }
@@ -33,16 +64,15 @@ TRect UsedPixels(const TPixels& pixels) {
 /// The used columns of a row, and the longest run of opaque ones among them.
 TLayerRow Describe(const std::uint32_t* row, int width) {
     TLayerRow found;
-    found.UsedEnd = width;
-    Trim(row, found.UsedFirst, found.UsedEnd, [](std::uint32_t pixel) { return pixel == 0; });
-    const std::uint32_t* const end = row + found.UsedEnd;
-    for (const std::uint32_t* at = row + found.UsedFirst; (at = std::find_if(at, end, IsOpaque)) != end;) {
-        const std::uint32_t* const last = std::find_if_not(at, end, IsOpaque);
-        if (last - at > found.OpaqueEnd - found.OpaqueFirst) {
-            found.OpaqueFirst = static_cast<int>(at - row);
-            found.OpaqueEnd = static_cast<int>(last - row);
+    found.UsedFirst = FirstUsed(row, 0, width);
+    found.UsedEnd = EndOfUsed(row, found.UsedFirst, width);
+    for (int at = found.UsedFirst; at < found.UsedEnd;) {
+        const int end = EndOfOpaque(row, at, found.UsedEnd);
+        if (end - at > found.OpaqueEnd - found.OpaqueFirst) {
+            found.OpaqueFirst = at;
+            found.OpaqueEnd = end;
         }
-        at = last;
+        at = end + 1;
     }
     return found;
 }
@@ -67,28 +97,25 @@ void TLayerPair::Set(const TPixels& before, const TPixels& after) {
     for (int y = 0; y < before.Height; ++y) {
         TLayerRow& row = FRows[static_cast<std::size_t>(y)];
         row = Describe(FBoth.Row(y), FBoth.Width);
-        if (y >= FAfterUsed.Top && y < FAfterUsed.Bottom)
-            row.IsExact = MergesExactly(before.Row(y), after.Row(y), FAfterUsed.Left, FAfterUsed.Right);
+        for (const TLayerRun& run : AfterRuns(y))
+            row.IsExact = row.IsExact && MergesExactly(before.Row(y), after.Row(y), run.First, run.End);
     }
 }
 
 void TLayerPair::FindAfterRuns() {
     constexpr int leastGap = 32;
-    const auto isUsed = [](std::uint32_t pixel) { return pixel != 0; };
     FAfterRuns.clear();
     FFirstRun.assign(1, 0);
     for (int y = 0; y < FAfter.Height; ++y) {
         const bool isIn = y >= FAfterUsed.Top && y < FAfterUsed.Bottom;
         const std::uint32_t* const row = FAfter.Row(y);
-        const std::uint32_t* const end = row + (isIn ? FAfterUsed.Right : 0);
-        for (const std::uint32_t* at = row; (at = std::find_if(at, end, isUsed)) < end;) {
-            const std::uint32_t* const last = std::find(at, end, 0u);
-            const int first = static_cast<int>(at - row);
-            const bool isNear =
-                FAfterRuns.size() > FFirstRun.back() && first - FAfterRuns.back().End < leastGap;
-            if (!isNear) FAfterRuns.push_back({first, first});
-            FAfterRuns.back().End = static_cast<int>(last - row);
-            at = last;
+        const int end = isIn ? FAfterUsed.Right : 0;
+        for (int at = 0; (at = FirstUsed(row, at, end)) < end;) {
+            const bool isNear = FAfterRuns.size() > FFirstRun.back() && at - FAfterRuns.back().End < leastGap;
+            if (!isNear) FAfterRuns.push_back({at, at});
+            while (at < end && row[at] != 0)
+                ++at;
+            FAfterRuns.back().End = at;
         }
         FFirstRun.push_back(FAfterRuns.size());
     }

@@ -25,16 +25,24 @@ struct TKeptByHash {
 
 thread_local TKeptByHash Kept;
 
-/// Four sums at a time, each as FNV does it, but for pairs of pixels; folded at the end.
+/// Four sums at a time, each of every fourth pair of pixels, as FNV makes it of bytes.
 std::uint64_t Hash(const TPixels& pixels, std::uint64_t seed) {
-    constexpr std::uint64_t prime = 0x100000001B3u;
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15u;
+    constexpr int step = 8;
     std::uint64_t sums[4] = {seed, seed + 1, seed + 2, seed + 3};
     for (int y = 0; y < pixels.Height; ++y) {
         const std::uint32_t* const row = pixels.Row(y);
-        for (int x = 0; x < pixels.Width; ++x)
-            sums[x & 3] = (sums[x & 3] ^ row[x]) * prime;
+        int x = 0;
+        for (; x + step <= pixels.Width; x += step) {
+            std::uint64_t pairs[4];
+            std::memcpy(pairs, row + x, sizeof pairs);
+            for (int i = 0; i < 4; ++i)
+                sums[i] = (sums[i] ^ pairs[i]) * factor;
+        }
+        for (; x < pixels.Width; ++x)
+            sums[x & 3] = (sums[x & 3] ^ row[x]) * factor;
     }
-    return ((sums[0] * prime ^ sums[1]) * prime ^ sums[2]) * prime ^ sums[3];
+    return ((sums[0] * factor ^ sums[1]) * factor ^ sums[2]) * factor ^ sums[3];
 }
 
 bool AreEqual(const TPixels& a, const TPixels& b) {
