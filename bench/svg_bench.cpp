@@ -4,6 +4,7 @@
 
 #include "Expat.h"
 #include "Floor.h"
+#include "Scene.h"
 #include "Timing.h"
 
 #include "controls/Form.h"
@@ -14,32 +15,13 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include <cmath>
 #include <cstring>
-#include <fstream>
-#include <numbers>
 #include <optional>
-#include <sstream>
 
 namespace {
 
 using namespace Vz;
 using namespace Bench;
-
-struct TArtwork {
-    const char* File;
-    const char* Moving; ///< id of the element that turns
-    float Center;       ///< of the turn, x and y
-};
-constexpr TArtwork Artworks[] = {{"SpeedometerSVG.svg", "NeedleGroup", 200},
-                                 {"CircularGaugeSVG.svg", "Hands", 100}};
-
-std::string ReadArtwork(const TArtwork& artwork) {
-    std::ifstream file(std::string(TAVRO_SOURCE_DIR "/resources/") + artwork.File, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 TRectF Square(int size) { return VZRect(0, 0, static_cast<float>(size), static_cast<float>(size)); }
 
@@ -78,57 +60,6 @@ void Load(benchmark::State& state) {
     state.SetLabel(artwork.File);
 }
 BENCHMARK(Load)->Arg(0)->Arg(1)->Iterations(60)->Unit(benchmark::kMillisecond);
-
-/// A control that shows an artwork on a host without a window, and turns one element in steps of a sweep.
-struct TScene {
-    TScene(const TArtwork& artwork, int size)
-        : Artwork(artwork)
-        , Moving(Load(artwork, size))
-        , Host(*Control) {
-        Host.Paint();
-    }
-
-    /// The edit of a frame, as an instrument's setter makes it.
-    void Turn(int frame) {
-        const double angleDeg = -135 + 270.0 / FramesPerSweep * frame;
-        Control->GetDocument().BeginUpdate();
-        Moving->SetMatrix(CreateRotationVZMatrix({Artwork.Center, Artwork.Center},
-                                                 static_cast<float>(angleDeg * std::numbers::pi / 180)));
-        Control->GetDocument().EndUpdate();
-        Control->Invalidate();
-    }
-    /// What the host is to paint in each frame of a sweep.
-    std::vector<std::vector<TRect>> StaleRects() {
-        std::vector<std::vector<TRect>> frames;
-        Rewind();
-        for (int frame = 0; frame < FramesPerSweep; ++frame) {
-            Turn(frame);
-            const auto rects = Host.GetStale().Rects();
-            frames.emplace_back(rects.begin(), rects.end());
-            Host.PaintStale();
-        }
-        return frames;
-    }
-    /// Goes to the frame before the first.
-    void Rewind() {
-        Turn(-1);
-        Host.Paint();
-    }
-
-    const TArtwork& Artwork;
-    const std::unique_ptr<TVZSVGControl> Control = TVZSVGControl::Create();
-    TSVGGraphicElement* const Moving;
-    THeadlessHost Host;
-
-private:
-    TSVGGraphicElement* Load(const TArtwork& artwork, int size) {
-        Control->LoadFromText(ReadArtwork(artwork));
-        Control->SetBounds(0, 0, size, size);
-        auto* const moving = Control->GetDocument().Find<TSVGGraphicElement>(artwork.Moving);
-        Control->SetActiveSVGElement(moving);
-        return moving;
-    }
-};
 
 /// One frame: the element turns, and the stale region, or all, is painted again. In L, which is one copy and
 /// two blends of the stale region, and in plain copies of the frame.
