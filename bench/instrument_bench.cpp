@@ -3,6 +3,7 @@
 // the artwork's text.
 
 #include "Expat.h"
+#include "Floor.h"
 #include "Timing.h"
 
 #include "controls/Form.h"
@@ -115,7 +116,7 @@ void Create(benchmark::State& state, const TClassEntry& entry) {
     state.counters["paint400_E"] = Median(paint[1]) / e;
 }
 
-/// The value is set and the stale region painted.
+/// The value is set, and the stale region or all is painted; in L of that region, and in copies of the frame.
 void Frame(benchmark::State& state, const TClassEntry& entry) {
     const int size = static_cast<int>(state.range(0));
     const auto component = entry.Create();
@@ -125,19 +126,31 @@ void Frame(benchmark::State& state, const TClassEntry& entry) {
     if (!mover.CanMove()) return state.SkipWithError("nothing of it moves");
     THeadlessHost host(control);
     host.Paint();
-    const std::size_t pixels = static_cast<std::size_t>(size) * static_cast<std::size_t>(size);
-    std::vector<std::uint32_t> from(pixels, 1), to(pixels);
-    std::vector<double> copy, set, frame;
+    const Bench::TBitmap before(size), element(size), after(size), picture(size);
+    std::vector<double> floor, copy, set, frame, whole;
     for (auto _ : state) {
-        copy.push_back(Timed([&] { std::memcpy(to.data(), from.data(), pixels * sizeof from[0]); }));
-        benchmark::DoNotOptimize(to.data());
+        copy.push_back(Timed([&] {
+            std::memcpy(picture.Pixels.Data, before.Pixels.Data,
+                        before.Store.size() * sizeof before.Store[0]);
+        }));
+        benchmark::ClobberMemory();
         set.push_back(Timed([&] { mover.Step(); }));
+        const std::vector<TRect> stale(host.GetStale().Rects().begin(), host.GetStale().Rects().end());
         frame.push_back(set.back() + Timed([&] { host.PaintStale(); }));
+        floor.push_back(Timed([&] {
+            for (const TRect& rect : stale)
+                Bench::PaintFloor(picture, rect, {&before, &element, &after});
+        }));
+        benchmark::ClobberMemory();
+        const double step = Timed([&] { mover.Step(); });
+        whole.push_back(step + Timed([&] { host.Paint(); }));
     }
-    state.counters["copy_us"] = Median(copy);
+    state.counters["L_us"] = Median(floor);
     state.counters["set_us"] = Median(set);
-    state.counters["frame_us"] = Median(frame);
-    state.counters["frame_copies"] = Median(frame) / Median(copy);
+    state.counters["stale_us"] = Median(frame);
+    state.counters["stale_L"] = Median(frame) / Median(floor);
+    state.counters["whole_us"] = Median(whole);
+    state.counters["whole_copies"] = Median(whole) / Median(copy);
 }
 
 /// Bytes that each of many takes: as made, and once it was painted at 200.
