@@ -153,6 +153,7 @@ public:
     std::vector<TBoundProp> Props;
     std::vector<bool> Attached; ///< by event
     std::vector<TWatched> Watched;
+    bool MayBeUnwatched = false; ///< somebody disconnected since Watched was gone through
     bool IsLookPlanned = false;
     int Setting = 0; ///< how many setters of the widget are under way
 };
@@ -239,6 +240,7 @@ bool VzWidget::isPropertyStored(const char* name) const {
 /// Emits the notify signals of the watched properties that changed since the last look.
 void VzWidget::followWatched() {
     if (host->Setting > 0) return;
+    dropUnwatched();
     // By index: whoever is notified may connect and disconnect.
     for (size_t i = 0; i < host->Watched.size(); ++i) {
         TWatched& watched = host->Watched[i];
@@ -264,13 +266,18 @@ void VzWidget::connectNotify(const QMetaMethod& signal) {
         if (signal.methodSignature() == table.EventSignals[size_t(row)]) host->Attach(row);
 }
 
-void VzWidget::disconnectNotify(const QMetaMethod& signal) {
-    if (!host) return;
+void VzWidget::disconnectNotify(const QMetaMethod&) {
+    // Whether somebody else is connected cannot be asked here: a receiver that goes away holds a lock that
+    // may be the very one to ask with.
+    if (host) host->MayBeUnwatched = true;
+}
+
+void VzWidget::dropUnwatched() {
+    if (!std::exchange(host->MayBeUnwatched, false)) return;
     const TTable& table = host->Table;
     std::erase_if(host->Watched, [&](const TWatched& watched) {
-        const QMetaMethod own =
-            table.Meta->property(table.Meta->propertyOffset() + watched.Row).notifySignal();
-        return (!signal.isValid() || own == signal) && !isSignalConnected(own);
+        return !isSignalConnected(
+            table.Meta->property(table.Meta->propertyOffset() + watched.Row).notifySignal());
     });
 }
 

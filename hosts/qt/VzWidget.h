@@ -94,6 +94,7 @@ private:
     int rowOf(const char* name) const;
     void change(const std::function<void()>& action);
     void followWatched();
+    void dropUnwatched();
     void paintComponent(QPainter& painter);
     void handOver(QMouseEvent& event,
                   void (Vz::TControl::*handle)(Vz::TMouseButton, Vz::TShiftState, int, int));

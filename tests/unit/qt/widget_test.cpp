@@ -195,6 +195,41 @@ TEST(VzWidget, AHandlerMaySetAnotherProperty) {
     EXPECT_EQ(gradients.Count, 1);
 }
 
+TEST(VzWidget, ReceiversMayGoAwayWhereverTheyLie) {
+    // Qt shares some hundred locks among all objects, by their places in memory: of so many receivers some
+    // share the widget's.
+    VzSpeedometer widget;
+    int told = 0;
+    QObject stays;
+    QObject::connect(&widget, &VzSpeedometer::valueChanged, &stays, [&] { ++told; });
+    std::vector<std::unique_ptr<QObject>> receivers;
+    for (int i = 0; i < 5000; ++i) {
+        receivers.push_back(std::make_unique<QObject>());
+        QObject::connect(&widget, &VzSpeedometer::valueChanged, receivers.back().get(), [&] { ++told; });
+    }
+    widget.setValue(30);
+    EXPECT_EQ(told, 5001);
+    receivers.clear();
+    widget.setValue(40);
+    EXPECT_EQ(told, 5002);
+}
+
+TEST(VzWidget, WhatChangedWhileNobodyListenedIsNotTold) {
+    VzSpeedometer widget;
+    int told = 0;
+    const auto listen = [&] {
+        return QObject::connect(&widget, &VzSpeedometer::valueChanged, [&] { ++told; });
+    };
+    QObject::disconnect(listen());
+    widget.setValue(30);
+    const auto connection = listen();
+    widget.setMaximum(300);
+    EXPECT_EQ(told, 0);
+    widget.setValue(50);
+    EXPECT_EQ(told, 1);
+    QObject::disconnect(connection);
+}
+
 TEST(VzWidget, ResetAndStoredFollowTheComponentsRules) {
     VzSpeedometer widget;
     EXPECT_FALSE(widget.isPropertyStored("maximum"));
