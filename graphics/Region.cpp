@@ -8,7 +8,7 @@ namespace Vz {
 
 namespace {
 
-/// Disjoint rectangles under construction, without memory of their own: a region is small.
+/// What a new rectangle has that others do not, under construction, without memory of its own.
 struct TPieces {
     static constexpr std::size_t Most = 256;
     std::array<TRect, Most> Rects;

@@ -7,8 +7,8 @@
 
 namespace Vz {
 
-/// A set of pixels as disjoint rectangles, ordered by top and then left. Small by design: a region of more than
-/// MaxRects rectangles becomes its bounding box.
+/// A set of pixels as disjoint rectangles, ordered by top and then left. A region of more than MaxRects
+/// rectangles becomes its bounding box.
 class TRegion {
 public:
     static constexpr std::size_t MaxRects = 2048;
