@@ -90,10 +90,12 @@ struct TShape {
     struct TPolygonCache* Cache = nullptr;
 };
 
-/// A shape flattened for one scale. Whoever changes the figures or the style clears it.
+/// A shape flattened for one scale, or a few: who draws it may do so in several sizes by turns. Whoever
+/// changes the figures or the style clears it.
 struct TPolygonCache {
     double Scale = 0; ///< 0: nothing is kept
     TPolygons Polygons;
+    std::unique_ptr<TPolygonCache> Next; ///< of another scale
     void Clear();
 };
 

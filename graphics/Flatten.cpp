@@ -495,6 +495,7 @@ void TPolygonCache::Clear() {
     Polygons.Points.clear();
     Polygons.Starts.clear();
     Polygons.Bounds = {};
+    Next = nullptr;
 }
 
 double FlatteningScale(const TAffine& toDevice) {
@@ -507,13 +508,28 @@ double FlatteningScale(const TAffine& toDevice) {
     return std::ldexp((halves & 1) != 0 ? std::numbers::sqrt2 : 1, whole);
 }
 
+namespace {
+
+/// Where polygons of the scale are, or are to be, kept.
+TPolygonCache& PlaceFor(TPolygonCache& first, double scale) {
+    constexpr int most = 4;
+    TPolygonCache* place = &first;
+    for (int i = 1; i < most && place->Scale != 0 && place->Scale != scale; ++i) {
+        if (!place->Next) place->Next = std::make_unique<TPolygonCache>();
+        place = place->Next.get();
+    }
+    return *place;
+}
+
+} // namespace
+
 const TPolygons& Flatten(const TShape& shape, double scale, TPolygons& scratch) {
     scale = scale > 0 ? std::clamp(scale, LeastScale, GreatestScale) : 1;
     if (shape.Cache == nullptr) {
         FlattenInto(scratch, shape, scale);
         return scratch;
     }
-    TPolygonCache& cache = *shape.Cache;
+    TPolygonCache& cache = PlaceFor(*shape.Cache, scale);
     if (cache.Scale == scale) return cache.Polygons;
     // By way of a work piece, so that what is kept takes no more memory than it needs.
     static thread_local TPolygons work;

@@ -59,6 +59,8 @@ struct TPaint {
     std::shared_ptr<const TVZGPBitmap> Image;  ///< Image: repeated in both directions (a pattern's tile)
     TInterpolation Interpolation = TInterpolation::Bilinear; ///< Image
     double Opacity = 1; ///< Image only; the others have it in Color or Ramp
+    /// Ramps and images count by being the same, not by what they hold.
+    friend bool operator==(const TPaint&, const TPaint&) = default;
 };
 
 /// How a layer is laid onto what is under it (CSS Compositing and Blending 1).

@@ -257,7 +257,8 @@ private:
     struct TConditions;
     std::unique_ptr<TConditions> FConditions;
     struct TCompiled;
-    mutable std::unique_ptr<TCompiled> FCompiled;
+    mutable std::shared_ptr<const TCompiled> FCompiled; ///< of the document's epoch FCompiledEpoch
+    mutable std::uint64_t FCompiledEpoch = 0;
 };
 
 } // namespace Vz

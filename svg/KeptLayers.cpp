@@ -1,29 +1,16 @@
 #include "svg/KeptLayers.h"
 
+#include "svg/KeptByHashInternal.h"
+
 #include <algorithm>
 #include <cstring>
-#include <unordered_map>
 
 namespace Vz {
 
 namespace {
 
-/// All pictures that controls of this thread keep, by a number made of their pixels. Entries of pictures that
-/// are gone, or were drawn anew, are taken out when there are many.
-struct TKeptByHash {
-    std::unordered_multimap<std::uint64_t, std::weak_ptr<TKeptLayers>> Entries;
-    std::size_t Most = 64;
-
-    void Add(std::uint64_t hash, const std::shared_ptr<TKeptLayers>& layers) {
-        if (Entries.size() >= Most) {
-            std::erase_if(Entries, [](const auto& entry) { return entry.second.expired(); });
-            Most = std::max<std::size_t>(64, 2 * Entries.size());
-        }
-        Entries.emplace(hash, layers);
-    }
-};
-
-thread_local TKeptByHash Kept;
+/// All pictures that controls of this thread keep, by a number made of their pixels.
+thread_local TKeptByHash<TKeptLayers> Kept;
 
 /// Four sums at a time, each of every fourth pair of pixels, as FNV makes it of bytes.
 std::uint64_t Hash(const TPixels& pixels, std::uint64_t seed) {
@@ -68,13 +55,12 @@ std::shared_ptr<TKeptLayers> TKeptLayers::Renew(std::shared_ptr<TKeptLayers> lay
 
 std::shared_ptr<TKeptLayers> TKeptLayers::Share(std::shared_ptr<TKeptLayers> layers) {
     const std::uint64_t hash = Hash(layers->After.GetPixels(), Hash(layers->Before.GetPixels(), 0));
-    const auto [first, last] = Kept.Entries.equal_range(hash);
     bool isNoted = false;
-    for (auto entry = first; entry != last; ++entry) {
-        const auto other = entry->second.lock();
+    const auto same = Kept.Find(hash, [&](const std::shared_ptr<TKeptLayers>& other) {
         isNoted = isNoted || other == layers;
-        if (other && other->FCanBeFound && other->IsEqual(*layers)) return other;
-    }
+        return other->FCanBeFound && other->IsEqual(*layers);
+    });
+    if (same) return same;
     layers->FPair.Set(layers->Before.GetPixels(), layers->After.GetPixels());
     layers->FCanBeFound = true;
     if (!isNoted) Kept.Add(hash, layers);

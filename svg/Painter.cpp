@@ -62,16 +62,14 @@ const TComputedStyle& TSVGPainter::StyleOf(const TSVGGraphicElement& element, co
         compute(scratch);
         return scratch;
     }
+    using TCompiled = TSVGGraphicElement::TCompiled;
     auto& kept = element.FCompiled;
-    if (!kept) kept = std::make_unique<TSVGGraphicElement::TCompiled>();
-    if (kept->Epoch != FDocument.GetEpoch() || kept->Enabled != context.Enabled) {
-        kept->Epoch = FDocument.GetEpoch();
-        kept->Enabled = context.Enabled;
-        kept->HasList = false;
-        kept->List = {};
-        compute(kept->Style);
+    if (!kept || element.FCompiledEpoch != FDocument.GetEpoch() || kept->Enabled != context.Enabled) {
+        compute(scratch);
+        kept = TCompiled::Keep({TCompiled::KeepStyle(scratch), context.Enabled});
+        element.FCompiledEpoch = FDocument.GetEpoch();
     }
-    return kept->Style;
+    return *kept->Style;
 }
 
 void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const TAffine& matrix) {
@@ -104,8 +102,9 @@ void TSVGPainter::PaintPath(const TSVGElement& parent, const TPaintContext& cont
     const bool isSwitch = parent.GetTag() == TSVGTag::Switch;
     bool passed = false;
     for (const auto& child : parent.Children()) {
-        const auto* const element = child->AsGraphic();
         const bool isNext = child.get() == next;
+        if (!isNext && !isSwitch && FPass == TPaintPass::Element) continue;
+        const auto* const element = child->AsGraphic();
         if (isNext && next != FPivot) {
             if (element) StepDown(*element, context); // what stands in a gradient is in no picture
         } else if (element && (isNext ? FPass == TPaintPass::Element
@@ -196,18 +195,16 @@ void TSVGPainter::PaintDrawable(const TSVGGraphicElement& element, const TPaintC
     };
     const TComputedStyle& style = *inner.Style;
     const bool markers = !isText && (style.MarkerStart || style.MarkerMid || style.MarkerEnd);
-    if (!Keeps(inner) || markers) {
-        const TDrawList list = make();
-        return markers ? PaintShape(static_cast<const TSVGShape&>(element), list, inner)
-                       : PaintSteps(list, inner.Matrix, false);
+    auto& kept = element.FCompiled;
+    const bool keeps = Keeps(inner) && !markers;
+    if (!keeps || !kept->HasList || kept->Opacity != opacity) {
+        TDrawList list = make();
+        if (markers) return PaintShape(static_cast<const TSVGShape&>(element), list, inner);
+        if (!keeps || !list.IsStable) return PaintSteps(list, inner.Matrix, false);
+        kept =
+            TSVGGraphicElement::TCompiled::Keep({kept->Style, kept->Enabled, true, opacity, std::move(list)});
     }
-    auto& kept = *element.FCompiled;
-    if (!kept.HasList || kept.Opacity != opacity) {
-        kept.List = make();
-        kept.Opacity = opacity;
-        kept.HasList = kept.List.IsStable;
-    }
-    PaintSteps(kept.List, inner.Matrix, kept.HasList);
+    PaintSteps(kept->List, inner.Matrix, true);
 }
 
 void TSVGPainter::PaintSteps(const TDrawList& list, const TAffine& matrix, bool keep) {

@@ -123,7 +123,7 @@ private:
     // PainterSteps.cpp: from elements to draw steps.
     TDrawList MakeShapeList(const TSVGShape& shape, const TPaintContext& inner, double opacity);
     TDrawList MakeTextList(const TSVGCustomText& text, const TPaintContext& inner);
-    void AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& shared, TFigures own,
+    void AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& figures,
                   const TComputedStyle& style, const TPaintContext& inner, double opacity);
     std::optional<TPaint> ResolvePaint(const TComputedPaint& paint, double opacity, const TRectD& box,
                                        const TComputedStyle& style, const TPaintContext& inner, bool& stable);

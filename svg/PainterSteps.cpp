@@ -72,7 +72,7 @@ std::optional<TPaint> TSVGPainter::ContextPaint(bool stroke, double opacity, con
     return paint;
 }
 
-void TSVGPainter::AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& shared, TFigures own,
+void TSVGPainter::AddSteps(TDrawList& list, const std::shared_ptr<const TFigures>& figures,
                            const TComputedStyle& style, const TPaintContext& inner, double opacity) {
     const auto fill =
         ResolvePaint(style.Fill, style.FillOpacity * opacity, list.Box, style, inner, list.IsStable);
@@ -84,11 +84,7 @@ void TSVGPainter::AddSteps(TDrawList& list, const std::shared_ptr<const TFigures
         const auto& paint = isStroke ? stroke : fill;
         if (!paint) return;
         TDrawStep step;
-        step.Figures = shared;
-        if (!shared) {
-            const bool last = isStroke != strokeFirst || !(fill && stroke);
-            step.Own = last ? std::move(own) : own;
-        }
+        step.Figures = figures;
         step.IsStroke = isStroke;
         step.Rule = style.FillRule;
         step.Paint = *paint;
@@ -107,28 +103,27 @@ TDrawList TSVGPainter::MakeShapeList(const TSVGShape& shape, const TPaintContext
     const TComputedStyle& style = *inner.Style;
     if (style.Visibility != TKeyword::Visible) return list;
     const auto* const path = shape.GetTag() == TSVGTag::Path ? static_cast<const TSVGPath*>(&shape) : nullptr;
-    const std::shared_ptr<const TFigures> shared = path ? path->GetData().ShareFigures() : nullptr;
-    if (path && !shared) return list;
-    TFigures own;
-    if (!shared) own = shape.MakeFigures(BasisOf(style, inner.ViewWidth, inner.ViewHeight));
-    const TFigures& figures = shared ? *shared : own;
-    if (figures.IsEmpty()) return list;
+    const std::shared_ptr<const TFigures> figures =
+        path ? path->GetData().ShareFigures()
+             : std::make_shared<const TFigures>(
+                   shape.MakeFigures(BasisOf(style, inner.ViewWidth, inner.ViewHeight)));
+    if (!figures || figures->IsEmpty()) return list;
     const bool needsBox = style.Fill.Kind == TComputedPaint::TKind::Server ||
                           style.Stroke.Kind == TComputedPaint::TKind::Server;
-    if (needsBox) list.Box = figures.Bounds();
+    if (needsBox) list.Box = figures->Bounds();
     if (!(shape.GetPathLength() > 0) || !style.Dashes) {
-        AddSteps(list, shared, std::move(own), style, inner, opacity);
+        AddSteps(list, figures, style, inner, opacity);
         return list;
     }
     // Dashes count in the author's path length.
     TComputedStyle scaled = style;
-    const double factor = TPathRuler(figures).GetLength() / shape.GetPathLength();
+    const double factor = TPathRuler(*figures).GetLength() / shape.GetPathLength();
     auto dashes = std::make_shared<std::vector<double>>(*style.Dashes);
     for (double& dash : *dashes)
         dash *= factor;
     scaled.Dashes = std::move(dashes);
     scaled.DashOffset *= factor;
-    AddSteps(list, shared, std::move(own), scaled, inner, opacity);
+    AddSteps(list, figures, scaled, inner, opacity);
     return list;
 }
 
@@ -139,7 +134,7 @@ TDrawList TSVGPainter::MakeTextList(const TSVGCustomText& text, const TPaintCont
     list.Box = layout.Box;
     for (TTextPiece& piece : layout.Pieces)
         if (piece.Style.Visibility == TKeyword::Visible && !piece.Outline.IsEmpty())
-            AddSteps(list, nullptr, std::move(piece.Outline), piece.Style, inner, 1);
+            AddSteps(list, std::make_shared<const TFigures>(std::move(piece.Outline)), piece.Style, inner, 1);
     return list;
 }
 

@@ -2,6 +2,7 @@
 
 #include "runtime/Exceptions.h"
 #include "svg/Document.h"
+#include "svg/KeptByHashInternal.h"
 #include "svg/Scan.h"
 #include "svg/TransformText.h"
 
@@ -114,6 +115,23 @@ std::string IdOf(std::string_view href) {
 
 bool IsStop(const std::unique_ptr<TSVGElement>& child) { return child->GetTag() == TSVGTag::Stop; }
 
+/// The ramp of these stops; the same one for as long as somebody holds it.
+std::shared_ptr<const TGradientRamp> RampOf(std::span<const TRampStop> stops, double opacity) {
+    thread_local TKeptByHash<const TGradientRamp> kept;
+    THash hash;
+    hash.Add(opacity);
+    for (const TRampStop& stop : stops)
+        hash.Add(double{stop.Offset}).Add(std::uint64_t{stop.Color});
+    auto ramp = kept.Find(hash.Get(), [&](const std::shared_ptr<const TGradientRamp>& other) {
+        return other->Opacity() == opacity && std::ranges::equal(other->Stops(), stops);
+    });
+    if (!ramp) {
+        ramp.reset(new TGradientRamp(stops, opacity));
+        kept.Add(hash.Get(), ramp);
+    }
+    return ramp;
+}
+
 /// Finds the first in a chain of templates for which `get` gives something.
 template <class T, class F> auto Along(const T& first, F get) -> decltype(get(first)) {
     const T* at = &first;
@@ -146,10 +164,9 @@ std::optional<TSVGLength> TSVGCustomGradient::GetLength(TPart part) const {
 }
 
 std::vector<TRampStop> TSVGCustomGradient::MakeStops(bool enabled) const {
-    const auto* const owner =
-        Along(*this, [](const TSVGCustomGradient& g) {
-            return std::ranges::any_of(g.Children(), IsStop) ? &g : nullptr;
-        });
+    const auto* const owner = Along(*this, [](const TSVGCustomGradient& g) {
+        return std::ranges::any_of(g.Children(), IsStop) ? &g : nullptr;
+    });
     std::vector<TRampStop> stops;
     if (!owner) return stops;
     float last = 0;
@@ -222,14 +239,15 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
         if (paint.Radius < 0 || paint.FocusRadius < 0) return {};
         if (paint.Radius == 0) return solid(stops.back().Color);
         if (paint.FocusRadius == paint.Radius) {
-            // What a cone of no depth paints is left open (SVG 2, 14.2.3.1): the first colour inside, the last around.
+            // What a cone of no depth paints is left open (SVG 2, 14.2.3.1): the first colour inside, the
+            // last around.
             paint.FocusRadius = 0;
             paint.Focus = paint.Center;
             paint.Spread = TSpread::Pad;
             stops = {{1, stops.front().Color}, {1, stops.back().Color}};
         }
     }
-    paint.Ramp = std::make_shared<const TGradientRamp>(stops, opacity);
+    paint.Ramp = RampOf(stops, opacity);
     return paint;
 }
 
@@ -308,10 +326,8 @@ struct TUnitsRow {
     std::string_view ContentUnits; ///< empty: none
 };
 constexpr TUnitsRow UnitsRows[] = {
-    {TSVGTag::Pattern, "patternUnits", "patternContentUnits"},
-    {TSVGTag::ClipPath, "clipPathUnits", {}},
-    {TSVGTag::Mask, "maskUnits", "maskContentUnits"},
-    {TSVGTag::Marker, "markerUnits", {}},
+    {TSVGTag::Pattern, "patternUnits", "patternContentUnits"}, {TSVGTag::ClipPath, "clipPathUnits", {}},
+    {TSVGTag::Mask, "maskUnits", "maskContentUnits"},          {TSVGTag::Marker, "markerUnits", {}},
     {TSVGTag::Filter, "filterUnits", "primitiveUnits"},
 };
 

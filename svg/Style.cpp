@@ -13,10 +13,6 @@ namespace {
 using P = TSVGStyleProperty;
 using K = TStyleValue::TKind;
 
-template <class T> bool SameContent(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>& b) {
-    return a == b || (a && b && *a == *b);
-}
-
 bool Before(const TSVGStyleSet::TEntry& entry, TSVGStyleProperty property) {
     return entry.Property < property;
 }
@@ -567,11 +563,6 @@ bool TSVGStyleSet::Remove(TSVGStyleProperty property) {
 
 bool TSVGStyleSet::operator==(const TSVGStyleSet& other) const {
     return FEntries == other.FEntries || std::ranges::equal(Entries(), other.Entries());
-}
-
-bool TComputedPaint::operator==(const TComputedPaint& other) const {
-    return Kind == other.Kind && HasFallback == other.HasFallback && Color == other.Color &&
-           SameContent(Server, other.Server);
 }
 
 const TComputedStyle& TComputedStyle::Initial() {

@@ -40,14 +40,24 @@ private:
     std::uint32_t FCount = 0;
 };
 
+/// A value that many hold, or none; equal where the values are.
+template <class T> struct TSharedValue : std::shared_ptr<const T> {
+    using std::shared_ptr<const T>::shared_ptr;
+    TSharedValue(std::shared_ptr<const T> value)
+        : std::shared_ptr<const T>(std::move(value)) {}
+    friend bool operator==(const TSharedValue& a, const TSharedValue& b) {
+        return a.get() == b.get() || (a && b && *a == *b);
+    }
+};
+
 /// A computed fill or stroke.
 struct TComputedPaint {
     enum class TKind : std::uint8_t { None, Color, CurrentColor, Server, ContextFill, ContextStroke };
     TKind Kind = TKind::None;
     bool HasFallback = false; ///< Server: paint Color where the reference fails; else nothing
     TVZGPColor Color = 0xFF000000;
-    std::shared_ptr<const std::string> Server; ///< id
-    bool operator==(const TComputedPaint& other) const;
+    TSharedValue<std::string> Server; ///< id
+    friend bool operator==(const TComputedPaint&, const TComputedPaint&) = default;
 };
 
 /// The inherited properties of text, shared by all elements that do not change them.
@@ -73,7 +83,7 @@ struct TComputedStyle {
     double StrokeWidth = 1;
     double DashOffset = 0;
     double MiterLimit = 4;
-    std::shared_ptr<const std::vector<double>> Dashes; ///< null: solid
+    TSharedValue<std::vector<double>> Dashes; ///< null: solid
     TFillRule FillRule = TFillRule::NonZero;
     TFillRule ClipRule = TFillRule::NonZero;
     TLineCap Cap = TLineCap::Butt;
@@ -85,12 +95,12 @@ struct TComputedStyle {
     TKeyword ColorInterpolationFilters = TKeyword::LinearRgb;
     TKeyword PointerEvents = TKeyword::Auto;
     TKeyword DominantBaseline = TKeyword::Auto;
-    std::shared_ptr<const std::string> PaintOrder;                        ///< null: normal
-    std::shared_ptr<const std::string> MarkerStart, MarkerMid, MarkerEnd; ///< ids; null: none
-    std::shared_ptr<const TComputedText> Text;
+    TSharedValue<std::string> PaintOrder;                        ///< null: normal
+    TSharedValue<std::string> MarkerStart, MarkerMid, MarkerEnd; ///< ids; null: none
+    TSharedValue<TComputedText> Text;
     double RootFontSize = 16;
     // Not inherited.
-    std::shared_ptr<const std::string> ClipPath, Mask, Filter; ///< ids, Filter: the whole value; null: none
+    TSharedValue<std::string> ClipPath, Mask, Filter; ///< ids, Filter: the whole value; null: none
     TVZGPColor StopColor = 0xFF000000;
     double StopOpacity = 1;
     TVZGPColor FloodColor = 0xFF000000;
@@ -103,12 +113,13 @@ struct TComputedStyle {
     TKeyword Blend = TKeyword::Normal;
     TKeyword Isolation = TKeyword::Auto;
     bool NonScalingStroke = false;
-    std::shared_ptr<const std::string> TextDecoration; ///< null: none
+    TSharedValue<std::string> TextDecoration; ///< null: none
     TStyleValue BaselineShift{TStyleValue::TKind::Keyword, TKeyword::Baseline};
-    std::shared_ptr<const std::vector<TSVGLength>> TransformOrigin; ///< null: the origin
+    TSharedValue<std::vector<TSVGLength>> TransformOrigin; ///< null: the origin
 
     /// The initial values (SVG 1.1, property index), the initial font of 16 px serif.
     static const TComputedStyle& Initial();
+    friend bool operator==(const TComputedStyle&, const TComputedStyle&) = default;
 };
 
 /// The style of an element with the given own properties below a parent of this style. `view` gives what

@@ -138,6 +138,25 @@ TEST(Flatten, KeepsPolygonsForTheSameScale) {
     EXPECT_TRUE(scratch.Points.empty());
 }
 
+TEST(Flatten, KeepsPolygonsOfAFewScales) {
+    TFigures figures = Read("M0 0A5 5 0 0 1 10 0Z");
+    TPolygonCache cache;
+    TPolygons scratch;
+    const TShape shape{&figures, nullptr, TFillRule::NonZero, &cache};
+    const TPolygons* const fine = &Flatten(shape, 8, scratch);
+    const TPolygons* const coarse = &Flatten(shape, 1, scratch);
+    EXPECT_NE(fine, coarse);
+    EXPECT_GT(fine->Points.size(), coarse->Points.size());
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(&Flatten(shape, 8, scratch), fine);
+        EXPECT_EQ(&Flatten(shape, 1, scratch), coarse);
+    }
+    for (int scale = 2; scale < 2000; scale *= 2) { // more than are kept
+        const TPolygons& polygons = Flatten(shape, scale, scratch);
+        EXPECT_EQ(polygons.Points, Flattened({&figures}, scale).Points) << scale;
+    }
+}
+
 TEST(Flatten, LeavesOutWhatCannotBeDrawn) {
     TFigures figures = Read("M0 0L10 0L1e10 5L10 10L1e300-1e300L0 10");
     figures.LineTo(NaN, 1);

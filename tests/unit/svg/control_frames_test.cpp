@@ -4,6 +4,7 @@
 #include "controls/Form.h"
 #include "graphics/RasterDevice.h"
 #include "svg/Servers.h"
+#include "svg/Shapes.h"
 #include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
@@ -341,6 +342,38 @@ TEST(ControlFrames, NothingOfAnEarlierFrameShows) {
             fresh.TurnNeedle(65);
             EXPECT_EQ(turned.Paint(), fresh.Paint()) << quality << " " << opacity;
         }
+}
+
+TEST(ControlFrames, WhatEqualElementsShareIsNotMixedUp) {
+    TScene scenes[4] = {TScene(), TScene(), TScene(2.5), TScene()};
+    for (TScene& scene : scenes) {
+        scene.Activate("NeedleGroup");
+        scene.TurnNeedle(30);
+        scene.Paint();
+    }
+    const std::vector<std::function<void(TScene&)>> edits = {
+        [](TScene& s) { s.Get<TSVGGradientStop>("Stop").GetStopBrush().SetColor(0xFF00FF00); },
+        [](TScene& s) { s.Get("Hub").GetBrush().SetColor(0xFF0000FF); },
+        [](TScene& s) { s.Get("Hub").SetOpacity(0.5); },
+        [](TScene& s) { s.Get("Needle").GetPen().SetWidth(4); },
+        [](TScene& s) { s.Get<TSVGPath>("Needle").GetData().SetPathString("M40 50L50 5 60 50"); },
+        [](TScene& s) { s.Get("NeedleGroup").SetEnabled(false); },
+    };
+    scenes[0].Get<TSVGCustomGradient>("NeedleGradient").GetStop(1).SetId("Stop");
+    for (const auto& edit : edits) {
+        const auto others = scenes[1].Paint();
+        edit(scenes[0]);
+        scenes[0].Control->Invalidate();
+        const auto frame = scenes[0].PaintStale();
+        EXPECT_GT(WorstDifference(frame, others), 20); // the edit shows
+        EXPECT_EQ(scenes[1].Paint(), others);
+        EXPECT_EQ(scenes[3].Paint(), others);
+        scenes[2].Paint();
+        scenes[0].Control->SetBuffered(false);
+        EXPECT_LE(WorstDifference(scenes[0].Paint(), frame), 2);
+        scenes[0].Control->SetBuffered(true);
+        scenes[0].Paint();
+    }
 }
 
 TEST(ControlFrames, ControlsThatMoveByWholePixelsKeepTheirCaches) {
