@@ -9,15 +9,19 @@ namespace Vz {
 
 namespace {
 
-constexpr double Shift = TCoverage::Shift;
 /// Mapped points are held within this; beyond it a double no longer tells subpixels apart.
-constexpr double Farthest = 1e11;
+constexpr double Farthest = 3e10;
+
+bool IsNear(const TPointD& p) { return std::abs(p.X) <= Farthest && std::abs(p.Y) <= Farthest; }
 
 double Held(double v) { return std::clamp(v, -Farthest, Farthest); }
 
-/// The nearest multiple of 1 / One. Sides that meet in a point then cover whole numbers that sum up to
-/// nothing.
-double Snapped(double y) { return std::floor(y * TCoverage::One + 0.5) / TCoverage::One; }
+/// The nearest multiple of 1 / One of what is held. Sides that meet in a point then cover whole numbers that
+/// sum up to nothing.
+double Snapped(double y) {
+    constexpr double magic = 0x1.8p52; // sums with it have no places behind the point
+    return (y * TCoverage::One + magic - magic) / TCoverage::One;
+}
 
 template <class T> std::size_t Bytes(const std::vector<T>& v) { return v.size() * sizeof(T); }
 template <class T> std::size_t Capacity(const std::vector<T>& v) { return v.capacity() * sizeof(T); }
@@ -27,21 +31,25 @@ template <class T> std::size_t Capacity(const std::vector<T>& v) { return v.capa
 void TCoverage::SetShape(const TPolygons& polygons, const TAffine& toDevice) {
     FPoints.clear();
     FStarts.assign(1, 0);
-    FBounds = {};
     for (std::size_t i = 0; i + 1 < polygons.Starts.size(); ++i) {
         const std::size_t start = FPoints.size();
-        bool finite = true;
-        for (std::uint32_t k = polygons.Starts[i]; finite && k < polygons.Starts[i + 1]; ++k) {
-            const TPointD p = toDevice(polygons.Points[k]);
-            finite = std::isfinite(p.X) && std::isfinite(p.Y);
-            if (finite) FPoints.push_back({Held(p.X) + Shift, Snapped(Held(p.Y))});
+        bool isFinite = true;
+        for (std::uint32_t k = polygons.Starts[i]; isFinite && k < polygons.Starts[i + 1]; ++k) {
+            TPointD p = toDevice(polygons.Points[k]);
+            if (!IsNear(p)) {
+                isFinite = std::isfinite(p.X) && std::isfinite(p.Y);
+                if (!isFinite) break;
+                p = {Held(p.X), Held(p.Y)};
+            }
+            FPoints.push_back({p.X, Snapped(p.Y)});
         }
-        if (!finite || FPoints.size() - start < 3) {
+        if (!isFinite || FPoints.size() - start < 3) {
             FPoints.resize(start);
             continue;
         }
         FStarts.push_back(static_cast<std::uint32_t>(FPoints.size()));
     }
+    FBounds = {};
     if (FPoints.empty()) return;
     FBounds = {FPoints[0].X, FPoints[0].Y, FPoints[0].X, FPoints[0].Y};
     for (const TPointD& p : FPoints) {
@@ -50,15 +58,13 @@ void TCoverage::SetShape(const TPolygons& polygons, const TAffine& toDevice) {
         FBounds.Top = std::min(FBounds.Top, p.Y);
         FBounds.Bottom = std::max(FBounds.Bottom, p.Y);
     }
-    FBounds.Left -= Shift;
-    FBounds.Right -= Shift;
 }
 
 TRect TCoverage::WholePixels() const {
     if (FStarts.size() != 2 || FPoints.size() < 4 || FPoints.size() > 5) return {};
     if (FPoints.size() == 5 && FPoints.front() != FPoints.back()) return {};
     const auto isCorner = [this](const TPointD& p) {
-        return (p.X - Shift == FBounds.Left || p.X - Shift == FBounds.Right) &&
+        return (p.X == FBounds.Left || p.X == FBounds.Right) &&
                (p.Y == FBounds.Top || p.Y == FBounds.Bottom);
     };
     for (std::size_t i = 0; i < 4; ++i) {
@@ -79,21 +85,25 @@ void TCoverage::Begin(const TRect& box) {
     FBox = Intersection(box, PixelBounds(FBounds));
     FEdges.clear();
     FActive.clear();
-    FBand = FBandCount = 0;
+    FBandIndex = FBandCount = 0;
     if (FBox.IsEmpty()) return;
-    FStride = FBox.Width() + Margin;
-    FBandHeight = std::clamp(BandSteps / FStride, 1, std::min(MaxBand, FBox.Height()));
+    const int stride = FBox.Width() + Margin;
+    FBandHeight = std::clamp(BandSteps / stride, 1, std::min(MaxBand, FBox.Height()));
     FBandCount = (FBox.Height() - 1) / FBandHeight + 1;
-    const std::size_t steps = static_cast<std::size_t>(FStride) * static_cast<std::size_t>(FBandHeight);
+    const std::size_t steps = static_cast<std::size_t>(stride) * static_cast<std::size_t>(FBandHeight);
     if (FSteps.size() < steps) FSteps.resize(steps); // all zero whenever no band is open
     if (FBandCount > 1) FFirstInBand.assign(static_cast<std::size_t>(FBandCount), -1);
     FTrace = RowOps().Trace;
+    FBand.Left = FBox.Left;
+    FBand.Width = FBox.Width();
+    FBand.Steps = FSteps.data();
+    FBand.Stride = stride;
     OpenBand(0);
     for (std::size_t i = 0; i + 1 < FStarts.size(); ++i) {
-        TPointD last = FPoints[FStarts[i + 1] - 1];
+        const TPointD* last = &FPoints[FStarts[i + 1] - 1];
         for (std::uint32_t k = FStarts[i]; k < FStarts[i + 1]; ++k) {
-            AddEdge(last, FPoints[k]);
-            last = FPoints[k];
+            AddEdge(*last, FPoints[k]);
+            last = &FPoints[k];
         }
     }
 }
@@ -103,10 +113,18 @@ void TCoverage::AddEdge(const TPointD& from, const TPointD& to) {
     const bool down = from.Y < to.Y;
     const TPointD& upper = down ? from : to;
     const TPointD& lower = down ? to : from;
-    if (lower.Y <= FBox.Top || upper.Y >= FBox.Bottom || std::min(from.X, to.X) >= FBox.Right + Shift) return;
-    TEdge edge{upper.X, upper.Y, lower.Y, (lower.X - upper.X) / (lower.Y - upper.Y), down ? 1 : -1, -1};
+    if (lower.Y <= FBox.Top || upper.Y >= FBox.Bottom || std::min(from.X, to.X) >= FBox.Right) return;
+    // Bounded, so that it can be multiplied with nothing.
+    constexpr float mostRate = 1e30F;
+    TEdge edge;
+    edge.X0 = upper.X;
+    edge.Y0 = upper.Y;
+    edge.Y1 = lower.Y;
+    edge.Slope = (lower.X - upper.X) / (lower.Y - upper.Y);
+    edge.Rate = std::min(One / std::abs(static_cast<float>(edge.Slope)), mostRate);
+    edge.Sign = down ? 1 : -1;
     if (FBandCount == 1) {
-        Trace(edge);
+        FTrace(edge, FBand);
         return;
     }
     const int row = static_cast<int>(std::max(upper.Y - FBox.Top, 0.0));
@@ -117,19 +135,19 @@ void TCoverage::AddEdge(const TPointD& from, const TPointD& to) {
 }
 
 std::span<const TCoverageRow> TCoverage::Next() {
-    for (; FBand < FBandCount;) {
-        if (FBandCount > 1) TraceBand(FBand);
+    for (; FBandIndex < FBandCount;) {
+        if (FBandCount > 1) TraceBand(FBandIndex);
         const std::span<const TCoverageRow> rows = CloseBand();
-        if (++FBand < FBandCount) OpenBand(FBand);
+        if (++FBandIndex < FBandCount) OpenBand(FBandIndex);
         if (!rows.empty()) return rows;
     }
     return {};
 }
 
 void TCoverage::OpenBand(int band) {
-    FTop = FBox.Top + band * FBandHeight;
-    FBottom = std::min(FTop + FBandHeight, FBox.Bottom);
-    FSpans.Clear(FBottom - FTop, FBox.Width());
+    FBand.Top = FBox.Top + band * FBandHeight;
+    FBand.Bottom = std::min(FBand.Top + FBandHeight, FBox.Bottom);
+    FBand.Clear();
 }
 
 void TCoverage::TraceBand(int band) {
@@ -139,45 +157,27 @@ void TCoverage::TraceBand(int band) {
     }
     std::erase_if(FActive, [this](std::int32_t i) {
         const TEdge& edge = FEdges[static_cast<std::size_t>(i)];
-        Trace(edge);
-        return edge.Y1 <= FBottom;
+        FTrace(edge, FBand);
+        return edge.Y1 <= FBand.Bottom;
     });
 }
 
 std::span<const TCoverageRow> TCoverage::CloseBand() {
-    const int width = FBox.Width();
+    const int width = FBand.Width;
     std::size_t count = 0;
-    std::int32_t* steps = FSteps.data();
-    for (int y = FTop; y < FBottom; ++y, steps += FStride) {
-        const auto row = static_cast<std::size_t>(y - FTop);
-        const int first = FSpans.First[row];
-        const int last = FSpans.Last[row];
+    std::int32_t* steps = FBand.Steps;
+    for (int y = FBand.Top; y < FBand.Bottom; ++y, steps += FBand.Stride) {
+        const auto row = static_cast<std::size_t>(y - FBand.Top);
+        const int first = FBand.First[row];
+        const int last = FBand.Last[row];
         if (last < 0) continue;
         // Where the windings do not end, the side that ends them lies to the right of the box.
-        const int end = FSpans.Sum[row] != 0 ? width : std::min(last + 1, width);
-        std::fill_n(steps + width, 3, 0);
+        const int end = FBand.Sum[row] != 0 ? width : std::min(last + 1, width);
+        for (int i = 0; i < SpillColumns; ++i)
+            steps[width + i] = 0;
         FRows[count++] = {steps + first, FBox.Left + first, y, end - first};
     }
     return {FRows.data(), count};
-}
-
-/// Adds an edge's part in each row of the band.
-void TCoverage::Trace(const TEdge& edge) {
-    TTraceJob job;
-    job.X0 = edge.X0;
-    job.Y0 = edge.Y0;
-    job.Slope = edge.Slope;
-    job.Rate = One / std::abs(edge.Slope);
-    job.Begin = std::max(edge.Y0, double(FTop));
-    job.End = std::min(edge.Y1, double(FBottom));
-    job.Sign = edge.Sign;
-    job.Top = FTop;
-    job.BoxLeft = FBox.Left + static_cast<int>(Shift);
-    job.BoxRight = FBox.Right + static_cast<int>(Shift);
-    job.Steps = FSteps.data();
-    job.Stride = FStride;
-    job.Spans = &FSpans;
-    FTrace(job);
 }
 
 std::size_t TCoverage::UsedBytes() const { return Bytes(FPoints) + Bytes(FEdges) + Bytes(FActive); }

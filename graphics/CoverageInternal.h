@@ -18,36 +18,35 @@ struct TCoverageRow {
     int Count = 0; ///< columns up to where nothing changes any more
 };
 
-/// Rows are worked on in bands of at most this many.
-inline constexpr int MostBandRows = 64;
+/// A falling or rising side of a polygon; Y0 < Y1, both whole multiples of 1 / TCoverage::One.
+struct TTraceEdge {
+    double X0, Y0, Y1;
+    double Slope; ///< of X by Y
+    float Rate;   ///< the height that falls on a column's width, in 1 / TCoverage::One
+    int Sign;     ///< +1 where the polygon runs downwards here
+};
 
-/// Of each row of a band: the first and the last column of the box that was touched, and the winding behind
-/// the last.
-struct TBandSpans {
-    static constexpr std::size_t Size = MostBandRows + 4; ///< vectors of four rows reach beyond the end
+/// The rows of a box that edges are being added to.
+struct TTraceBand {
+    static constexpr int MostRows = 64;
+    static constexpr std::size_t Size = MostRows + 8; ///< vectors of eight rows reach beyond the end
+
+    int Top = 0, Bottom = 0;
+    int Left = 0, Width = 0;       ///< the box's columns
+    std::int32_t* Steps = nullptr; ///< that of the first column in the first row
+    std::ptrdiff_t Stride = 0;
+    /// Of each row: the first and the last column of the box that was touched, and the winding behind the
+    /// last.
     std::array<int, Size> First, Last, Sum;
-    void Clear(int rows, int width);
+
+    /// Nothing is touched yet.
+    void Clear();
 };
 
-/// The part of an edge that lies in a band. Columns are shifted by TCoverage::Shift.
-struct TTraceJob {
-    double X0, Y0, Slope; ///< the edge: X0 + (y - Y0) Slope
-    double Rate;          ///< the height that falls on a column's width, in 1 / TCoverage::One
-    double Begin, End;    ///< the rows that it covers, Begin < End
-    int Sign;
-    int Top; ///< the band's first row
-    int BoxLeft, BoxRight;
-    std::int32_t* Steps; ///< that of the box's first column in the band's first row
-    std::ptrdiff_t Stride;
-    TBandSpans* Spans;
-};
-
-/// Adds an edge's part in one row of its band, counted from the band's first.
-void TraceRow(const TTraceJob& job, int row);
-/// Adds it in all rows. Implementation for any machine.
-void TraceRows(const TTraceJob& job);
+/// Adds an edge's part in each row of a band. Implementation for any machine.
+void TraceEdge(const TTraceEdge& edge, TTraceBand& band);
 /// The same, to the last bit, with vector instructions; only where TRowOps has it.
-void TraceRowsAvx2(const TTraceJob& job);
+void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band);
 
 /// Turns polygons into rows of exact area coverage. An edge's part in a pixel is a whole number that depends
 /// on the edge and the pixel only, never on the box, so that a picture painted in pieces equals one painted
@@ -55,9 +54,6 @@ void TraceRowsAvx2(const TTraceJob& job);
 class TCoverage {
 public:
     static constexpr int One = 1 << 16;
-    /// Device columns are shifted by this, so that all that can lie in a box is positive and truncation
-    /// rounds down.
-    static constexpr double Shift = 1 << 18;
     /// Entries of Steps behind the last column that may be read and written.
     static constexpr int Margin = 16;
 
@@ -79,38 +75,33 @@ public:
 
 private:
     /// The steps of a band stay in the nearest cache.
-    static constexpr int MaxBand = MostBandRows;
+    static constexpr int MaxBand = TTraceBand::MostRows;
     static constexpr int BandSteps = 6144;
+    /// Columns behind the last that a side's part in a row may touch.
+    static constexpr int SpillColumns = 3;
 
-    /// A falling or rising side of a polygon; Y0 < Y1, both whole multiples of 1 / One.
-    struct TEdge {
-        double X0, Y0, Y1;
-        double Slope; ///< of X by Y
-        int Sign;     ///< +1 where the polygon runs downwards here
+    struct TEdge : TTraceEdge {
         std::int32_t NextInBand;
     };
 
     void AddEdge(const TPointD& from, const TPointD& to);
-    void Trace(const TEdge& edge);
     void OpenBand(int band);
     void TraceBand(int band);
     std::span<const TCoverageRow> CloseBand();
 
-    std::vector<TPointD> FPoints; ///< columns are shifted
+    std::vector<TPointD> FPoints;
     std::vector<std::uint32_t> FStarts;
     TRectD FBounds;
     TRect FBox;
-    int FStride = 0; ///< entries of FSteps a row
     int FBandHeight = 0;
     int FBandCount = 0;
-    int FBand = 0;
-    int FTop = 0, FBottom = 0; ///< rows of the band at hand
+    int FBandIndex = 0;
+    TTraceBand FBand; ///< the one at hand
     std::vector<TEdge> FEdges; ///< empty where there is one band: its edges are traced at once
     std::vector<std::int32_t> FFirstInBand;
     std::vector<std::int32_t> FActive;
     std::vector<std::int32_t> FSteps;
-    void (*FTrace)(const TTraceJob& job) = nullptr;
-    TBandSpans FSpans;
+    void (*FTrace)(const TTraceEdge& edge, TTraceBand& band) = nullptr;
     std::array<TCoverageRow, MaxBand> FRows;
 };
 

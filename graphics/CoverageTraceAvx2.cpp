@@ -1,10 +1,9 @@
-#include "graphics/CoverageInternal.h"
+#include "graphics/CoverageTraceInternal.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 
 #include <immintrin.h>
 
-#include <algorithm>
 #include <cmath>
 
 #define VZ_AVX2 __attribute__((target("avx2")))
@@ -14,148 +13,168 @@ namespace Vz {
 
 namespace {
 
-// Four rows lie in one vector. All arithmetic is that of TraceRow; whole numbers are kept in doubles, which
-// hold them exactly.
+// Eight rows lie in one vector. All arithmetic is that of TraceRow.
 
-constexpr double Fine = 4294967296.0;
+constexpr int Lanes = 8;
 
-VZ_AVX2_INLINE __m256d All(double v) { return _mm256_set1_pd(v); }
-VZ_AVX2_INLINE __m256d Or(__m256d a, __m256d b, __m256d isB) { return _mm256_blendv_pd(a, b, isB); }
-/// Heights without their 32 further places.
-VZ_AVX2_INLINE __m256d Whole(__m256d fine) { return _mm256_floor_pd(_mm256_mul_pd(fine, All(1 / Fine))); }
-VZ_AVX2_INLINE __m256d Rounded(__m256d v) { return _mm256_floor_pd(_mm256_add_pd(v, All(0.5))); }
-VZ_AVX2_INLINE __m128i Ints(__m256d v) { return _mm256_cvttpd_epi32(v); }
+VZ_AVX2_INLINE __m256d AllD(double v) { return _mm256_set1_pd(v); }
+VZ_AVX2_INLINE __m256 All(float v) { return _mm256_set1_ps(v); }
+VZ_AVX2_INLINE __m256i All(int v) { return _mm256_set1_epi32(v); }
+VZ_AVX2_INLINE __m256i Ints(__m256 v) { return _mm256_cvttps_epi32(v); }
+VZ_AVX2_INLINE __m256 Whole(__m256 v) { return _mm256_round_ps(v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC); }
 
-/// Where four pieces lie.
+/// Where eight pieces lie: Left and Right count from Column on, and Part is how much of the row they cover.
 struct TPieces {
-    __m256d Left, Right, Column, Height;
+    __m256i Column;
+    __m256 Left, Right, Part;
 };
 
 /// What is constant along an edge.
 struct TEdgeVectors {
-    __m256d X0, Y0, Slope, Rate, Begin, End;
-    __m128i Sign;
-    VZ_AVX2_INLINE explicit TEdgeVectors(const TTraceJob& job)
-        : X0(All(job.X0))
-        , Y0(All(job.Y0))
-        , Slope(All(job.Slope))
-        , Rate(All(job.Rate))
-        , Begin(All(job.Begin))
-        , End(All(job.End))
-        , Sign(_mm_set1_epi32(job.Sign >> 31)) {}
-    VZ_AVX2_INLINE __m256d At(__m256d y) const {
-        return _mm256_add_pd(X0, _mm256_mul_pd(_mm256_sub_pd(y, Y0), Slope));
+    __m256d X0, Y0, Y1, Slope;
+    __m256 Run;     ///< how far it goes to the right in a row
+    __m256 Rate;
+    __m256 SignBit; ///< set where it rises
+    VZ_AVX2_INLINE explicit TEdgeVectors(const TTraceEdge& edge)
+        : X0(AllD(edge.X0))
+        , Y0(AllD(edge.Y0))
+        , Y1(AllD(edge.Y1))
+        , Slope(AllD(edge.Slope))
+        , Run(All(static_cast<float>(edge.Slope)))
+        , Rate(All(edge.Rate))
+        , SignBit(All(edge.Sign < 0 ? -0.0F : 0.0F)) {}
+    VZ_AVX2_INLINE __m256 Signed(__m256 v) const { return _mm256_xor_ps(v, SignBit); }
+
+    VZ_AVX2_INLINE TPieces From(int row) const {
+        const __m256d rows = _mm256_add_pd(AllD(row), _mm256_setr_pd(0, 1, 2, 3));
+        const THalf low = HalfFrom(rows);
+        const THalf high = HalfFrom(_mm256_add_pd(rows, AllD(4)));
+        const __m256 from = _mm256_set_m128(high.From, low.From);
+        const __m256 part = _mm256_set_m128(high.Part, low.Part);
+        const __m256 run = _mm256_mul_ps(part, Run);
+        const __m256 left = _mm256_add_ps(from, _mm256_min_ps(run, _mm256_setzero_ps()));
+        const __m256 right = _mm256_add_ps(from, _mm256_max_ps(run, _mm256_setzero_ps()));
+        const __m256 shift = _mm256_floor_ps(left);
+        return {_mm256_add_epi32(_mm256_set_m128i(high.Column, low.Column), Ints(shift)),
+                _mm256_sub_ps(left, shift), _mm256_sub_ps(right, shift), part};
     }
-    VZ_AVX2_INLINE TPieces In(__m256d rows) const {
-        const __m256d y = _mm256_max_pd(rows, Begin);
-        const __m256d nextY = _mm256_min_pd(_mm256_add_pd(rows, All(1)), End);
-        const __m256d x = At(y);
-        const __m256d nextX = At(nextY);
-        const __m256d left = _mm256_min_pd(x, nextX);
-        const __m256d height = _mm256_mul_pd(_mm256_sub_pd(nextY, y), All(TCoverage::One));
-        return {left, _mm256_max_pd(x, nextX), _mm256_floor_pd(left), _mm256_max_pd(height, All(0))};
-    }
-    VZ_AVX2_INLINE __m128i Signed(__m256d v) const {
-        return _mm_sub_epi32(_mm_xor_si128(Ints(v), Sign), Sign);
+
+private:
+    struct THalf {
+        __m128i Column;
+        __m128 From, Part;
+    };
+    VZ_AVX2_INLINE THalf HalfFrom(__m256d rows) const {
+        const __m256d y = _mm256_max_pd(rows, Y0);
+        const __m256d nextY = _mm256_min_pd(_mm256_add_pd(rows, AllD(1)), Y1);
+        const __m256d x = _mm256_add_pd(X0, _mm256_mul_pd(_mm256_sub_pd(y, Y0), Slope));
+        const __m256d column = _mm256_floor_pd(x);
+        return {_mm256_cvttpd_epi32(column), _mm256_cvtpd_ps(_mm256_sub_pd(x, column)),
+                _mm256_cvtpd_ps(_mm256_sub_pd(nextY, y))};
     }
 };
 
-/// Adds four numbers, each from its place on, to the first `count` of four rows.
-VZ_AVX2_INLINE void Scatter(std::int32_t* steps, std::ptrdiff_t stride, __m128i places, int count,
-                            const __m128i (&columns)[4]) {
-    const __m128i a = _mm_unpacklo_epi32(columns[0], columns[1]);
-    const __m128i b = _mm_unpackhi_epi32(columns[0], columns[1]);
-    const __m128i c = _mm_unpacklo_epi32(columns[2], columns[3]);
-    const __m128i d = _mm_unpackhi_epi32(columns[2], columns[3]);
-    const auto add = [&](int place, __m128i numbers) VZ_AVX2 {
-        __m128i* const at = reinterpret_cast<__m128i*>(steps + place);
+/// Adds four numbers, each from its place on, to the first `count` of eight rows.
+VZ_AVX2_INLINE void Scatter(std::int32_t* steps, std::ptrdiff_t stride, __m256i places, int count,
+                            const __m256i (&columns)[4]) {
+    const __m256i a = _mm256_unpacklo_epi32(columns[0], columns[1]);
+    const __m256i b = _mm256_unpackhi_epi32(columns[0], columns[1]);
+    const __m256i c = _mm256_unpacklo_epi32(columns[2], columns[3]);
+    const __m256i d = _mm256_unpackhi_epi32(columns[2], columns[3]);
+    const __m256i rows[4] = {_mm256_unpacklo_epi64(a, c), _mm256_unpackhi_epi64(a, c),
+                             _mm256_unpacklo_epi64(b, d), _mm256_unpackhi_epi64(b, d)};
+    alignas(32) std::int32_t place[Lanes];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(place), places);
+    const auto add = [&](int row, __m128i numbers) VZ_AVX2 {
+        __m128i* const at = reinterpret_cast<__m128i*>(steps + row * stride + place[row]);
         _mm_storeu_si128(at, _mm_add_epi32(_mm_loadu_si128(at), numbers));
-        steps += stride;
     };
-    add(_mm_extract_epi32(places, 0), _mm_unpacklo_epi64(a, c));
-    if (count > 1) add(_mm_extract_epi32(places, 1), _mm_unpackhi_epi64(a, c));
-    if (count > 2) add(_mm_extract_epi32(places, 2), _mm_unpacklo_epi64(b, d));
-    if (count > 3) add(_mm_extract_epi32(places, 3), _mm_unpackhi_epi64(b, d));
+    for (int i = 0; i < 4; ++i) {
+        if (i < count) add(i, _mm256_castsi256_si128(rows[i]));
+    }
+    for (int i = 0; i < 4; ++i) {
+        if (i + 4 < count) add(i + 4, _mm256_extracti128_si256(rows[i], 1));
+    }
 }
 
 /// Notes the columns that were touched. `inside` is all ones for the rows that count.
-VZ_AVX2_INLINE void Note(TBandSpans& spans, int row, __m128i first, __m128i last, __m128i sum,
-                         __m128i inside) {
-    const auto at = [row](auto& numbers) { return reinterpret_cast<__m128i*>(numbers.data() + row); };
-    const __m128i noFirst = _mm_set1_epi32(1 << 30);
-    const __m128i noLast = _mm_set1_epi32(-1);
-    const auto update = [](__m128i* place, __m128i value) VZ_AVX2 { _mm_storeu_si128(place, value); };
-    update(at(spans.First),
-           _mm_min_epi32(_mm_loadu_si128(at(spans.First)), _mm_blendv_epi8(noFirst, first, inside)));
-    update(at(spans.Last),
-           _mm_max_epi32(_mm_loadu_si128(at(spans.Last)), _mm_blendv_epi8(noLast, last, inside)));
-    update(at(spans.Sum), _mm_add_epi32(_mm_loadu_si128(at(spans.Sum)), sum));
+VZ_AVX2_INLINE void Note(TTraceBand& band, std::size_t row, __m256i first, __m256i last, __m256i sum,
+                         __m256i inside) {
+    const auto at = [row](auto& numbers) { return reinterpret_cast<__m256i*>(numbers.data() + row); };
+    const auto update = [](__m256i* place, __m256i value) VZ_AVX2 { _mm256_storeu_si256(place, value); };
+    update(at(band.First), _mm256_min_epi32(_mm256_loadu_si256(at(band.First)),
+                                            _mm256_blendv_epi8(All(1 << 30), first, inside)));
+    update(at(band.Last), _mm256_max_epi32(_mm256_loadu_si256(at(band.Last)),
+                                           _mm256_blendv_epi8(All(-1), last, inside)));
+    update(at(band.Sum),
+           _mm256_add_epi32(_mm256_loadu_si256(at(band.Sum)), _mm256_and_si256(sum, inside)));
 }
 
-/// Adds pieces that lie in the box and touch at most three columns each.
-VZ_AVX2_INLINE void AddPieces(const TTraceJob& job, const TEdgeVectors& edge, const TPieces& p, int row,
-                              int count) {
-    const __m256d border = _mm256_add_pd(p.Column, All(1));
-    const __m256d crosses =
-        _mm256_cmp_pd(p.Right, _mm256_add_pd(border, All(1)), _CMP_GT_OQ); // a whole column
-    const __m256d firstFine = _mm256_add_pd(
-        _mm256_floor_pd(_mm256_mul_pd(
-            _mm256_min_pd(_mm256_mul_pd(_mm256_sub_pd(border, p.Left), edge.Rate), p.Height), All(Fine))),
-        All(Fine / 2));
-    const __m256d first = Whole(firstFine);
-    const __m256d step = _mm256_floor_pd(_mm256_mul_pd(edge.Rate, All(Fine)));
-    const __m256d second = _mm256_min_pd(Whole(_mm256_add_pd(firstFine, step)), p.Height);
-    const __m256d before = Or(first, second, crosses);
-    const __m256d rest = _mm256_sub_pd(p.Height, before);
-    const __m256d half = All(0.5);
-    // What passes to the second column, to the third where one is crossed, and behind the last.
-    const __m256d middle =
-        _mm256_sub_pd(_mm256_mul_pd(_mm256_add_pd(p.Left, _mm256_min_pd(p.Right, border)), half), p.Column);
-    const __m256d passed = Rounded(_mm256_mul_pd(first, middle));
-    const __m256d part = _mm256_sub_pd(second, first);
-    const __m256d passedHalf = _mm256_floor_pd(_mm256_mul_pd(_mm256_add_pd(part, All(1)), half));
-    const __m256d lastColumn = _mm256_add_pd(border, _mm256_and_pd(crosses, All(1)));
-    const __m256d reach = _mm256_min_pd(_mm256_max_pd(_mm256_sub_pd(p.Right, lastColumn), All(0)), All(1));
-    const __m256d passedOn = Rounded(_mm256_mul_pd(rest, _mm256_mul_pd(reach, half)));
-    const __m256d restHere = _mm256_sub_pd(rest, passedOn);
-    const __m256d values[4] = {
-        _mm256_sub_pd(first, passed),
-        _mm256_add_pd(passed, Or(restHere, _mm256_sub_pd(part, passedHalf), crosses)),
-        Or(passedOn, _mm256_add_pd(passedHalf, restHere), crosses),
-        _mm256_and_pd(crosses, passedOn),
+/// Adds narrow pieces whose first columns are in the box.
+VZ_AVX2_INLINE void AddPieces(TTraceBand& band, const TEdgeVectors& edge, const TPieces& p, __m256i places,
+                              int row, int count) {
+    const __m256 zero = _mm256_setzero_ps();
+    const __m256 one = All(1.0F);
+    const __m256 half = All(0.5F);
+    const __m256 height = _mm256_mul_ps(p.Part, All(float(TCoverage::One)));
+    const auto heightAt = [&](float border) VZ_AVX2 {
+        const __m256 there = _mm256_mul_ps(_mm256_sub_ps(All(border), p.Left), edge.Rate);
+        return Whole(_mm256_add_ps(_mm256_min_ps(there, height), half));
     };
-    const __m128i columns[4] = {edge.Signed(values[0]), edge.Signed(values[1]), edge.Signed(values[2]),
-                                edge.Signed(values[3])};
-    const __m128i inside = _mm_cmpgt_epi32(_mm_set1_epi32(count), _mm_setr_epi32(0, 1, 2, 3));
-    const __m128i places = _mm_sub_epi32(Ints(p.Column), _mm_set1_epi32(job.BoxLeft));
-    const __m128i last =
-        _mm_add_epi32(_mm_sub_epi32(Ints(lastColumn), _mm_set1_epi32(job.BoxLeft)), _mm_set1_epi32(1));
-    Scatter(job.Steps + row * job.Stride, job.Stride, places, count, columns);
-    Note(*job.Spans, row, places, last, _mm_and_si128(edge.Signed(p.Height), inside), inside);
+    const __m256 firstTwo = heightAt(2);
+    // From here on numbers have the edge's sign.
+    const __m256 signedHalf = edge.Signed(half);
+    const auto passed = [&](__m256 here, __m256 ends) VZ_AVX2 {
+        return Ints(_mm256_add_ps(_mm256_mul_ps(here, _mm256_mul_ps(ends, half)), signedHalf));
+    };
+    const auto reach = [&](float column) VZ_AVX2 {
+        return _mm256_min_ps(_mm256_max_ps(_mm256_sub_ps(p.Right, All(column)), zero), one);
+    };
+    const __m256 heights[3] = {edge.Signed(heightAt(1)), edge.Signed(_mm256_sub_ps(firstTwo, heightAt(1))),
+                               edge.Signed(_mm256_sub_ps(height, firstTwo))};
+    const __m256i passes[3] = {passed(heights[0], _mm256_add_ps(p.Left, _mm256_min_ps(p.Right, one))),
+                               passed(heights[1], reach(1)), passed(heights[2], reach(2))};
+    const __m256i columns[4] = {
+        _mm256_sub_epi32(Ints(heights[0]), passes[0]),
+        _mm256_sub_epi32(_mm256_add_epi32(passes[0], Ints(heights[1])), passes[1]),
+        _mm256_sub_epi32(_mm256_add_epi32(passes[1], Ints(heights[2])), passes[2]),
+        passes[2],
+    };
+    const auto at = static_cast<std::size_t>(row - band.Top);
+    Scatter(band.Steps + static_cast<std::ptrdiff_t>(at) * band.Stride, band.Stride, places, count, columns);
+    const __m256i crossed = Ints(_mm256_max_ps(_mm256_ceil_ps(p.Right), one));
+    const __m256i inside = _mm256_cmpgt_epi32(All(count), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+    Note(band, at, places, _mm256_add_epi32(places, crossed), Ints(edge.Signed(height)), inside);
 }
 
 } // namespace
 
-VZ_AVX2 void TraceRowsAvx2(const TTraceJob& job) {
-    const TEdgeVectors edge(job);
-    const __m256d boxLeft = All(job.BoxLeft);
-    const __m256d boxRight = All(job.BoxRight);
-    const int end = static_cast<int>(std::ceil(job.End)) - job.Top;
-    for (int row = static_cast<int>(job.Begin - job.Top); row < end; row += 4) {
-        const int count = std::min(end - row, 4);
-        const __m256d rows = _mm256_add_pd(All(job.Top + row), _mm256_setr_pd(0, 1, 2, 3));
-        const TPieces pieces = edge.In(rows);
-        const __m256d within = _mm256_and_pd(_mm256_cmp_pd(pieces.Left, boxLeft, _CMP_GE_OQ),
-                                             _mm256_cmp_pd(pieces.Left, boxRight, _CMP_LT_OQ));
-        const __m256d fits =
-            _mm256_and_pd(_mm256_cmp_pd(pieces.Right, boxRight, _CMP_LE_OQ),
-                          _mm256_cmp_pd(pieces.Right, _mm256_add_pd(pieces.Column, All(3)), _CMP_LE_OQ));
+VZ_AVX2 void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band) {
+    constexpr int fewRows = 2;
+    constexpr double mostRun = 2; // columns a row: beyond it pieces are not narrow
+    const int first = static_cast<int>(std::floor(std::max(edge.Y0, double(band.Top))));
+    const int end = static_cast<int>(std::ceil(std::min(edge.Y1, double(band.Bottom))));
+    if (end - first <= fewRows || std::abs(edge.Slope) > mostRun) {
+        for (int row = first; row < end; ++row)
+            TraceRow(edge, band, row);
+        return;
+    }
+    const TEdgeVectors vectors(edge);
+    for (int row = first; row < end; row += Lanes) {
+        const int count = std::min(end - row, Lanes);
+        const TPieces pieces = vectors.From(row);
+        const __m256i places = _mm256_sub_epi32(pieces.Column, All(band.Left));
+        const __m256i within =
+            _mm256_andnot_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), places),
+                                _mm256_cmpgt_epi32(All(band.Width), places));
+        const __m256 narrow = _mm256_cmp_ps(pieces.Right, All(float(TTracePiece::Narrow)), _CMP_LE_OQ);
         const int wanted = (1 << count) - 1;
-        if ((_mm256_movemask_pd(_mm256_and_pd(within, fits)) & wanted) == wanted)
-            AddPieces(job, edge, pieces, row, count);
+        const int fit = _mm256_movemask_ps(_mm256_and_ps(narrow, _mm256_castsi256_ps(within)));
+        if ((fit & wanted) == wanted)
+            AddPieces(band, vectors, pieces, places, row, count);
         else
             for (int i = 0; i < count; ++i)
-                TraceRow(job, row + i);
+                TraceRow(edge, band, row + i);
     }
 }
 

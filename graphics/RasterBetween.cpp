@@ -5,6 +5,7 @@
 #include "graphics/RasterStateInternal.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Vz {
 
@@ -62,6 +63,7 @@ bool TRasterState::TakeUncleared(const TRect& box) {
         const TRect& rect = surface.Rects[i];
         const TRect inside = Intersection(rect, box);
         surface.Drawn = Union(surface.Drawn, rect);
+        if (inside == rect) continue;
         for (int y = rect.Top; y < rect.Bottom; ++y) {
             const bool isBeside = y < inside.Top || y >= inside.Bottom;
             const int left = isBeside ? rect.Right : inside.Left;
@@ -124,49 +126,81 @@ bool TRasterState::BeginBetween(const TLayerPair& layers, int x, int y) {
     return true;
 }
 
-/// Lays the lower picture down for columns [left, right) of a row, where they lie in the box.
+/// Lays the lower picture down for columns [left, right) of a row of the box.
+void TRasterState::LayBefore(int y, int left, int right) const {
+    const TSurface& surface = Surfaces.Top();
+    // All rectangles that were open at the beginning: a clip of the drawing's own may leave out some.
+    for (std::size_t i = Between.FirstRect; i < Between.EndRect; ++i) {
+        const TRect& rect = surface.Rects[i];
+        const int first = std::max(left, rect.Left);
+        const int end = std::min(right, rect.Right);
+        if (y >= rect.Top && y < rect.Bottom && first < end)
+            LayUnder(surface.At(first, y), Between.Layers->Before(), y - Between.Y, first - Between.X,
+                     end - Between.X);
+    }
+}
+
+/// Makes sure that the lower picture lies in columns [left, right) of a row, where they are in the box.
 void TRasterState::Reach(int y, int left, int right) {
     const TRect& box = Between.Box;
-    left = std::max(left, box.Left);
-    right = std::min(right, box.Right);
-    if (y < box.Top || y >= box.Bottom || left >= right) return;
+    if (y < box.Top || y >= box.Bottom) return;
     TBetween::TReach& reached = Between.Reached[static_cast<std::size_t>(y - box.Top)];
     if (left >= reached.Left && right <= reached.Right) return;
-    const TSurface& surface = Surfaces.Top();
-    const auto lay = [&](int from, int to) {
-        // All that were open at the beginning: a clip of the drawing's own may leave out some in between.
-        for (std::size_t i = Between.FirstRect; i < Between.EndRect; ++i) {
-            const TRect& rect = surface.Rects[i];
-            const int first = std::max(from, rect.Left);
-            const int end = std::min(to, rect.Right);
-            if (y >= rect.Top && y < rect.Bottom && first < end)
-                LayUnder(surface.At(first, y), Between.Layers->Before(), y - Between.Y, first - Between.X,
-                         end - Between.X);
-        }
-    };
-    if (reached.Left >= reached.Right) {
-        lay(left, right);
+    left = std::max(left, box.Left);
+    right = std::min(right, box.Right);
+    if (left >= right) return;
+    if (reached.IsEmpty()) {
+        LayBefore(y, left, right);
         reached = {left, right};
         return;
     }
-    lay(left, reached.Left);
-    lay(reached.Right, right);
-    reached = {std::min(left, reached.Left), std::max(right, reached.Right)};
+    if (left < reached.Left) LayBefore(y, left, std::exchange(reached.Left, left));
+    if (right > reached.Right) LayBefore(y, std::exchange(reached.Right, right), right);
+}
+
+/// Copies rows of the merged picture down from row y of `part`, as long as the drawing reached none of them.
+/// Gives the first that is not done.
+int TRasterState::CopyUnreached(const TRect& part, int y) const {
+    const int first = y;
+    while (y < part.Bottom && ReachedIn(y).IsEmpty() && Between.RowOf(y).IsExact)
+        ++y;
+    const TPixels& both = Between.Layers->Both();
+    const TSurface& surface = Surfaces.Top();
+    const std::uint32_t* from = both.Row(first - Between.Y) + (part.Left - Between.X);
+    std::uint32_t* to = surface.At(part.Left, first);
+    if (part.Width() == both.Stride && both.Stride == surface.Pixels.Stride) {
+        std::copy_n(from, (y - first) * both.Stride, to);
+        return y;
+    }
+    for (int row = first; row < y; ++row, from += both.Stride, to += surface.Pixels.Stride)
+        std::copy_n(from, part.Width(), to);
+    return y;
+}
+
+/// Lays down what is missing of columns [left, right) of a row when the drawing is done.
+void TRasterState::FinishRow(int y, int left, int right) const {
+    const TSurface& surface = Surfaces.Top();
+    const int first = std::clamp(ReachedIn(y).Left, left, right);
+    const int end = std::clamp(ReachedIn(y).Right, first, right);
+    const int row = y - Between.Y;
+    LayBoth(surface.At(left, y), row, left - Between.X, first - Between.X);
+    LayAfter(surface.At(first, y), *Between.Layers, row, first - Between.X, end - Between.X);
+    LayBoth(surface.At(end, y), row, end - Between.X, right - Between.X);
 }
 
 /// False where the drawing between these pictures was not begun here.
 bool TRasterState::EndBetween(const TLayerPair& layers) {
     if (Between.Layers != &layers || Between.Depth != Surfaces.Depth()) return false;
-    const TSurface& surface = Surface();
-    EachRow(Between.Box, [&](int y, int left, int right) {
-        const TBetween::TReach& reached = Between.Reached[static_cast<std::size_t>(y - Between.Box.Top)];
-        const int first = std::clamp(reached.Left, left, right);
-        const int end = std::clamp(reached.Right, first, right);
-        const int row = y - Between.Y;
-        LayBoth(surface.At(left, y), row, left - Between.X, first - Between.X);
-        LayAfter(surface.At(first, y), layers, row, first - Between.X, end - Between.X);
-        LayBoth(surface.At(end, y), row, end - Between.X, right - Between.X);
-    });
+    const bool copies = Between.Clears && FClearPixel == 0;
+    const TRect open = Intersection(Between.Box, Clip().Box);
+    for (const TRect& rect : OpenRects()) {
+        const TRect part = Intersection(rect, open);
+        if (part.IsEmpty()) continue;
+        for (int y = part.Top; y < part.Bottom; ++y) {
+            if (copies && (y = CopyUnreached(part, y)) == part.Bottom) break;
+            FinishRow(y, part.Left, part.Right);
+        }
+    }
     Surface().Drawn = Union(Surface().Drawn, Between.Box);
     Between.Layers = nullptr;
     return true;

@@ -72,6 +72,7 @@ struct TBetween {
     /// The columns of a row that it may have changed: the lower picture lies there.
     struct TReach {
         int Left = 0, Right = 0;
+        bool IsEmpty() const { return Left >= Right; }
     };
     const TLayerPair* Layers = nullptr; ///< null: there is none
     std::size_t Depth = 0;              ///< of the surface that it goes on
@@ -81,6 +82,9 @@ struct TBetween {
     TRect Box;                   ///< their pixels within the clip
     bool Clears = false;         ///< what lies under the pictures in Box is the colour to clear with
     std::vector<TReach> Reached; ///< one a row of Box
+
+    /// What is known of the pictures in a row of Box.
+    const TLayerRow& RowOf(int y) const { return Layers->Rows()[static_cast<std::size_t>(y - Y)]; }
 };
 
 /// A raster device's surfaces, clips and working memory.
@@ -145,6 +149,12 @@ private:
     void AddToClip(TCoverageMap& map, TFillRule rule);
     void Forget(TSurface& layer);
     void Reach(int y, int left, int right);
+    const TBetween::TReach& ReachedIn(int y) const {
+        return Between.Reached[static_cast<std::size_t>(y - Between.Box.Top)];
+    }
+    void LayBefore(int y, int left, int right) const;
+    int CopyUnreached(const TRect& part, int y) const;
+    void FinishRow(int y, int left, int right) const;
     void LayUnder(std::uint32_t* at, const TPixels& picture, int y, int first, int end) const;
     void LayBoth(std::uint32_t* at, int y, int first, int end) const;
     void ClearRest();

@@ -133,7 +133,7 @@ void Average(std::uint32_t* pixels, int count, const TPixelBoxes& boxes, std::ui
     }
 }
 
-constexpr TRowOps Portable{"portable", FillSolid,        FillLinear,   FillRadial, FillFocal, TraceRows,
+constexpr TRowOps Portable{"portable", FillSolid,        FillLinear,   FillRadial, FillFocal, TraceEdge,
                            Resolve,    MultiplyCoverage, BlendCovered, BlendRow,   Average};
 
 std::atomic<const TRowOps*> Chosen{nullptr};

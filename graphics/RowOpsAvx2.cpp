@@ -401,7 +401,7 @@ VZ_AVX2 void Average(std::uint32_t* pixels, int count, const TPixelBoxes& boxes,
     }
 }
 
-constexpr TRowOps Avx2{"AVX2",  FillSolid,        FillLinear,   FillRadial, FillFocal, TraceRowsAvx2,
+constexpr TRowOps Avx2{"AVX2",  FillSolid,        FillLinear,   FillRadial, FillFocal, TraceEdgeAvx2,
                        Resolve, MultiplyCoverage, BlendCovered, BlendRow,   Average};
 
 } // namespace

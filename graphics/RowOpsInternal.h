@@ -119,7 +119,7 @@ struct TRowOps {
     void (*FillRadial)(const TFillJob& job, const TRampWalk& walk);
     void (*FillFocal)(const TFillJob& job, const TFocalWalk& walk);
     /// Adds an edge's part in the rows of a band.
-    void (*Trace)(const TTraceJob& job);
+    void (*Trace)(const TTraceEdge& edge, TTraceBand& band);
     /// A row's coverage as bytes. May write 8 bytes more than there are columns.
     void (*Resolve)(const TCoverageRow& row, TFillRule rule, std::uint8_t* coverage);
     /// coverage *= factor.

@@ -211,35 +211,37 @@ TEST_F(RowOps, TraceAlike) {
     const auto onGrid = [](double y) { return std::floor(y * TCoverage::One) / TCoverage::One; };
     for (int i = 0; i < Rounds * 4; ++i) {
         const double reach = Number(0, 3) ? 0 : Number(0, 3) ? 30 : 1e9;
-        TTraceJob job;
-        job.Top = Number(-10, 10);
-        job.X0 = left + Real(-reach, width + reach);
-        job.Y0 = onGrid(job.Top + Real(-20, height - 0.1));
-        const double bottom = onGrid(job.Y0 + std::max(Number(0, 2) ? Real(0, 70) : Real(0, 3), 1e-4));
-        const double right = Number(0, 5) ? left + Real(-reach, width + reach) : job.X0;
-        job.Slope = (right - job.X0) / (bottom - job.Y0);
-        job.Rate = TCoverage::One / std::abs(job.Slope);
-        job.Begin = std::max(job.Y0, double(job.Top));
-        job.End = std::min(bottom, double(job.Top + height));
-        if (job.Begin >= job.End) continue;
-        job.Sign = Number(0, 1) ? 1 : -1;
-        job.BoxLeft = left;
-        job.BoxRight = left + width;
-        job.Stride = stride;
+        TTraceBand bands[2];
+        TTraceBand& band = bands[0];
+        band.Top = Number(-10, 10);
+        band.Bottom = band.Top + height;
+        band.Left = left;
+        band.Width = width;
+        band.Stride = stride;
+        TTraceEdge edge;
+        edge.X0 = left + Real(-reach, width + reach);
+        edge.Y0 = onGrid(band.Top + Real(-20, height - 0.1));
+        edge.Y1 = onGrid(edge.Y0 + std::max(Number(0, 2) ? Real(0, 70) : Real(0, 3), 1e-4));
+        const double right = Number(0, 5) ? left + Real(-reach, width + reach) : edge.X0;
+        edge.Slope = (right - edge.X0) / (edge.Y1 - edge.Y0);
+        edge.Rate = std::min(TCoverage::One / std::abs(float(edge.Slope)), 1e30F);
+        edge.Sign = Number(0, 1) ? 1 : -1;
+        if (edge.Y1 <= band.Top) continue;
         std::vector<std::int32_t> steps[2];
-        TBandSpans spans[2];
         const TRowOps* ops[] = {&PortableRowOps(), VectorRowOps()};
+        bands[1] = band;
         for (int k = 0; k < 2; ++k) {
             steps[k].assign(std::size_t(stride * height), 3);
-            spans[k].Clear(TBandSpans::Size, width);
-            job.Steps = steps[k].data();
-            job.Spans = &spans[k];
-            ops[k]->Trace(job);
+            bands[k].Steps = steps[k].data();
+            bands[k].First.fill(width);
+            bands[k].Last.fill(-1);
+            bands[k].Sum.fill(0);
+            ops[k]->Trace(edge, bands[k]);
         }
-        ASSERT_EQ(steps[0], steps[1]) << job.X0 << " " << job.Slope;
-        ASSERT_EQ(spans[0].First, spans[1].First);
-        ASSERT_EQ(spans[0].Last, spans[1].Last);
-        ASSERT_EQ(spans[0].Sum, spans[1].Sum);
+        ASSERT_EQ(steps[0], steps[1]) << edge.X0 << " " << edge.Slope;
+        ASSERT_EQ(bands[0].First, bands[1].First);
+        ASSERT_EQ(bands[0].Last, bands[1].Last);
+        ASSERT_EQ(bands[0].Sum, bands[1].Sum);
     }
 }
 

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "graphics/CoverageInternal.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace Vz {
+
+/// A side's part in one row: from Left to Right, in columns from the one on that Left lies in. Where columns
+/// meet there are borders, border 1 behind the first column.
+struct TTracePiece {
+    /// Pieces that end before this border touch three columns at most.
+    static constexpr int Narrow = 3;
+
+    float Left, Right;
+    float Height; ///< in 1 / TCoverage::One, a whole number
+    float Rate;   ///< the height that falls on a column's width
+
+    /// The whole part of numbers that are not negative.
+    static float Whole(float v) { return static_cast<float>(static_cast<int>(v)); }
+    /// The height from the left end to a border before the last column's end.
+    float HeightAt(float border) const {
+        return Whole(std::min((border - Left) * Rate, Height) + 0.5F);
+    }
+    /// How much of the height in a column passes to the next one: what the piece leaves to its left, by its
+    /// middle's place in the column.
+    int Passed(float column, float height) const {
+        const float begin = std::max(Left - column, 0.0F);
+        const float end = std::min(std::max(Right - column, 0.0F), 1.0F);
+        return static_cast<int>(height * ((begin + end) * 0.5F) + 0.5F);
+    }
+};
+
+/// Adds a piece that crosses several columns or sticks out of the box to a row: columns `column` to
+/// `column + count`, of which at least one lies in the box. Gives the last column that it touched.
+int TraceWidePiece(const TTracePiece& piece, std::int64_t column, std::int64_t count, int sign,
+                   std::int32_t* steps, int width);
+
+/// Adds an edge's part in one row of a band, to be called for rows that it touches. All implementations do
+/// this arithmetic; whole numbers below 2^24 are exact in it.
+inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row) {
+    const auto below = [](auto v) { // floor, without a call
+        const auto whole = static_cast<std::int64_t>(v);
+        return whole - (static_cast<decltype(v)>(whole) > v ? 1 : 0);
+    };
+    const double y = std::max(double(row), edge.Y0);
+    const double nextY = std::min(row + 1.0, edge.Y1);
+    const double x = edge.X0 + (y - edge.Y0) * edge.Slope;
+    std::int64_t column = below(x);
+    const auto from = static_cast<float>(x - static_cast<double>(column));
+    const auto part = static_cast<float>(nextY - y);
+    const float run = part * static_cast<float>(edge.Slope);
+    const float left = from + std::min(run, 0.0F);
+    const float right = from + std::max(run, 0.0F);
+    const std::int64_t shift = below(left);
+    column += shift - band.Left;
+    if (column >= band.Width) return;
+
+    const TTracePiece piece{left - static_cast<float>(shift), right - static_cast<float>(shift),
+                            part * TCoverage::One, edge.Rate};
+    const auto i = static_cast<std::size_t>(row - band.Top);
+    std::int32_t* const steps = band.Steps + static_cast<std::ptrdiff_t>(i) * band.Stride;
+    const int height = static_cast<int>(piece.Height);
+    const int sign = edge.Sign;
+    band.Sum[i] += height * sign;
+    const std::int64_t count = std::max(-below(-piece.Right), std::int64_t{1}); // of columns
+    if (column >= 0 && piece.Right <= TTracePiece::Narrow) {
+        const int place = static_cast<int>(column);
+        const float first = piece.HeightAt(1);
+        const float firstTwo = piece.HeightAt(2);
+        const float second = firstTwo - first;
+        const float third = piece.Height - firstTwo;
+        const int passed = piece.Passed(0, first);
+        const int passedOn = piece.Passed(1, second);
+        const int passedOut = piece.Passed(2, third);
+        steps[place] += sign * (static_cast<int>(first) - passed);
+        steps[place + 1] += sign * (passed + static_cast<int>(second) - passedOn);
+        steps[place + 2] += sign * (passedOn + static_cast<int>(third) - passedOut);
+        steps[place + 3] += sign * passedOut;
+        band.First[i] = std::min(band.First[i], place);
+        band.Last[i] = std::max(band.Last[i], place + static_cast<int>(count));
+        return;
+    }
+    int last = 0;
+    if (column + count <= 0)
+        steps[0] += height * sign; // what lies to the left of the box counts for its first column
+    else
+        last = TraceWidePiece(piece, column, std::max<std::int64_t>(count, TTracePiece::Narrow), sign, steps,
+                              band.Width);
+    band.First[i] = std::min(band.First[i], static_cast<int>(std::max<std::int64_t>(column, 0)));
+    band.Last[i] = std::max(band.Last[i], last);
+}
+
+} // namespace Vz
