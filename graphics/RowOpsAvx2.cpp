@@ -237,9 +237,19 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
         const std::uint8_t* clip = job.ClipOf(coverageRow);
         const int room = job.Right - coverageRow.X;
         __m256i winding = _mm256_setzero_si256();
+        bool isCovered = false; // so were the last eight
         fetch.BeginRow(coverageRow.Y);
         for (int i = 0; i < coverageRow.Count; i += 8) {
-            const __m256i windings = Summed(Load(steps + i), winding);
+            const __m256i change = Load(steps + i);
+            // Amid a shape nothing changes for long: whole vectors are covered as one.
+            if (isCovered && IsZero(change) && room - i >= 8 && !clip) {
+                if (fetch.IsOpaque)
+                    Store(row + i, Joined(fetch(coverageRow.X + i)));
+                else
+                    Store(row + i, Over(fetch(coverageRow.X + i), Load(row + i)));
+                continue;
+            }
+            const __m256i windings = Summed(change, winding);
             Store(steps + i, _mm256_setzero_si256());
             winding = _mm256_permutevar8x32_epi32(windings, last);
             __m256i coverage = CoverageOf<Rule>(windings);
@@ -248,12 +258,13 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
                 std::memcpy(&bytes, clip + i, sizeof bytes);
                 coverage = Times(coverage, _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(bytes)));
             }
+            isCovered = IsZero(_mm256_xor_si256(coverage, full));
             if (IsZero(coverage)) continue;
             const TChannels paint = fetch(coverageRow.X + i);
             if (room - i < 8) {
                 const TTail tail(row + i, room - i);
                 tail.Put(Over(Times(paint, Doubled(coverage)), tail.Of(row + i)));
-            } else if (fetch.IsOpaque && IsZero(_mm256_xor_si256(coverage, full)))
+            } else if (fetch.IsOpaque && isCovered)
                 Store(row + i, Joined(paint));
             else
                 Store(row + i, Over(Times(paint, Doubled(coverage)), Load(row + i)));
