@@ -147,6 +147,55 @@ VZ_AVX2_INLINE void AddPieces(TTraceBand& band, const TEdgeVectors& edge, const 
     Note(band, at, places, _mm256_add_epi32(places, crossed), Ints(edge.Signed(height)), inside);
 }
 
+/// The same vector one lane further, with `first` in the first.
+VZ_AVX2_INLINE __m256i Moved(__m256i v, __m256i first) {
+    return _mm256_blend_epi32(_mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(7, 0, 1, 2, 3, 4, 5, 6)),
+                              first, 1);
+}
+VZ_AVX2_INLINE __m256i LastOf(__m256i v) { return _mm256_permutevar8x32_epi32(v, All(7)); }
+VZ_AVX2_INLINE __m256i Bits(__m256 v) { return _mm256_castps_si256(v); }
+VZ_AVX2_INLINE __m256 Floats(__m256i v) { return _mm256_castsi256_ps(v); }
+
+/// TraceWidePiece, eight columns at a time.
+VZ_AVX2 void TraceWidePieceAvx2(const TTracePiece& piece, std::int64_t column, std::int64_t count, int sign,
+                                std::int32_t* steps, int width) {
+    constexpr std::int64_t mostExact = 1 << 24; // numbers of columns that floats hold
+    if (count > mostExact) return TraceWidePiece(piece, column, count, sign, steps, width);
+    const TWideStart start = StartWide(piece, -column, count);
+    if (start.Column > 0) steps[0] += sign * (static_cast<int>(start.Height) - start.Passed);
+    const __m256 zero = _mm256_setzero_ps();
+    const __m256 one = All(1.0F);
+    const __m256 half = All(0.5F);
+    const __m256 height = All(piece.Height);
+    const __m256i signs = All(sign >> 31);
+    __m256 before = All(start.Height);
+    __m256i passed = All(start.Passed);
+    const int end = static_cast<int>(std::min(count, width - column));
+    for (int k = static_cast<int>(start.Column); k <= end; k += Lanes) {
+        const __m256i columns = _mm256_add_epi32(All(k), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+        const __m256 place = _mm256_cvtepi32_ps(columns);
+        const __m256 next = _mm256_add_ps(place, one);
+        const __m256 there = _mm256_mul_ps(_mm256_sub_ps(next, All(piece.Left)), All(piece.Rate));
+        const __m256 within = _mm256_cmp_ps(next, All(static_cast<float>(count)), _CMP_LT_OQ);
+        const __m256 after = _mm256_blendv_ps(
+            height, Whole(_mm256_add_ps(_mm256_min_ps(there, height), half)), within);
+        const __m256 here = _mm256_sub_ps(after, Floats(Moved(Bits(after), Bits(before))));
+        const __m256 ends = _mm256_add_ps(
+            _mm256_max_ps(_mm256_sub_ps(All(piece.Left), place), zero),
+            _mm256_min_ps(_mm256_max_ps(_mm256_sub_ps(All(piece.Right), place), zero), one));
+        const __m256i passedOn =
+            Ints(_mm256_add_ps(_mm256_mul_ps(here, _mm256_mul_ps(ends, half)), half));
+        const __m256i sum = _mm256_sub_epi32(_mm256_add_epi32(Moved(passedOn, passed), Ints(here)), passedOn);
+        const __m256i inBox = _mm256_cmpgt_epi32(All(static_cast<int>(width - column)), columns);
+        const __m256i change =
+            _mm256_and_si256(_mm256_sub_epi32(_mm256_xor_si256(sum, signs), signs), inBox);
+        __m256i* const at = reinterpret_cast<__m256i*>(steps + column + k);
+        _mm256_storeu_si256(at, _mm256_add_epi32(_mm256_loadu_si256(at), change));
+        before = Floats(LastOf(Bits(after)));
+        passed = LastOf(passedOn);
+    }
+}
+
 } // namespace
 
 VZ_AVX2 void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band) {
@@ -156,7 +205,7 @@ VZ_AVX2 void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band) {
     const int end = static_cast<int>(std::ceil(std::min(edge.Y1, double(band.Bottom))));
     if (end - first <= fewRows || std::abs(edge.Slope) > mostRun) {
         for (int row = first; row < end; ++row)
-            TraceRow(edge, band, row);
+            TraceRow(edge, band, row, TraceWidePieceAvx2);
         return;
     }
     const TEdgeVectors vectors(edge);
@@ -174,7 +223,7 @@ VZ_AVX2 void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band) {
             AddPieces(band, vectors, pieces, places, row, count);
         else
             for (int i = 0; i < count; ++i)
-                TraceRow(edge, band, row + i);
+                TraceRow(edge, band, row + i, TraceWidePieceAvx2);
     }
 }
 

@@ -32,14 +32,33 @@ struct TTracePiece {
     }
 };
 
-/// Adds a piece that crosses several columns or sticks out of the box to a row: columns `column` to
-/// `column + count`, of which at least one lies in the box. Gives the last column that it touched.
-int TraceWidePiece(const TTracePiece& piece, std::int64_t column, std::int64_t count, int sign,
-                   std::int32_t* steps, int width);
+/// Where the columns of a piece begin that lie in the box. What lies to the left of them counts for the box's
+/// first column.
+struct TWideStart {
+    std::int64_t Column = 0; ///< counted from the piece's first
+    float Height = 0;        ///< of the columns before
+    int Passed = 0;          ///< from the column before
+};
+
+inline TWideStart StartWide(const TTracePiece& piece, std::int64_t hidden, std::int64_t count) {
+    if (hidden <= 0) return {};
+    const auto heightAt = [&](std::int64_t border) {
+        return border < count ? piece.HeightAt(static_cast<float>(border)) : piece.Height;
+    };
+    const float height = heightAt(hidden);
+    const float before = hidden > 1 ? heightAt(hidden - 1) : 0;
+    return {hidden, height, piece.Passed(static_cast<float>(hidden - 1), height - before)};
+}
+
+/// Adds a piece that crosses several columns or sticks out of the box to a row: `count` columns from `column`
+/// on, of which at least one lies in the box.
+void TraceWidePiece(const TTracePiece& piece, std::int64_t column, std::int64_t count, int sign,
+                    std::int32_t* steps, int width);
 
 /// Adds an edge's part in one row of a band, to be called for rows that it touches. All implementations do
-/// this arithmetic; whole numbers below 2^24 are exact in it.
-inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row) {
+/// this arithmetic; whole numbers below 2^24 are exact in it. `traceWide` does what TraceWidePiece does.
+template <class TTraceWide>
+inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row, const TTraceWide& traceWide) {
     const auto below = [](auto v) { // floor, without a call
         const auto whole = static_cast<std::int64_t>(v);
         return whole - (static_cast<decltype(v)>(whole) > v ? 1 : 0);
@@ -82,14 +101,16 @@ inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row) {
         band.Last[i] = std::max(band.Last[i], place + static_cast<int>(count));
         return;
     }
-    int last = 0;
+    std::int64_t last = 0;
     if (column + count <= 0)
-        steps[0] += height * sign; // what lies to the left of the box counts for its first column
-    else
-        last = TraceWidePiece(piece, column, std::max<std::int64_t>(count, TTracePiece::Narrow), sign, steps,
-                              band.Width);
+        steps[0] += height * sign;
+    else {
+        const std::int64_t most = std::max<std::int64_t>(count, TTracePiece::Narrow);
+        traceWide(piece, column, most, sign, steps, band.Width);
+        last = std::min<std::int64_t>(column + most, band.Width);
+    }
     band.First[i] = std::min(band.First[i], static_cast<int>(std::max<std::int64_t>(column, 0)));
-    band.Last[i] = std::max(band.Last[i], last);
+    band.Last[i] = std::max(band.Last[i], static_cast<int>(last));
 }
 
 } // namespace Vz

@@ -140,12 +140,10 @@ void TRasterState::LayBefore(int y, int left, int right) const {
     }
 }
 
-/// Makes sure that the lower picture lies in columns [left, right) of a row, where they are in the box.
+/// Makes sure that the lower picture lies in columns [left, right) of a row of the box.
 void TRasterState::Reach(int y, int left, int right) {
     const TRect& box = Between.Box;
-    if (y < box.Top || y >= box.Bottom) return;
     TBetween::TReach& reached = Between.Reached[static_cast<std::size_t>(y - box.Top)];
-    if (left >= reached.Left && right <= reached.Right) return;
     left = std::max(left, box.Left);
     right = std::min(right, box.Right);
     if (left >= right) return;

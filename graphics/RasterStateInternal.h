@@ -83,6 +83,11 @@ struct TBetween {
     bool Clears = false;         ///< what lies under the pictures in Box is the colour to clear with
     std::vector<TReach> Reached; ///< one a row of Box
 
+    bool IsReached(int y, int left, int right) const {
+        if (y < Box.Top || y >= Box.Bottom) return true;
+        const TReach& reached = Reached[static_cast<std::size_t>(y - Box.Top)];
+        return left >= reached.Left && right <= reached.Right;
+    }
     /// What is known of the pictures in a row of Box.
     const TLayerRow& RowOf(int y) const { return Layers->Rows()[static_cast<std::size_t>(y - Y)]; }
 };
@@ -121,9 +126,9 @@ struct TRasterState {
     void ClearOnDemand(std::uint32_t pixel);
     /// Called before pixels of the surface in force change.
     void AboutToChange(int y, int left, int right) {
-        if (Between.Layers && Between.Depth == Surfaces.Depth())
-            Reach(y, left, right);
-        else if (FUncleared > 0 && Surfaces.Depth() == 1)
+        if (Between.Layers && Between.Depth == Surfaces.Depth()) {
+            if (!Between.IsReached(y, left, right)) Reach(y, left, right);
+        } else if (FUncleared > 0 && Surfaces.Depth() == 1)
             ClearRest();
     }
 
