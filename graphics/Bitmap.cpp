@@ -79,7 +79,7 @@ void TVZGPBitmap::SetSize(unsigned width, unsigned height) {
     if (width > MaxExtent || height > MaxExtent)
         throw EArgumentOutOfRange("a bitmap of " + std::to_string(width) + " by " + std::to_string(height) +
                                   " pixels is too large");
-    FPixels.assign(std::size_t{width} * height, 0);
+    FPixels.Assign(std::size_t{width} * height);
     FWidth = width;
     FHeight = height;
     if (FCanvas == nullptr) return;
@@ -99,7 +99,7 @@ TVZGPCanvas& TVZGPBitmap::GetCanvas() {
 }
 
 TPixels TVZGPBitmap::GetPixels() const {
-    return {FPixels.data(), static_cast<int>(FWidth), static_cast<int>(FHeight),
+    return {FPixels.Data(), static_cast<int>(FWidth), static_cast<int>(FHeight),
             static_cast<std::ptrdiff_t>(FWidth)};
 }
 

@@ -2,12 +2,12 @@
 
 #include "graphics/Color.h"
 #include "graphics/Geometry.h"
+#include "graphics/PixelStore.h"
 
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace Vz {
 
@@ -48,7 +48,7 @@ public:
 private:
     unsigned FWidth = 0;
     unsigned FHeight = 0;
-    mutable std::vector<std::uint32_t> FPixels;
+    TPixelStore FPixels;
     std::unique_ptr<IPaintDevice> FDevice;
     std::unique_ptr<TVZGPCanvas> FCanvas;
 };

@@ -50,7 +50,7 @@ private:
 
     TPixels FBefore, FAfter, FBoth;
     TRect FBeforeUsed, FAfterUsed;
-    std::vector<std::uint32_t> FMerged; ///< empty where the upper picture is
+    TPixelStore FMerged; ///< empty where the upper picture is
     std::vector<TLayerRow> FRows;
     std::vector<TLayerRun> FAfterRuns;  ///< from top to bottom
     std::vector<std::size_t> FFirstRun; ///< one a row, and one more
