@@ -64,8 +64,7 @@ TRect TCoverage::WholePixels() const {
     if (FStarts.size() != 2 || FPoints.size() < 4 || FPoints.size() > 5) return {};
     if (FPoints.size() == 5 && FPoints.front() != FPoints.back()) return {};
     const auto isCorner = [this](const TPointD& p) {
-        return (p.X == FBounds.Left || p.X == FBounds.Right) &&
-               (p.Y == FBounds.Top || p.Y == FBounds.Bottom);
+        return (p.X == FBounds.Left || p.X == FBounds.Right) && (p.Y == FBounds.Top || p.Y == FBounds.Bottom);
     };
     for (std::size_t i = 0; i < 4; ++i) {
         const TPointD& p = FPoints[i];

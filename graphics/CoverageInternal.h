@@ -96,7 +96,7 @@ private:
     int FBandHeight = 0;
     int FBandCount = 0;
     int FBandIndex = 0;
-    TTraceBand FBand; ///< the one at hand
+    TTraceBand FBand;          ///< the one at hand
     std::vector<TEdge> FEdges; ///< empty where there is one band: its edges are traced at once
     std::vector<std::int32_t> FFirstInBand;
     std::vector<std::int32_t> FActive;

@@ -32,7 +32,7 @@ struct TPieces {
 /// What is constant along an edge.
 struct TEdgeVectors {
     __m256d X0, Y0, Y1, Slope;
-    __m256 Run;     ///< how far it goes to the right in a row
+    __m256 Run; ///< how far it goes to the right in a row
     __m256 Rate;
     __m256 SignBit; ///< set where it rises
     VZ_AVX2_INLINE explicit TEdgeVectors(const TTraceEdge& edge)
@@ -104,10 +104,9 @@ VZ_AVX2_INLINE void Note(TTraceBand& band, std::size_t row, __m256i first, __m25
     const auto update = [](__m256i* place, __m256i value) VZ_AVX2 { _mm256_storeu_si256(place, value); };
     update(at(band.First), _mm256_min_epi32(_mm256_loadu_si256(at(band.First)),
                                             _mm256_blendv_epi8(All(1 << 30), first, inside)));
-    update(at(band.Last), _mm256_max_epi32(_mm256_loadu_si256(at(band.Last)),
-                                           _mm256_blendv_epi8(All(-1), last, inside)));
-    update(at(band.Sum),
-           _mm256_add_epi32(_mm256_loadu_si256(at(band.Sum)), _mm256_and_si256(sum, inside)));
+    update(at(band.Last),
+           _mm256_max_epi32(_mm256_loadu_si256(at(band.Last)), _mm256_blendv_epi8(All(-1), last, inside)));
+    update(at(band.Sum), _mm256_add_epi32(_mm256_loadu_si256(at(band.Sum)), _mm256_and_si256(sum, inside)));
 }
 
 /// Adds narrow pieces whose first columns are in the box.
@@ -177,18 +176,16 @@ VZ_AVX2 void TraceWidePieceAvx2(const TTracePiece& piece, std::int64_t column, s
         const __m256 next = _mm256_add_ps(place, one);
         const __m256 there = _mm256_mul_ps(_mm256_sub_ps(next, All(piece.Left)), All(piece.Rate));
         const __m256 within = _mm256_cmp_ps(next, All(static_cast<float>(count)), _CMP_LT_OQ);
-        const __m256 after = _mm256_blendv_ps(
-            height, Whole(_mm256_add_ps(_mm256_min_ps(there, height), half)), within);
+        const __m256 after =
+            _mm256_blendv_ps(height, Whole(_mm256_add_ps(_mm256_min_ps(there, height), half)), within);
         const __m256 here = _mm256_sub_ps(after, Floats(Moved(Bits(after), Bits(before))));
-        const __m256 ends = _mm256_add_ps(
-            _mm256_max_ps(_mm256_sub_ps(All(piece.Left), place), zero),
-            _mm256_min_ps(_mm256_max_ps(_mm256_sub_ps(All(piece.Right), place), zero), one));
-        const __m256i passedOn =
-            Ints(_mm256_add_ps(_mm256_mul_ps(here, _mm256_mul_ps(ends, half)), half));
+        const __m256 ends =
+            _mm256_add_ps(_mm256_max_ps(_mm256_sub_ps(All(piece.Left), place), zero),
+                          _mm256_min_ps(_mm256_max_ps(_mm256_sub_ps(All(piece.Right), place), zero), one));
+        const __m256i passedOn = Ints(_mm256_add_ps(_mm256_mul_ps(here, _mm256_mul_ps(ends, half)), half));
         const __m256i sum = _mm256_sub_epi32(_mm256_add_epi32(Moved(passedOn, passed), Ints(here)), passedOn);
         const __m256i inBox = _mm256_cmpgt_epi32(All(static_cast<int>(width - column)), columns);
-        const __m256i change =
-            _mm256_and_si256(_mm256_sub_epi32(_mm256_xor_si256(sum, signs), signs), inBox);
+        const __m256i change = _mm256_and_si256(_mm256_sub_epi32(_mm256_xor_si256(sum, signs), signs), inBox);
         __m256i* const at = reinterpret_cast<__m256i*>(steps + column + k);
         _mm256_storeu_si256(at, _mm256_add_epi32(_mm256_loadu_si256(at), change));
         before = Floats(LastOf(Bits(after)));
@@ -213,9 +210,8 @@ VZ_AVX2 void TraceEdgeAvx2(const TTraceEdge& edge, TTraceBand& band) {
         const int count = std::min(end - row, Lanes);
         const TPieces pieces = vectors.From(row);
         const __m256i places = _mm256_sub_epi32(pieces.Column, All(band.Left));
-        const __m256i within =
-            _mm256_andnot_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), places),
-                                _mm256_cmpgt_epi32(All(band.Width), places));
+        const __m256i within = _mm256_andnot_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), places),
+                                                   _mm256_cmpgt_epi32(All(band.Width), places));
         const __m256 narrow = _mm256_cmp_ps(pieces.Right, All(float(TTracePiece::Narrow)), _CMP_LE_OQ);
         const int wanted = (1 << count) - 1;
         const int fit = _mm256_movemask_ps(_mm256_and_ps(narrow, _mm256_castsi256_ps(within)));

@@ -20,9 +20,7 @@ struct TTracePiece {
     /// The whole part of numbers that are not negative.
     static float Whole(float v) { return static_cast<float>(static_cast<int>(v)); }
     /// The height from the left end to a border before the last column's end.
-    float HeightAt(float border) const {
-        return Whole(std::min((border - Left) * Rate, Height) + 0.5F);
-    }
+    float HeightAt(float border) const { return Whole(std::min((border - Left) * Rate, Height) + 0.5F); }
     /// How much of the height in a column passes to the next one: what the piece leaves to its left, by its
     /// middle's place in the column.
     int Passed(float column, float height) const {

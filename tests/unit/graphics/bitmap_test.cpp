@@ -194,6 +194,18 @@ TEST(Bitmap, SizesAndPixels) {
     bitmap.GetCanvas().Clear(0xFFFFFFFF);
 }
 
+TEST(Bitmap, GreatOnesAreTransparentAfterEachSetSize) {
+    constexpr unsigned extents[] = {1000, 700, 1100, 30};
+    TVZGPBitmap bitmap;
+    for (const unsigned extent : extents) {
+        bitmap.SetSize(extent, extent);
+        const TPixels pixels = bitmap.GetPixels();
+        const auto size = std::size_t{extent} * extent;
+        EXPECT_EQ(std::count(pixels.Data, pixels.Data + size, 0u), std::ptrdiff_t(size));
+        std::fill_n(pixels.Data, size, 0x80402010u);
+    }
+}
+
 TEST(Bitmap, GiantsAreRefused) {
     TVZGPBitmap bitmap(4, 4);
     EXPECT_THROW(bitmap.SetSize(32768, 1), EArgumentOutOfRange);
