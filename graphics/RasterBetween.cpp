@@ -78,7 +78,7 @@ bool TRasterState::TakeUncleared(const TRect& box) {
 /// Lays columns of a picture down that is the lowest.
 void TRasterState::LayUnder(std::uint32_t* at, const TPixels& picture, int y, int first, int end) const {
     if (first >= end) return;
-    if (Between.Clears && FClearPixel == 0) {
+    if (Copies()) {
         std::copy(picture.Row(y) + first, picture.Row(y) + end, at);
         return;
     }
@@ -140,12 +140,14 @@ void TRasterState::LayBefore(int y, int left, int right) const {
     }
 }
 
-/// Makes sure that the lower picture lies in columns [left, right) of a row of the box.
+/// Makes sure that the lower picture lies in columns [left, right) of a row of the box, and some beside them:
+/// what is drawn next may reach a little further.
 void TRasterState::Reach(int y, int left, int right) {
+    constexpr int grain = 16;
     const TRect& box = Between.Box;
     TBetween::TReach& reached = Between.Reached[static_cast<std::size_t>(y - box.Top)];
-    left = std::max(left, box.Left);
-    right = std::min(right, box.Right);
+    left = std::max((left - 1) & -grain, box.Left);
+    right = std::min((right + grain) & -grain, box.Right);
     if (left >= right) return;
     if (reached.IsEmpty()) {
         LayBefore(y, left, right);
@@ -156,46 +158,52 @@ void TRasterState::Reach(int y, int left, int right) {
     if (right > reached.Right) LayBefore(y, std::exchange(reached.Right, right), right);
 }
 
-/// Copies rows of the merged picture down from row y of `part`, as long as the drawing reached none of them.
-/// Gives the first that is not done.
+/// Copies rows of the merged picture down from row y of `part` as long as they are unreached. Gives the first
+/// that is not done.
 int TRasterState::CopyUnreached(const TRect& part, int y) const {
-    const int first = y;
-    while (y < part.Bottom && ReachedIn(y).IsEmpty() && Between.RowOf(y).IsExact)
-        ++y;
     const TPixels& both = Between.Layers->Both();
     const TSurface& surface = Surfaces.Top();
-    const std::uint32_t* from = both.Row(first - Between.Y) + (part.Left - Between.X);
-    std::uint32_t* to = surface.At(part.Left, first);
+    int count = 1;
+    while (y + count < part.Bottom && IsUnreached(y + count))
+        ++count;
+    const std::uint32_t* from = both.Row(y - Between.Y) + (part.Left - Between.X);
+    std::uint32_t* to = surface.At(part.Left, y);
     if (part.Width() == both.Stride && both.Stride == surface.Pixels.Stride) {
-        std::copy_n(from, (y - first) * both.Stride, to);
-        return y;
+        std::copy_n(from, count * both.Stride, to);
+        return y + count;
     }
-    for (int row = first; row < y; ++row, from += both.Stride, to += surface.Pixels.Stride)
+    for (int i = 0; i < count; ++i, from += both.Stride, to += surface.Pixels.Stride)
         std::copy_n(from, part.Width(), to);
-    return y;
+    return y + count;
 }
 
 /// Lays down what is missing of columns [left, right) of a row when the drawing is done.
 void TRasterState::FinishRow(int y, int left, int right) const {
-    const TSurface& surface = Surfaces.Top();
-    const int first = std::clamp(ReachedIn(y).Left, left, right);
-    const int end = std::clamp(ReachedIn(y).Right, first, right);
+    const TBetween::TReach& reached = ReachedIn(y);
+    const int first = std::clamp(reached.Left, left, right);
+    const int end = std::clamp(reached.Right, first, right);
+    std::uint32_t* const at = Surfaces.Top().At(left, y);
     const int row = y - Between.Y;
-    LayBoth(surface.At(left, y), row, left - Between.X, first - Between.X);
-    LayAfter(surface.At(first, y), *Between.Layers, row, first - Between.X, end - Between.X);
-    LayBoth(surface.At(end, y), row, end - Between.X, right - Between.X);
+    if (Copies() && Between.RowOf(y).IsExact) {
+        const std::uint32_t* const both = Between.Layers->Both().Row(row) - Between.X;
+        std::copy(both + left, both + first, at);
+        std::copy(both + end, both + right, at + (end - left));
+    } else {
+        LayBoth(at, row, left - Between.X, first - Between.X);
+        LayBoth(at + (end - left), row, end - Between.X, right - Between.X);
+    }
+    LayAfter(at + (first - left), *Between.Layers, row, first - Between.X, end - Between.X);
 }
 
 /// False where the drawing between these pictures was not begun here.
 bool TRasterState::EndBetween(const TLayerPair& layers) {
     if (Between.Layers != &layers || Between.Depth != Surfaces.Depth()) return false;
-    const bool copies = Between.Clears && FClearPixel == 0;
     const TRect open = Intersection(Between.Box, Clip().Box);
     for (const TRect& rect : OpenRects()) {
         const TRect part = Intersection(rect, open);
         if (part.IsEmpty()) continue;
         for (int y = part.Top; y < part.Bottom; ++y) {
-            if (copies && (y = CopyUnreached(part, y)) == part.Bottom) break;
+            if (Copies() && IsUnreached(y) && (y = CopyUnreached(part, y)) == part.Bottom) break;
             FinishRow(y, part.Left, part.Right);
         }
     }

@@ -157,6 +157,10 @@ private:
     const TBetween::TReach& ReachedIn(int y) const {
         return Between.Reached[static_cast<std::size_t>(y - Between.Box.Top)];
     }
+    /// The lowest picture's pixels become the target's as they are.
+    bool Copies() const { return Between.Clears && FClearPixel == 0; }
+    /// The drawing did not come to a row, and the merged picture can be laid down there.
+    bool IsUnreached(int y) const { return ReachedIn(y).IsEmpty() && Between.RowOf(y).IsExact; }
     void LayBefore(int y, int left, int right) const;
     int CopyUnreached(const TRect& part, int y) const;
     void FinishRow(int y, int left, int right) const;
