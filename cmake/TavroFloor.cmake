@@ -19,8 +19,10 @@ function(tavro_floor name)
     target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
     target_compile_features(${target} PUBLIC cxx_std_20)
     tavro_warnings(${target})
-    # Calls from one function of the library to another are not looked up at run time.
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-semantic-interposition>)
+    # Calls from one function of the library to another are not looked up at run time. Sums of products are
+    # rounded alike wherever they stand, so that pixels do not depend on what was inlined.
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-semantic-interposition -ffp-contract=off>)
     foreach(floor IN LISTS arg_LINK)
         target_link_libraries(${target} PUBLIC tavro_${floor})
     endforeach()

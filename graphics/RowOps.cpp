@@ -79,7 +79,7 @@ void FillLinear(const TFillJob& job, const TRampWalk& walk) {
     FillRows(job, [&walk](int y, int x, int count, std::uint32_t* pixels) {
         const TPointD first = walk.FirstOfRow(y);
         for (int i = 0; i < count; ++i)
-            pixels[i] = walk.Table[RampEntry(first.X + (x + i) * walk.ToRamp.A, walk.Spread)];
+            pixels[i] = walk.Table[LinearEntry(first.X + (x + i) * walk.ToRamp.A, walk.Spread)];
     });
 }
 

@@ -141,6 +141,14 @@ template <TSpread Spread> VZ_AVX2_INLINE __m256i RampEntries(__m256 t) {
     return _mm256_cvttps_epi32(t);
 }
 
+/// Eight places as floats.
+VZ_AVX2_INLINE __m256 Places(double first, double step, int x) {
+    const __m256d columns = Columns(x);
+    const __m256d further = _mm256_add_pd(columns, _mm256_set1_pd(4));
+    return _mm256_set_m128(_mm256_cvtpd_ps(Place(first, step, further)),
+                           _mm256_cvtpd_ps(Place(first, step, columns)));
+}
+
 template <TSpread Spread> struct TLinearFetch {
     const TRampWalk& Walk;
     TPointD First;
@@ -150,6 +158,8 @@ template <TSpread Spread> struct TLinearFetch {
         , IsOpaque(walk.IsOpaque) {}
     VZ_AVX2_INLINE void BeginRow(int y) { First = Walk.FirstOfRow(y); }
     VZ_AVX2_INLINE TChannels operator()(int x) const {
+        if constexpr (Spread == TSpread::Pad)
+            return Split(Entries(Walk.Table, RampEntries<Spread>(Places(First.X, Walk.ToRamp.A, x))));
         const __m256d columns = Columns(x);
         const __m256d further = _mm256_add_pd(columns, _mm256_set1_pd(4));
         const __m128i low = RampEntries<Spread>(Place(First.X, Walk.ToRamp.A, columns));
@@ -157,14 +167,6 @@ template <TSpread Spread> struct TLinearFetch {
         return Split(Entries(Walk.Table, _mm256_set_m128i(high, low)));
     }
 };
-
-/// Eight places as floats.
-VZ_AVX2_INLINE __m256 Places(double first, double step, int x) {
-    const __m256d columns = Columns(x);
-    const __m256d further = _mm256_add_pd(columns, _mm256_set1_pd(4));
-    return _mm256_set_m128(_mm256_cvtpd_ps(Place(first, step, further)),
-                           _mm256_cvtpd_ps(Place(first, step, columns)));
-}
 
 template <TSpread Spread> struct TRadialFetch {
     const TRampWalk& Walk;

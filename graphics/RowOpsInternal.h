@@ -83,6 +83,12 @@ template <class T> int RampEntry(T t, TSpread spread) {
     return static_cast<int>(t < last ? t : last);
 }
 
+/// The entry of a linear gradient's ramp. Only places that are brought into the ramp first need all of a
+/// double.
+inline int LinearEntry(double t, TSpread spread) {
+    return spread == TSpread::Pad ? RampEntry(static_cast<float>(t), spread) : RampEntry(t, spread);
+}
+
 /// Rows of coverage about to be painted.
 struct TFillJob {
     std::span<const TCoverageRow> Rows;

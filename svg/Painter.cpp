@@ -18,6 +18,14 @@ TAffine AboutOrigin(const TAffine& own, const TComputedStyle& style, double view
     return TAffine::Translation(-x, -y).Then(own).Then(TAffine::Translation(x, y));
 }
 
+namespace {
+
+bool HasMarkers(const TComputedStyle& style) {
+    return style.MarkerStart || style.MarkerMid || style.MarkerEnd;
+}
+
+} // namespace
+
 bool TSVGPainter::IsFollowed(const TSVGElement* element) const {
     return std::ranges::find(FActive, element) != FActive.end();
 }
@@ -138,9 +146,11 @@ void TSVGPainter::PaintElement(const TSVGGraphicElement& element, const TPaintCo
     if (!element.GetVisible() || !element.ConditionsHold() || context.Depth > MaxDepth || !Enter()) return;
     TComputedStyle scratch;
     const TComputedStyle& style = StyleOf(element, context, scratch);
+    const TEffects effects = FindEffects(element, style);
+    const bool isHidden = IsShapeTag(tag) && style.Visibility != TKeyword::Visible && !HasMarkers(style);
+    if (isHidden && effects.IsPlain()) return;
     const TPaintContext inner = Inside(element, context, style);
     if (!inner.Matrix.IsInvertible()) return;
-    const TEffects effects = FindEffects(element, style);
     if (effects.IsPlain()) {
         PaintContent(element, inner, 1);
     } else if (effects.IsFade() && PaintsOnce(element, style)) {
@@ -154,8 +164,7 @@ void TSVGPainter::PaintElement(const TSVGGraphicElement& element, const TPaintCo
 /// True for a shape that paints once: it can carry its opacity in its paint.
 bool TSVGPainter::PaintsOnce(const TSVGGraphicElement& element, const TComputedStyle& style) {
     using T = TComputedPaint::TKind;
-    const bool markers = style.MarkerStart || style.MarkerMid || style.MarkerEnd;
-    return IsShapeTag(element.GetTag()) && !markers &&
+    return IsShapeTag(element.GetTag()) && !HasMarkers(style) &&
            (style.Fill.Kind == T::None || style.Stroke.Kind == T::None);
 }
 
@@ -193,8 +202,7 @@ void TSVGPainter::PaintDrawable(const TSVGGraphicElement& element, const TPaintC
         return isText ? MakeTextList(static_cast<const TSVGText&>(element), inner)
                       : MakeShapeList(static_cast<const TSVGShape&>(element), inner, opacity);
     };
-    const TComputedStyle& style = *inner.Style;
-    const bool markers = !isText && (style.MarkerStart || style.MarkerMid || style.MarkerEnd);
+    const bool markers = !isText && HasMarkers(*inner.Style);
     auto& kept = element.FCompiled;
     const bool keeps = Keeps(inner) && !markers;
     if (!keeps || !kept->HasList || kept->Opacity != opacity) {
