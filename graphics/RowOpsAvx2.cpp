@@ -88,13 +88,21 @@ template <TFillRule Rule> VZ_AVX2_INLINE __m256i CoverageOf(__m256i windings) {
 // Paints: eight pixels from device column x on.
 
 struct TSolidFetch {
+    __m256i All;
     TChannels Channels;
     bool IsOpaque;
     VZ_AVX2_INLINE explicit TSolidFetch(std::uint32_t pixel)
-        : Channels(Split(_mm256_set1_epi32(static_cast<int>(pixel))))
+        : All(_mm256_set1_epi32(static_cast<int>(pixel)))
+        , Channels(Split(All))
         , IsOpaque(pixel >> 24 == 255) {}
     VZ_AVX2_INLINE void BeginRow(int) {}
-    VZ_AVX2_INLINE TChannels operator()(int) const { return Channels; }
+    VZ_AVX2_INLINE __m256i Pixels(int) const { return All; }
+    VZ_AVX2_INLINE TChannels ChannelsOf(__m256i) const { return Channels; }
+};
+
+/// What the others share.
+struct TPixelFetch {
+    VZ_AVX2_INLINE static TChannels ChannelsOf(__m256i pixels) { return Split(pixels); }
 };
 
 VZ_AVX2_INLINE __m256i Entries(const std::uint32_t* table, __m256i indices) {
@@ -149,7 +157,7 @@ VZ_AVX2_INLINE __m256 Places(double first, double step, int x) {
                            _mm256_cvtpd_ps(Place(first, step, columns)));
 }
 
-template <TSpread Spread> struct TLinearFetch {
+template <TSpread Spread> struct TLinearFetch : TPixelFetch {
     const TRampWalk& Walk;
     TPointD First;
     bool IsOpaque;
@@ -157,18 +165,18 @@ template <TSpread Spread> struct TLinearFetch {
         : Walk(walk)
         , IsOpaque(walk.IsOpaque) {}
     VZ_AVX2_INLINE void BeginRow(int y) { First = Walk.FirstOfRow(y); }
-    VZ_AVX2_INLINE TChannels operator()(int x) const {
+    VZ_AVX2_INLINE __m256i Pixels(int x) const {
         if constexpr (Spread == TSpread::Pad)
-            return Split(Entries(Walk.Table, RampEntries<Spread>(Places(First.X, Walk.ToRamp.A, x))));
+            return Entries(Walk.Table, RampEntries<Spread>(Places(First.X, Walk.ToRamp.A, x)));
         const __m256d columns = Columns(x);
         const __m256d further = _mm256_add_pd(columns, _mm256_set1_pd(4));
         const __m128i low = RampEntries<Spread>(Place(First.X, Walk.ToRamp.A, columns));
         const __m128i high = RampEntries<Spread>(Place(First.X, Walk.ToRamp.A, further));
-        return Split(Entries(Walk.Table, _mm256_set_m128i(high, low)));
+        return Entries(Walk.Table, _mm256_set_m128i(high, low));
     }
 };
 
-template <TSpread Spread> struct TRadialFetch {
+template <TSpread Spread> struct TRadialFetch : TPixelFetch {
     const TRampWalk& Walk;
     TPointD First;
     bool IsOpaque;
@@ -176,15 +184,15 @@ template <TSpread Spread> struct TRadialFetch {
         : Walk(walk)
         , IsOpaque(walk.IsOpaque) {}
     VZ_AVX2_INLINE void BeginRow(int y) { First = Walk.FirstOfRow(y); }
-    VZ_AVX2_INLINE TChannels operator()(int x) const {
+    VZ_AVX2_INLINE __m256i Pixels(int x) const {
         const __m256 px = Places(First.X, Walk.ToRamp.A, x);
         const __m256 py = Places(First.Y, Walk.ToRamp.B, x);
         const __m256 t = _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(px, px), _mm256_mul_ps(py, py)));
-        return Split(Entries(Walk.Table, RampEntries<Spread>(t)));
+        return Entries(Walk.Table, RampEntries<Spread>(t));
     }
 };
 
-template <TSpread Spread> struct TFocalFetch {
+template <TSpread Spread> struct TFocalFetch : TPixelFetch {
     const TFocalWalk& Focal;
     TPointD First;
     TFocalTerms Terms;
@@ -194,7 +202,7 @@ template <TSpread Spread> struct TFocalFetch {
         , Terms(focal)
         , IsOpaque(focal.Walk.IsOpaque) {}
     VZ_AVX2_INLINE void BeginRow(int y) { First = Focal.Walk.FirstOfRow(y); }
-    VZ_AVX2_INLINE TChannels operator()(int x) const {
+    VZ_AVX2_INLINE __m256i Pixels(int x) const {
         const __m256 zero = _mm256_setzero_ps();
         const __m256 px = Places(First.X, Focal.Walk.ToRamp.A, x);
         const __m256 py = Places(First.Y, Focal.Walk.ToRamp.B, x);
@@ -209,7 +217,7 @@ template <TSpread Spread> struct TFocalFetch {
         const __m256 ahead = _mm256_cmp_ps(b, zero, _CMP_GT_OQ);
         const __m256 upper = _mm256_blendv_ps(sum, c, ahead);
         const __m256 lower = _mm256_blendv_ps(_mm256_set1_ps(-Terms.A), sum, ahead);
-        return Split(Entries(Focal.Walk.Table, RampEntries<Spread>(_mm256_div_ps(upper, lower))));
+        return Entries(Focal.Walk.Table, RampEntries<Spread>(_mm256_div_ps(upper, lower)));
     }
 };
 
@@ -239,37 +247,41 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
         const std::uint8_t* clip = job.ClipOf(coverageRow);
         const int room = job.Right - coverageRow.X;
         __m256i winding = _mm256_setzero_si256();
-        bool isCovered = false; // so were the last eight
+        bool isEmpty = true; // all of the last eight were
+        bool isCovered = false;
         fetch.BeginRow(coverageRow.Y);
         for (int i = 0; i < coverageRow.Count; i += 8) {
             const __m256i change = Load(steps + i);
-            // Amid a shape nothing changes for long: whole vectors are covered as one.
-            if (isCovered && IsZero(change) && room - i >= 8 && !clip) {
-                if (fetch.IsOpaque)
-                    Store(row + i, Joined(fetch(coverageRow.X + i)));
-                else
-                    Store(row + i, Over(fetch(coverageRow.X + i), Load(row + i)));
-                continue;
+            // Amid a shape, or its hole, nothing changes for long.
+            if ((isEmpty || isCovered) && IsZero(change)) {
+                if (isEmpty) continue;
+                if (room - i >= 8 && !clip) {
+                    const __m256i pixels = fetch.Pixels(coverageRow.X + i);
+                    Store(row + i, fetch.IsOpaque ? pixels : Over(fetch.ChannelsOf(pixels), Load(row + i)));
+                    continue;
+                }
             }
             const __m256i windings = Summed(change, winding);
             Store(steps + i, _mm256_setzero_si256());
             winding = _mm256_permutevar8x32_epi32(windings, last);
             __m256i coverage = CoverageOf<Rule>(windings);
+            isEmpty = IsZero(coverage);
+            isCovered = IsZero(_mm256_xor_si256(coverage, full));
+            if (isEmpty) continue;
             if (clip) {
                 std::int64_t bytes;
                 std::memcpy(&bytes, clip + i, sizeof bytes);
                 coverage = Times(coverage, _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(bytes)));
+                if (IsZero(coverage)) continue;
             }
-            isCovered = IsZero(_mm256_xor_si256(coverage, full));
-            if (IsZero(coverage)) continue;
-            const TChannels paint = fetch(coverageRow.X + i);
+            const __m256i pixels = fetch.Pixels(coverageRow.X + i);
+            const bool isWhole = fetch.IsOpaque && isCovered && !clip;
+            const TChannels paint = Times(fetch.ChannelsOf(pixels), Doubled(coverage));
             if (room - i < 8) {
                 const TTail tail(row + i, room - i);
-                tail.Put(Over(Times(paint, Doubled(coverage)), tail.Of(row + i)));
-            } else if (fetch.IsOpaque && isCovered)
-                Store(row + i, Joined(paint));
-            else
-                Store(row + i, Over(Times(paint, Doubled(coverage)), Load(row + i)));
+                tail.Put(Over(paint, tail.Of(row + i)));
+            } else
+                Store(row + i, isWhole ? pixels : Over(paint, Load(row + i)));
         }
     }
 }
