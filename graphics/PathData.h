@@ -30,6 +30,8 @@ public:
     void Append(const TVZPathData& other);
     /// Copies the figures. Raises EInvalidCast where source is no path data.
     void Assign(const TPersistent& source) override;
+    /// The same for an object that nobody knows yet: nobody is told.
+    void AssignUntold(const TVZPathData& source) { FFigures = source.FFigures; }
     /// The path string as the object's one text.
     std::string ToText() const override { return GetPathString(); }
     void FromText(std::string_view text) override { SetPathString(text); }

@@ -156,7 +156,7 @@ void TVZCustomCircularGauge::UpdateDecoration() {
     const std::string_view own = GetGaugeDecorationPath(static_cast<int>(GetDecoration()));
     auto* const path = Find<TSVGPath>(FDecorationElementId);
     if (own.empty() || !path) return TVZSVGCustomInstrument::UpdateDecoration();
-    EditDocument([&] { SetLastingPath(*path, own); });
+    EditDocument([&] { path->SetData(&PathOf(own)); });
     MarkChanged();
 }
 

@@ -1,4 +1,5 @@
 #include "instruments/CircularGauge.h"
+#include "instruments/Memo.h"
 #include "runtime/Rounding.h"
 #include "svg/VZSVGGraphics.h"
 
@@ -39,6 +40,24 @@ static_assert(std::size(MarkerShapes) == std::size(EnumNames<TSelf::TMarker>::Me
 constexpr std::string_view RomanHours =
     "XII\r\nI\r\nII\r\nIII\r\nIV\r\nV\r\nVI\r\nVII\r\nVIII\r\nIX\r\nX\r\nXI";
 
+/// A marker that is repeated along the scale.
+struct TScaleFigures {
+    std::shared_ptr<const TFigures> Marker;
+    std::int32_t StartAngle; ///< degrees, as StepDeg
+    float StepDeg;
+    int Copies; ///< beside the first
+    friend bool operator==(const TScaleFigures&, const TScaleFigures&) = default;
+};
+
+std::unique_ptr<const TVZPathData> Repeated(const TVZPathData& marker, const TScaleFigures& scale) {
+    auto figures = std::make_unique<TVZPathData>();
+    figures->Assign(marker);
+    const double startRadians = scale.StartAngle * std::numbers::pi / 180;
+    figures->ApplyMatrix(CreateRotationVZMatrix(MarkerCenter, static_cast<float>(startRadians)));
+    TSVGGraphicsFactory::Duplicate(figures.get(), MarkerCenter, scale.StepDeg, scale.Copies);
+    return figures;
+}
+
 /// How far an angle is from an end of the scale, in degrees. Beyond half a turn it is taken on one side only.
 /// Kept.
 float AngleDistance(float end, float angle) {
@@ -66,7 +85,7 @@ std::string TVZCustomCircularGauge::GetMarkerData(TMarker marker, bool minor) co
 void TVZCustomCircularGauge::TakeMarkerData(TMarkers& markers) {
     if (markers.Kind == TMarker::gmCustom) return;
     const bool wasRebuilding = std::exchange(FIsRebuilding, true);
-    markers.Path->SetPathString(GetMarkerData(markers.Kind, &markers == &FMinor));
+    markers.Path->Assign(PathOf(GetMarkerData(markers.Kind, &markers == &FMinor)));
     FIsRebuilding = wasRebuilding;
 }
 
@@ -91,14 +110,17 @@ void TVZCustomCircularGauge::BuildMarkers(std::string_view groupId, const TVZPat
     if (!group) return;
     group->RemoveChildren();
     if (!show) return;
-    TVZPathData figures;
-    figures.Assign(path);
-    const double startRadians = FStartAngle * std::numbers::pi / 180;
-    figures.ApplyMatrix(CreateRotationVZMatrix(MarkerCenter, static_cast<float>(startRadians)));
     const int count = static_cast<int>(std::min<std::int64_t>(divisions, MaxMarkerFigures));
-    const auto stepDeg = static_cast<float>(GetSpan() / count);
-    TSVGGraphicsFactory::Duplicate(&figures, MarkerCenter, stepDeg, IsFullCircle() ? count - 1 : count);
-    group->Add<TSVGPath>().SetData(&figures);
+    const TScaleFigures scale{path.ShareFigures(), FStartAngle, static_cast<float>(GetSpan() / count),
+                              IsFullCircle() ? count - 1 : count};
+    const auto make = [&] { return Repeated(path, scale); };
+    thread_local TMemo<TScaleFigures, std::unique_ptr<const TVZPathData>, 16> known;
+    constexpr int mostKnown = 1000;
+    auto& marks = group->Add<TSVGPath>();
+    if (scale.Copies > mostKnown)
+        marks.SetData(make().get());
+    else
+        marks.SetData(known.Get(scale, make).get());
 }
 
 void TVZCustomCircularGauge::SetMajorMarkers(std::int32_t value) {
@@ -189,10 +211,10 @@ void TVZCustomCircularGauge::InitializeNumberLabels() {
 }
 
 std::vector<std::string> TVZCustomCircularGauge::MakeNumbers() const {
-    std::vector<std::string> numbers;
+    std::vector<double> numbers;
     for (int i = 0, last = GetLastLabel(); i <= last; ++i)
-        numbers.push_back(FormatNumber(GetLabelNumber(i)));
-    return numbers;
+        numbers.push_back(GetLabelNumber(i));
+    return FormatNumbers(numbers);
 }
 
 void TVZCustomCircularGauge::WriteNumbers() {

@@ -1,5 +1,6 @@
 #include "instruments/Instrument.h"
 
+#include "instruments/Memo.h"
 #include "runtime/FormatFloat.h"
 #include "runtime/PropAccess.h"
 
@@ -79,16 +80,18 @@ void TVZSVGCustomInstrument::UpdateDecoration() {
     if (auto* const path = Find<TSVGPath>(FDecorationElementId))
         EditDocument([&] {
             // Also for dcCustom: a path of the user's own lives in the artwork only and goes here. Kept.
-            SetLastingPath(*path, Vz::GetDecorationPath(static_cast<int>(FDecoration)));
+            path->SetData(&PathOf(Vz::GetDecorationPath(static_cast<int>(FDecoration))));
         });
     MarkChanged();
 }
 
-void TVZSVGCustomInstrument::SetLastingPath(TSVGPath& path, std::string_view data) {
-    static std::map<const char*, TVZPathData> known; // by where the text stands
-    const auto [at, isNew] = known.try_emplace(data.data());
-    if (isNew) at->second.SetPathString(data);
-    path.SetData(&at->second);
+const TVZPathData& TVZSVGCustomInstrument::PathOf(std::string_view data) {
+    thread_local TMemo<std::string, std::unique_ptr<const TVZPathData>> known;
+    return *known.Get(std::string(data), [data] {
+        auto path = std::make_unique<TVZPathData>();
+        path->SetPathString(data);
+        return path;
+    });
 }
 
 void TVZSVGCustomInstrument::UpdateDecorationFill() {
@@ -167,6 +170,17 @@ std::string TVZSVGCustomInstrument::FormatNumber(double value) const {
     return FormatFloat(FFormatStr, value);
 }
 
+const std::vector<std::string>&
+TVZSVGCustomInstrument::FormatNumbers(const std::vector<double>& values) const {
+    thread_local TMemo<std::pair<std::string, std::vector<double>>, std::vector<std::string>> known;
+    return known.Get({FFormatStr, values}, [&] {
+        std::vector<std::string> texts;
+        for (const double value : values)
+            texts.push_back(FormatNumber(value));
+        return texts;
+    });
+}
+
 // What setters and steps are written with.
 
 void TVZSVGCustomInstrument::MarkChanged() {
@@ -214,12 +228,14 @@ void TVZSVGCustomInstrument::WriteScale(std::string_view groupId, float first, f
     EditDocument([&] {
         const auto count = static_cast<int>(group->GetChildCount());
         const double step = (double{last} - double{first}) / std::max(count - 1, 1);
-        double number = first;
+        std::vector<double> numbers;
+        for (double number = first; static_cast<int>(numbers.size()) < count; number += step)
+            numbers.push_back(number);
+        auto number = FormatNumbers(numbers).begin();
         for (const auto& child : group->Children()) {
             auto* const text = dynamic_cast<TSVGCustomText*>(child.get());
             if (!text) throw EInvalidCast(std::string(groupId) + ": a child that is no text");
-            text->SetText(FormatNumber(number));
-            number += step;
+            text->SetText(*number++);
         }
     });
 }
@@ -256,33 +272,30 @@ void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFon
 
 namespace {
 
-/// Follows what a group's box depends on and the document's epoch does not tell: which elements below it are
-/// shown. False where one of them is moved by a transform of its own, or refers to elsewhere.
-bool FollowShown(const TSVGElement& element, std::uint64_t& shown) {
-    if (element.GetTag() == TSVGTag::Use) return false;
-    for (const auto& child : element.Children()) {
-        const auto* const graphic = dynamic_cast<const TSVGGraphicElement*>(child.get());
-        if (!graphic) continue;
-        if (!(graphic->GetTransform() == TAffine{})) return false;
-        shown = shown * 31 + (graphic->GetVisible() ? 2 : 1);
-        if (!FollowShown(*graphic, shown)) return false;
-    }
-    return true;
+using TOutlines = std::vector<std::shared_ptr<const void>>;
+
+/// Gathers what the box of an element depends on, where that is no more than which outlines are shown.
+bool CollectOutlines(const TSVGGraphicElement& element, TOutlines& outlines) {
+    if (!element.GetVisible()) return true;
+    if (!(element.GetTransform() == TAffine{}) || !element.ConditionsHold()) return false;
+    if (element.GetTag() == TSVGTag::G)
+        return std::ranges::all_of(element.Children(), [&](const auto& child) {
+            const TSVGGraphicElement* const graphic = child->AsGraphic();
+            return !graphic || CollectOutlines(*graphic, outlines);
+        });
+    const auto* const shape = dynamic_cast<const TSVGShape*>(&element);
+    outlines.push_back(shape ? shape->ShareOutline() : nullptr);
+    return outlines.back() != nullptr;
 }
 
 } // namespace
 
-TPointF TVZSVGCustomInstrument::CenterOf(const TSVGGraphicElement& element) {
-    const TKnownCenter& known = FKnownCenter;
-    const std::uint64_t epoch = GetDocument().GetEpoch();
-    std::uint64_t shown = 0;
-    const bool canKnow = FollowShown(element, shown);
-    if (canKnow && known.Element == &element && known.Epoch == epoch && known.Shown == shown &&
-        known.Transform == element.GetTransform())
-        return known.Center;
-    const TPointF center = VZCenterPoint(element.GetBounds());
-    if (canKnow) FKnownCenter = {&element, epoch, shown, element.GetTransform(), center};
-    return center;
+TPointF TVZSVGCustomInstrument::FindCenter(const TSVGGraphicElement& element) {
+    const auto find = [&] { return VZCenterPoint(element.GetBounds()); };
+    thread_local TMemo<TOutlines, TPointF> known;
+    TOutlines outlines;
+    const bool canKnow = element.GetVisible() && CollectOutlines(element, outlines);
+    return canKnow ? known.Get(outlines, find) : find();
 }
 
 bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view centerId, double angleDeg) {
@@ -291,8 +304,14 @@ bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view c
     if (!element || !center) return false;
     const double radians = static_cast<float>(angleDeg) * std::numbers::pi / 180;
     if (!std::isfinite(radians)) return true; // an empty range: the element stays where it is
-    const TPointF point = CenterOf(*center);
-    EditDocument([&] { element->SetMatrix(CreateRotationVZMatrix(point, static_cast<float>(radians))); });
+    const TSVGDocument& document = GetDocument();
+    TKnownCenter& known = FKnownCenter;
+    if (known.Element != center || known.ChangeCount != document.GetChangeCount())
+        known = {center, document.GetChangeCount(), FindCenter(*center)};
+    EditDocument(
+        [&] { element->SetMatrix(CreateRotationVZMatrix(known.Center, static_cast<float>(radians))); });
+    // The centre is under its own transform and those below it, not under what turns around it.
+    if (element != center && !element->HasAncestor(center)) known.ChangeCount = document.GetChangeCount();
     return true;
 }
 

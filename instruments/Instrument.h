@@ -12,6 +12,7 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -201,9 +202,9 @@ protected:
     /// Marks the caches stale and invalidates.
     void MarkChanged();
 
-    /// Gives a path element path data of a text that lives, unchanged, as long as the program: it is read
-    /// once, and all elements share the figures.
-    static void SetLastingPath(TSVGPath& path, std::string_view data);
+    /// The path data of a text, read once for all who ask for the same one. Raises EConvertError as
+    /// TVZPathData does. Valid until the next call.
+    static const TVZPathData& PathOf(std::string_view data);
     /// Shows or hides an element with all that it holds.
     void ShowElement(std::string_view id, bool visible);
     /// Sets the fill's colour and tells the element; 0x00000000 switches a flat fill off, any other colour
@@ -235,6 +236,8 @@ protected:
     bool TurnElement(std::string_view id, std::string_view centerId, double angleDeg);
     /// The number in the picture FormatStr.
     std::string FormatNumber(double value) const;
+    /// Many numbers, made once for all who ask for the same ones. Valid until the next call.
+    const std::vector<std::string>& FormatNumbers(const std::vector<double>& values) const;
 
     /// A colour of the artwork and the field that takes it over; gradients that are recoloured are saved as
     /// well.
@@ -275,16 +278,14 @@ private:
         TSVGDocument& FDocument;
     };
 
-    /// Where a leaf element's centre was found to be. Its box is not computed anew for each value that is
-    /// set.
+    /// Where an element's centre was found to be, for as long as the document does not change but by what
+    /// turns about it.
     struct TKnownCenter {
         const TSVGGraphicElement* Element = nullptr;
-        std::uint64_t Epoch = 0;
-        std::uint64_t Shown = 0;
-        TAffine Transform;
+        std::uint64_t ChangeCount = 0; ///< of the document
         TPointF Center;
     };
-    TPointF CenterOf(const TSVGGraphicElement& element);
+    static TPointF FindCenter(const TSVGGraphicElement& element);
     /// The fill or stroke becomes the colour, or none for 0x00000000, whatever it was.
     static void PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint, TVZGPColor color);
 

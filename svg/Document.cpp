@@ -2,6 +2,7 @@
 
 #include "runtime/AtomicFile.h"
 #include "runtime/Events.h"
+#include "svg/ElementMemoryInternal.h"
 #include "svg/Reader.h"
 
 #include <algorithm>
@@ -43,7 +44,11 @@ void TSVGDocument::LoadFromText(std::string_view text, std::string_view source) 
     TSVGDocument fresh;
     fresh.FEmbeddingDepth = FEmbeddingDepth;
     ReadSvg(text, source, fresh);
-    TakeContent(fresh, fresh.FIds.size());
+    const auto take = [this](TSVGElement& element) { element.FDocument = this; };
+    for (const auto& child : fresh.FChildren)
+        ForTree(*child, take);
+    TakeContent(fresh, std::exchange(fresh.FChildren, {}), std::move(fresh.FIds));
+    FDiagnostics = std::move(fresh.FDiagnostics);
 }
 
 void TSVGDocument::LoadFromStream(std::istream& stream, std::string_view source) {
@@ -61,40 +66,32 @@ void TSVGDocument::LoadFromFile(const std::string& path) {
     LoadFromText(ReadWholeFile(path, MaxTextSize), path);
 }
 
-void TSVGDocument::TakeContent(TSVGDocument& other, std::size_t idCount) {
+void TSVGDocument::TakeContent(const TSVGDocument& other, std::vector<std::unique_ptr<TSVGElement>> children,
+                               TSVGIdTable ids) {
     const bool enabled = GetEnabled();
     BeginUpdate();
-    FIds.clear();
     RemoveChildren();
     CopyFrom(other);
     FEnabled = enabled;
     FDuplicateIds = other.FDuplicateIds;
-    FDiagnostics = std::move(other.FDiagnostics);
-    FChildren = std::exchange(other.FChildren, {});
-    FId = other.FId;
-    other.FIds.clear();
+    FDiagnostics.clear();
+    FChildren = std::move(children);
     for (const auto& child : FChildren)
         child->FParent = this;
-    FIds.reserve(idCount);
-    ForTree(*this, [this](TSVGElement& element) {
-        element.FDocument = this;
-        if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
-    });
+    FId = other.FId;
+    FIdPlace = other.FIdPlace;
+    FIds = std::move(ids);
+    if (FIdPlace) FIds.Set(FIdPlace, this);
     Changed(TSVGChangeKind::Structure);
     EndUpdate();
 }
 
 void TSVGDocument::AssignContent(const TSVGDocument& source) {
-    TSVGDocument copy;
-    copy.CopyFrom(source);
-    copy.FId = source.FId;
-    copy.FDuplicateIds = source.FDuplicateIds;
-    copy.FChildren.reserve(source.FChildren.size());
-    for (const auto& child : source.FChildren) {
-        copy.FChildren.push_back(child->CloneInto(copy, true));
-        copy.FChildren.back()->FParent = &copy;
-    }
-    TakeContent(copy, source.FIds.size());
+    TSVGIdTable ids = source.FIds.EmptyCopy();
+    const TElementBlocks blocks(source.FCopySize);
+    auto children = source.CloneChildren(*this, *this, &ids);
+    FCopySize = source.FCopySize = blocks.Used();
+    TakeContent(source, std::move(children), std::move(ids));
 }
 
 void TSVGDocument::SaveToFile(const std::string& path) const { WriteFileAtomically(path, WriteText()); }
@@ -109,10 +106,7 @@ void TSVGDocument::AddDiagnostic(std::string text) {
 
 // Ids
 
-TSVGElement* TSVGDocument::FindElement(std::string_view id) const {
-    const auto at = FIds.find(id);
-    return at == FIds.end() ? nullptr : at->second;
-}
+TSVGElement* TSVGDocument::FindElement(std::string_view id) const { return FIds.Find(id); }
 
 void TSVGDocument::RaiseInvalidCast(std::string_view id, const TSVGElement& element) {
     throw EInvalidCast("the element \"" + std::string(id) + "\" is a <" + std::string(element.GetTagName()) +
@@ -137,8 +131,8 @@ bool StandsBefore(const TSVGElement& a, const TSVGElement& b) {
     if (atA == pathA.end() || atB == pathB.end()) return atA == pathA.end() && atB != pathB.end();
     const auto& siblings = (*atA)->GetParent()->Children();
     if (siblings.back().get() == *atA) return false; // what is read comes last
-    const auto first = std::ranges::find_if(
-        siblings, [&](const auto& s) { return s.get() == *atA || s.get() == *atB; });
+    const auto first =
+        std::ranges::find_if(siblings, [&](const auto& s) { return s.get() == *atA || s.get() == *atB; });
     return first->get() == *atA;
 }
 
@@ -154,19 +148,20 @@ void TSVGDocument::ChangeId(TSVGElement& element, std::string_view id) {
 /// Where several elements have the same id the first in the document is the one that is found.
 void TSVGDocument::TakeId(TSVGElement& element) {
     if (element.FId.empty()) return;
-    const auto [at, isNew] = FIds.try_emplace(element.FId, &element);
-    if (isNew) return;
-    FDuplicateIds = true;
-    if (!StandsBefore(element, *at->second)) return;
-    FIds.erase(at); // the key lies in the other element
-    FIds.emplace(element.FId, &element);
+    const TSVGIdTable::TPlace place = FIds.Add(element.FId);
+    if (TSVGElement* const other = FIds.Get(place)) {
+        FDuplicateIds = true;
+        if (!StandsBefore(element, *other)) return;
+        other->FIdPlace = 0;
+    }
+    FIds.Set(place, &element);
+    element.FIdPlace = place;
 }
 
 /// True where the id was found by this element.
-bool TSVGDocument::DropId(const TSVGElement& element) {
-    const auto at = element.FId.empty() ? FIds.end() : FIds.find(element.FId);
-    if (at == FIds.end() || at->second != &element) return false;
-    FIds.erase(at);
+bool TSVGDocument::DropId(TSVGElement& element) {
+    if (!element.FIdPlace) return false;
+    FIds.Drop(std::exchange(element.FIdPlace, 0), element.FId);
     return true;
 }
 
@@ -174,7 +169,7 @@ bool TSVGDocument::DropId(const TSVGElement& element) {
 void TSVGDocument::FindIdsAgain() {
     if (!FDuplicateIds) return;
     ForTree(*this, [this](TSVGElement& element) {
-        if (!element.FId.empty()) FIds.try_emplace(element.FId, &element);
+        if (!FIds.Find(element.FId)) TakeId(element);
     });
 }
 

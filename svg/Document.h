@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace Vz {
@@ -68,15 +67,19 @@ public:
     /// class.
     template <class T> T* Find(std::string_view id) const {
         TSVGElement* const element = FindElement(id);
-        T* const typed = dynamic_cast<T*>(element);
+        T* typed = nullptr;
+        if constexpr (std::is_same_v<T, TSVGGraphicElement>)
+            typed = element ? element->AsGraphic() : nullptr;
+        else
+            typed = dynamic_cast<T*>(element);
         if (element && !typed) RaiseInvalidCast(id, *element);
         return typed;
     }
 
     // Size and place.
 
-    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100; each side
-    /// within 1e-6 to 1e6.
+    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100; each
+    /// side within 1e-6 to 1e6.
     float GetWidth() const;
     float GetHeight() const;
     /// How FitToRect places the picture. Default xMidYMid.
@@ -131,7 +134,7 @@ private:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
     void ChangeId(TSVGElement& element, std::string_view id);
     void TakeId(TSVGElement& element);
-    bool DropId(const TSVGElement& element);
+    bool DropId(TSVGElement& element);
     void FindIdsAgain();
     void Register(TSVGElement& root);
     void Unregister(std::span<const std::unique_ptr<TSVGElement>> roots);
@@ -141,10 +144,12 @@ private:
     /// All elements with a blend mode of their own.
     const std::vector<const TSVGElement*>& BlendingElements() const;
     void AddDiagnostic(std::string text);
-    /// Takes over the content of another document, which is empty afterwards and had so many ids.
-    void TakeContent(TSVGDocument& other, std::size_t idCount);
+    /// Replaces the content by elements that are made for this document, and the attributes by another one's.
+    void TakeContent(const TSVGDocument& other, std::vector<std::unique_ptr<TSVGElement>> children,
+                     TSVGIdTable ids);
 
-    std::unordered_map<std::string_view, TSVGElement*> FIds;
+    TSVGIdTable FIds;
+    mutable std::size_t FCopySize = 0; ///< bytes that the elements of a copy take; 0: nobody knows
     bool FDuplicateIds = false;
     int FUpdateCount = 0;
     bool FPending = false;

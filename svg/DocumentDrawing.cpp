@@ -153,7 +153,7 @@ bool TSVGDocument::CanDrawInParts(const TSVGGraphicElement& element) const {
     };
     if (std::ranges::any_of(BlendingElements(), blendsOutside)) return false;
     for (const TSVGElement* at = element.GetParent(); at; at = at->GetParent()) {
-        const auto* const group = dynamic_cast<const TSVGGraphicElement*>(at);
+        const TSVGGraphicElement* const group = at->AsGraphic();
         const TSVGTag tag = at->GetTag();
         const bool isContainer =
             tag == TSVGTag::G || tag == TSVGTag::A || tag == TSVGTag::Switch || at == this;

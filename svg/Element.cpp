@@ -3,6 +3,7 @@
 #include "runtime/Exceptions.h"
 #include "svg/CompiledInternal.h"
 #include "svg/Document.h"
+#include "svg/ElementMemoryInternal.h"
 #include "svg/Font.h"
 #include "svg/Scan.h"
 #include "svg/TransformText.h"
@@ -26,6 +27,10 @@ constexpr std::string_view TagNames[] = {
 static_assert(std::size(TagNames) == static_cast<std::size_t>(TSVGTag::Other) + 1);
 
 } // namespace
+
+void* TSVGElement::operator new(std::size_t size) { return TElementBlocks::Take(size); }
+
+void TSVGElement::operator delete(void* element) noexcept { TElementBlocks::Give(element); }
 
 TSVGElement::~TSVGElement() {
     // A deep tree is taken apart level by level, so that its depth does not become the stack's.
@@ -101,16 +106,27 @@ void TSVGElement::RemoveChildren() {
     Changed(TSVGChangeKind::Structure);
 }
 
-std::unique_ptr<TSVGElement> TSVGElement::CloneInto(TSVGDocument& document, bool withIds) const {
+std::unique_ptr<TSVGElement> TSVGElement::CloneInto(TSVGDocument& document, TSVGIdTable* ids) const {
     std::unique_ptr<TSVGElement> copy = NewAlike(document);
     copy->CopyFrom(*this);
-    if (withIds) copy->FId = FId;
-    copy->FChildren.reserve(FChildren.size());
-    for (const auto& child : FChildren) {
-        copy->FChildren.push_back(child->CloneInto(document, withIds));
-        copy->FChildren.back()->FParent = copy.get();
+    if (ids) {
+        copy->FId = FId;
+        copy->FIdPlace = FIdPlace;
+        if (FIdPlace) ids->Set(FIdPlace, copy.get());
     }
+    copy->FChildren = CloneChildren(document, *copy, ids);
     return copy;
+}
+
+std::vector<std::unique_ptr<TSVGElement>>
+TSVGElement::CloneChildren(TSVGDocument& document, TSVGElement& parent, TSVGIdTable* ids) const {
+    std::vector<std::unique_ptr<TSVGElement>> copies;
+    copies.reserve(FChildren.size());
+    for (const auto& child : FChildren) {
+        copies.push_back(child->CloneInto(document, ids));
+        copies.back()->FParent = &parent;
+    }
+    return copies;
 }
 
 TSVGElement& TSVGElement::CloneBeside() {
@@ -119,7 +135,7 @@ TSVGElement& TSVGElement::CloneBeside() {
     const auto at =
         std::find_if(siblings.begin(), siblings.end(), [this](const auto& s) { return s.get() == this; });
     return FParent->InsertChild(static_cast<std::size_t>(at - siblings.begin()) + 1,
-                                CloneInto(*FDocument, false));
+                                CloneInto(*FDocument, nullptr));
 }
 
 void TSVGElement::SetEnabled(bool value) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "runtime/Object.h"
+#include "svg/IdTable.h"
 #include "svg/Style.h"
 #include "svg/Types.h"
 
@@ -70,6 +71,8 @@ struct TSVGChange {
 class TSVGElement : public TObject {
 public:
     ~TSVGElement() override;
+    static void* operator new(std::size_t size);
+    static void operator delete(void* element) noexcept;
 
     virtual TSVGTag GetTag() const = 0;
     /// The element's name in SVG, such as "linearGradient".
@@ -77,6 +80,9 @@ public:
 
     /// The element as one that can be drawn; null where it is none.
     virtual const TSVGGraphicElement* AsGraphic() const { return nullptr; }
+    TSVGGraphicElement* AsGraphic() {
+        return const_cast<TSVGGraphicElement*>(static_cast<const TSVGElement*>(this)->AsGraphic());
+    }
 
     TSVGDocument& GetDocument() const { return *FDocument; }
     TSVGElement* GetParent() const { return FParent; }
@@ -153,14 +159,18 @@ protected:
 private:
     friend class TSVGDocument;
     bool IsInTree() const;
-    std::unique_ptr<TSVGElement> CloneInto(TSVGDocument& document, bool withIds) const;
+    /// A copy with all below it; with its ids, which it enters, where there is a table for them.
+    std::unique_ptr<TSVGElement> CloneInto(TSVGDocument& document, TSVGIdTable* ids) const;
+    std::vector<std::unique_ptr<TSVGElement>> CloneChildren(TSVGDocument& document, TSVGElement& parent,
+                                                            TSVGIdTable* ids) const;
 
     TSVGDocument* FDocument;
     TSVGElement* FParent = nullptr;
-    std::vector<std::unique_ptr<TSVGElement>> FChildren;
     std::string FId;
-    [[no_unique_address]] TSVGStyleSet FStyle; // FEnabled stands in its padding
+    [[no_unique_address]] TSVGStyleSet FStyle; // the next two stand in its padding
     bool FEnabled = true;
+    TSVGIdTable::TPlace FIdPlace = 0; ///< where the document finds this element by its id; else 0
+    std::vector<std::unique_ptr<TSVGElement>> FChildren;
 };
 
 /// A fill brush, a stroke pen or a stop's brush: a view of one element's own style. Cheap to copy; not to be
@@ -211,6 +221,7 @@ private:
 class TSVGGraphicElement : public TSVGElement {
 public:
     ~TSVGGraphicElement() override;
+    using TSVGElement::AsGraphic;
     const TSVGGraphicElement* AsGraphic() const override { return this; }
 
     /// False: the element and all below it are not drawn ("display" none of its own). Default true.

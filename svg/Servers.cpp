@@ -154,13 +154,14 @@ TSVGGradientStop& TSVGCustomGradient::GetStop(std::size_t index) const {
 }
 
 const TSVGCustomGradient* TSVGCustomGradient::GetTemplate() const {
-    return FReference.empty() ? nullptr
-                              : dynamic_cast<TSVGCustomGradient*>(GetDocument().FindElement(FReference));
+    return FOwn->Reference.empty()
+               ? nullptr
+               : dynamic_cast<TSVGCustomGradient*>(GetDocument().FindElement(FOwn->Reference));
 }
 
 std::optional<TSVGLength> TSVGCustomGradient::GetLength(TPart part) const {
     const TSlot slot = FindSlot(GetTag(), [&](const TLengthRow& row) { return row.Part == part; });
-    return slot.Row ? FLengths[slot.Index] : std::nullopt;
+    return slot.Row ? FOwn->Lengths[slot.Index] : std::nullopt;
 }
 
 std::vector<TRampStop> TSVGCustomGradient::MakeStops(bool enabled) const {
@@ -204,7 +205,7 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
         paint.Color = Faded(color, opacity);
         return paint;
     };
-    const auto units = Along(*this, [](const TSVGCustomGradient& g) { return g.FUnits; });
+    const auto units = Along(*this, [](const TSVGCustomGradient& g) { return g.FOwn->Units; });
     const bool relative = units.value_or(TSVGUnits::ObjectBoundingBox) == TSVGUnits::ObjectBoundingBox;
     if (relative && (box.IsEmpty() || box.Width() <= 0 || box.Height() <= 0)) return {};
     if (stops.size() == 1) return solid(stops[0].Color);
@@ -218,8 +219,10 @@ std::optional<TPaint> TSVGCustomGradient::MakePaint(const TRectD& box, const TLe
             .Resolve(slot.Row->Axis, unit);
     };
     TPaint paint;
-    paint.Spread = Along(*this, [](const TSVGCustomGradient& g) { return g.FSpread; }).value_or(TSpread::Pad);
-    paint.Matrix = Along(*this, [](const TSVGCustomGradient& g) { return g.FTransform; }).value_or(TAffine{});
+    paint.Spread =
+        Along(*this, [](const TSVGCustomGradient& g) { return g.FOwn->Spread; }).value_or(TSpread::Pad);
+    paint.Matrix =
+        Along(*this, [](const TSVGCustomGradient& g) { return g.FOwn->Transform; }).value_or(TAffine{});
     if (relative) paint.Matrix = paint.Matrix.Then({box.Width(), 0, 0, box.Height(), box.Left, box.Top});
     if (!paint.Matrix.IsInvertible()) return {};
     if (GetTag() == TSVGTag::LinearGradient) {
@@ -256,20 +259,20 @@ bool TSVGCustomGradient::ReadAttribute(std::string_view name, std::string_view v
     bool read = true;
     if (slot.Row) {
         TSVGLength length;
-        if ((read = length.Parse(value))) FLengths[slot.Index] = length;
+        if ((read = length.Parse(value))) FOwn.Edit().Lengths[slot.Index] = length;
     } else if (name == "gradientUnits") {
         const auto units = ParseUnits(value);
-        if ((read = units && *units != TSVGUnits::StrokeWidth)) FUnits = units;
+        if ((read = units && *units != TSVGUnits::StrokeWidth)) FOwn.Edit().Units = units;
     } else if (name == "spreadMethod") {
         const auto at = std::ranges::find(SpreadNames, value);
         if ((read = at != std::end(SpreadNames)))
-            FSpread = static_cast<TSpread>(at - std::begin(SpreadNames));
+            FOwn.Edit().Spread = static_cast<TSpread>(at - std::begin(SpreadNames));
     } else if (name == "gradientTransform") {
         const auto transform = ParseTransform(value);
-        if ((read = transform.has_value())) FTransform = transform;
+        if ((read = transform.has_value())) FOwn.Edit().Transform = transform;
     } else if (name == "href") {
-        FReference = IdOf(value);
-        read = !FReference.empty();
+        FOwn.Edit().Reference = IdOf(value);
+        read = !FOwn->Reference.empty();
     } else {
         return TSVGElement::ReadAttribute(name, value);
     }
@@ -279,23 +282,19 @@ bool TSVGCustomGradient::ReadAttribute(std::string_view name, std::string_view v
 }
 
 void TSVGCustomGradient::WriteAttributes(IAttributeSink& sink) const {
-    if (!FReference.empty()) sink.Put("xlink:href", "#" + FReference);
+    if (!FOwn->Reference.empty()) sink.Put("xlink:href", "#" + FOwn->Reference);
     for (const TLengthRow& row : LengthRows)
         if (row.Tag == GetTag())
             if (const auto length = GetLength(row.Part)) sink.Put(row.Name, length->ToText());
-    if (FUnits) sink.Put("gradientUnits", UnitsText(*FUnits));
-    if (FSpread) sink.Put("spreadMethod", SpreadNames[static_cast<int>(*FSpread)]);
-    if (FTransform) sink.Put("gradientTransform", TransformText(*FTransform));
+    if (FOwn->Units) sink.Put("gradientUnits", UnitsText(*FOwn->Units));
+    if (FOwn->Spread) sink.Put("spreadMethod", SpreadNames[static_cast<int>(*FOwn->Spread)]);
+    if (FOwn->Transform) sink.Put("gradientTransform", TransformText(*FOwn->Transform));
 }
 
 void TSVGCustomGradient::CopyFrom(const TSVGElement& source) {
     TSVGElement::CopyFrom(source);
     const auto& other = static_cast<const TSVGCustomGradient&>(source);
-    FReference = other.FReference;
-    std::ranges::copy(other.FLengths, FLengths);
-    FUnits = other.FUnits;
-    FSpread = other.FSpread;
-    FTransform = other.FTransform;
+    FOwn = other.FOwn;
 }
 
 std::unique_ptr<TSVGElement> TSVGLinearGradient::NewAlike(TSVGDocument& document) const {

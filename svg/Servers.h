@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/PaintDevice.h"
+#include "svg/CopyOnWrite.h"
 #include "svg/Structure.h"
 
 #include <optional>
@@ -71,11 +72,15 @@ protected:
 private:
     std::vector<TRampStop> MakeStops(bool enabled) const;
 
-    std::string FReference;
-    std::optional<TSVGLength> FLengths[6];
-    std::optional<TSVGUnits> FUnits;
-    std::optional<TSpread> FSpread;
-    std::optional<TAffine> FTransform;
+    /// What the gradient says itself, its stops apart.
+    struct TOwn {
+        std::string Reference;
+        std::optional<TSVGLength> Lengths[6];
+        std::optional<TSVGUnits> Units;
+        std::optional<TSpread> Spread;
+        std::optional<TAffine> Transform;
+    };
+    TCopyOnWrite<TOwn> FOwn;
 };
 
 class TSVGLinearGradient final : public TSVGCustomGradient {

@@ -63,7 +63,7 @@ std::unique_ptr<TSVGElement> TSVGPath::NewAlike(TSVGDocument& document) const {
 
 void TSVGPath::CopyFrom(const TSVGElement& source) {
     TSVGShape::CopyFrom(source);
-    FData.Assign(static_cast<const TSVGPath&>(source).FData);
+    FData.AssignUntold(static_cast<const TSVGPath&>(source).FData);
 }
 
 // Rect, circle, ellipse, line
@@ -123,25 +123,30 @@ TSVGBasicShape::TSVGBasicShape(TSVGDocument& document, TSVGTag tag)
     : TSVGShape(document)
     , FTag(tag) {
     ForParts(tag, [this](int slot, const TPartRow& row) {
-        if (IsRadius(row.Part)) FLengths[slot] = AutoRadius;
+        if (IsRadius(row.Part)) FLengths.Edit()[slot] = AutoRadius;
     });
 }
 
 TSVGLength TSVGBasicShape::GetLength(TPart part) const {
     TSVGLength found = IsRadius(part) ? AutoRadius : TSVGLength{};
     ForParts(FTag, [&](int slot, const TPartRow& row) {
-        if (row.Part == part) found = FLengths[slot];
+        if (row.Part == part) found = (*FLengths)[slot];
     });
     return found;
 }
 
 void TSVGBasicShape::SetLength(TPart part, TSVGLength value) {
     ForParts(FTag, [&](int slot, const TPartRow& row) {
-        if (row.Part == part && !(FLengths[slot] == value)) {
-            FLengths[slot] = value;
+        if (row.Part == part && !((*FLengths)[slot] == value)) {
+            FLengths.Edit()[slot] = value;
             Changed(TSVGChangeKind::Shape);
         }
     });
+}
+
+std::shared_ptr<const void> TSVGBasicShape::ShareOutline() const {
+    const bool isAbsolute = std::ranges::all_of(*FLengths, &TSVGLength::IsAbsolute);
+    return isAbsolute ? FLengths.Share() : nullptr;
 }
 
 TFigures TSVGBasicShape::MakeFigures(const TLengthBasis& basis) const {
@@ -201,7 +206,7 @@ bool TSVGBasicShape::ReadAttribute(std::string_view name, std::string_view value
 void TSVGBasicShape::WriteAttributes(IAttributeSink& sink) const {
     TSVGShape::WriteAttributes(sink);
     ForParts(FTag, [&](int slot, const TPartRow& row) {
-        const TSVGLength& length = FLengths[slot];
+        const TSVGLength& length = (*FLengths)[slot];
         if (!(length == (IsRadius(row.Part) ? AutoRadius : TSVGLength{})))
             sink.Put(row.Name, length.ToText());
     });
@@ -213,7 +218,7 @@ std::unique_ptr<TSVGElement> TSVGBasicShape::NewAlike(TSVGDocument& document) co
 
 void TSVGBasicShape::CopyFrom(const TSVGElement& source) {
     TSVGShape::CopyFrom(source);
-    std::ranges::copy(static_cast<const TSVGBasicShape&>(source).FLengths, FLengths);
+    FLengths = static_cast<const TSVGBasicShape&>(source).FLengths;
 }
 
 // Polyline, polygon

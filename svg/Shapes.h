@@ -1,7 +1,10 @@
 #pragma once
 
 #include "graphics/PathData.h"
+#include "svg/CopyOnWrite.h"
 #include "svg/Element.h"
+
+#include <array>
 
 namespace Vz {
 
@@ -10,6 +13,9 @@ class TSVGShape : public TSVGGraphicElement {
 public:
     /// The outline in the element's units; percentages and relative units refer to the basis.
     virtual TFigures MakeFigures(const TLengthBasis& basis) const = 0;
+    /// What the outline is made of: where another element gives the same object it has the same outline. Null
+    /// where nobody can know, as the outline depends on the basis or is empty.
+    virtual std::shared_ptr<const void> ShareOutline() const { return nullptr; }
     /// The length that the author says the path has (SVG 1.1, 8.4); 0: none.
     double GetPathLength() const { return FPathLength; }
 
@@ -36,6 +42,7 @@ public:
     void SetData(const TVZPathData* data);
 
     TFigures MakeFigures(const TLengthBasis& basis) const override;
+    std::shared_ptr<const void> ShareOutline() const override { return FData.ShareFigures(); }
     bool ReadAttribute(std::string_view name, std::string_view value) override;
     void WriteAttributes(IAttributeSink& sink) const override;
 
@@ -61,6 +68,7 @@ public:
     void SetLength(TPart part, TSVGLength value);
 
     TFigures MakeFigures(const TLengthBasis& basis) const override;
+    std::shared_ptr<const void> ShareOutline() const override;
     bool ReadAttribute(std::string_view name, std::string_view value) override;
     void WriteAttributes(IAttributeSink& sink) const override;
 
@@ -70,7 +78,7 @@ protected:
 
 private:
     TSVGTag FTag;
-    TSVGLength FLengths[6];
+    TCopyOnWrite<std::array<TSVGLength, 6>> FLengths;
 };
 
 /// A polyline or a polygon.

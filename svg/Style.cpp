@@ -539,7 +539,7 @@ void TSVGStyleSet::Put(TSVGStyleProperty property, TStyleValue value) {
         FEntries[place].Value = std::move(value);
         return;
     }
-    const std::uint32_t count = FCount + (isThere ? 0 : 1);
+    const std::size_t count = FCount + (isThere ? 0u : 1u);
     auto entries = std::make_shared<TEntry[]>(count);
     for (std::size_t i = 0; i < place; ++i)
         entries[i] = TakeOrCopy(i);
@@ -547,7 +547,7 @@ void TSVGStyleSet::Put(TSVGStyleProperty property, TStyleValue value) {
     for (std::size_t i = place + 1; i < count; ++i)
         entries[i] = TakeOrCopy(i + FCount - count);
     FEntries = std::move(entries);
-    FCount = count;
+    FCount = static_cast<std::uint8_t>(count);
 }
 
 bool TSVGStyleSet::Remove(TSVGStyleProperty property) {

@@ -37,7 +37,7 @@ private:
     TEntry TakeOrCopy(std::size_t index);
 
     std::shared_ptr<TEntry[]> FEntries; ///< as many as there are: most elements have one or two
-    std::uint32_t FCount = 0;
+    std::uint8_t FCount = 0;            ///< at most one of each property
 };
 
 /// A value that many hold, or none; equal where the values are.

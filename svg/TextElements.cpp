@@ -70,23 +70,23 @@ bool TSVGCustomText::ReadAttribute(std::string_view name, std::string_view value
     if (const auto at = std::ranges::find(PositionNames, name); at != PositionNames.end()) {
         std::vector<TSVGLength> lengths;
         if (ParseLengthList(value, lengths))
-            FPositions[at - PositionNames.begin()] = std::move(lengths);
+            FPlacing.Edit().Positions[at - PositionNames.begin()] = std::move(lengths);
         else
             Refuse(name, value);
     } else if (name == "rotate") {
         std::vector<double> angles;
         if (ParseNumbers(value, angles))
-            FRotations = std::move(angles);
+            FPlacing.Edit().Rotations = std::move(angles);
         else
             Refuse(name, value);
     } else if (name == "textLength") {
         TSVGLength length;
         if (length.Parse(value) && length.GetValue() >= 0)
-            FTextLength = length;
+            FPlacing.Edit().TextLength = length;
         else
             Refuse(name, value);
     } else if (name == "lengthAdjust") {
-        FAdjustGlyphs = value == "spacingAndGlyphs";
+        FPlacing.Edit().AdjustGlyphs = value == "spacingAndGlyphs";
     } else {
         return TSVGGraphicElement::ReadAttribute(name, value);
     }
@@ -97,11 +97,12 @@ bool TSVGCustomText::ReadAttribute(std::string_view name, std::string_view value
 void TSVGCustomText::WriteAttributes(IAttributeSink& sink) const {
     TSVGGraphicElement::WriteAttributes(sink);
     for (std::size_t i = 0; i < PositionNames.size(); ++i)
-        if (!FPositions[i].empty())
-            sink.Put(PositionNames[i], Joined(FPositions[i], [](const TSVGLength& l) { return l.ToText(); }));
-    if (!FRotations.empty()) sink.Put("rotate", Joined(FRotations, NumberText));
-    if (FTextLength) sink.Put("textLength", FTextLength->ToText());
-    if (FAdjustGlyphs) sink.Put("lengthAdjust", "spacingAndGlyphs");
+        if (!FPlacing->Positions[i].empty())
+            sink.Put(PositionNames[i],
+                     Joined(FPlacing->Positions[i], [](const TSVGLength& l) { return l.ToText(); }));
+    if (!FPlacing->Rotations.empty()) sink.Put("rotate", Joined(FPlacing->Rotations, NumberText));
+    if (FPlacing->TextLength) sink.Put("textLength", FPlacing->TextLength->ToText());
+    if (FPlacing->AdjustGlyphs) sink.Put("lengthAdjust", "spacingAndGlyphs");
 }
 
 std::unique_ptr<TSVGElement> TSVGCustomText::NewAlike(TSVGDocument& document) const {
@@ -111,10 +112,7 @@ std::unique_ptr<TSVGElement> TSVGCustomText::NewAlike(TSVGDocument& document) co
 void TSVGCustomText::CopyFrom(const TSVGElement& source) {
     TSVGGraphicElement::CopyFrom(source);
     const auto& other = static_cast<const TSVGCustomText&>(source);
-    std::ranges::copy(other.FPositions, FPositions);
-    FRotations = other.FRotations;
-    FTextLength = other.FTextLength;
-    FAdjustGlyphs = other.FAdjustGlyphs;
+    FPlacing = other.FPlacing;
 }
 
 std::unique_ptr<TSVGElement> TSVGText::NewAlike(TSVGDocument& document) const {

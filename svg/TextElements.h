@@ -1,5 +1,6 @@
 #pragma once
 
+#include "svg/CopyOnWrite.h"
 #include "svg/Element.h"
 
 #include <optional>
@@ -39,10 +40,10 @@ public:
     void SetText(std::string_view text);
 
     /// The positions that the element gives its characters (SVG 1.1, 10.4): x, y, dx, dy in this order.
-    const std::vector<TSVGLength>& GetPositions(int which) const { return FPositions[which]; }
-    const std::vector<double>& GetRotations() const { return FRotations; }
-    const std::optional<TSVGLength>& GetTextLength() const { return FTextLength; }
-    bool GetAdjustGlyphs() const { return FAdjustGlyphs; }
+    const std::vector<TSVGLength>& GetPositions(int which) const { return FPlacing->Positions[which]; }
+    const std::vector<double>& GetRotations() const { return FPlacing->Rotations; }
+    const std::optional<TSVGLength>& GetTextLength() const { return FPlacing->TextLength; }
+    bool GetAdjustGlyphs() const { return FPlacing->AdjustGlyphs; }
 
     bool ReadAttribute(std::string_view name, std::string_view value) override;
     void WriteAttributes(IAttributeSink& sink) const override;
@@ -52,10 +53,14 @@ protected:
     void CopyFrom(const TSVGElement& source) override;
 
 private:
-    std::vector<TSVGLength> FPositions[4];
-    std::vector<double> FRotations;
-    std::optional<TSVGLength> FTextLength;
-    bool FAdjustGlyphs = false;
+    /// Where the characters go.
+    struct TPlacing {
+        std::vector<TSVGLength> Positions[4];
+        std::vector<double> Rotations;
+        std::optional<TSVGLength> TextLength;
+        bool AdjustGlyphs = false;
+    };
+    TCopyOnWrite<TPlacing> FPlacing;
 };
 
 class TSVGText final : public TSVGCustomText {

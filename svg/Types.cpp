@@ -89,6 +89,22 @@ void TSVGLength::SetAsUnit(TSVGUnit unit, float value) {
     FValue = value;
 }
 
+bool TSVGLength::IsAbsolute() const {
+    switch (FUnit) {
+    case TSVGUnit::Number:
+    case TSVGUnit::Px:
+    case TSVGUnit::Cm:
+    case TSVGUnit::Mm:
+    case TSVGUnit::In:
+    case TSVGUnit::Pt:
+    case TSVGUnit::Pc:
+    case TSVGUnit::Q:
+        return true;
+    default:
+        return false;
+    }
+}
+
 double TSVGLength::Resolve(TAxis axis, const TLengthBasis& basis) const {
     return FValue * UnitSize(FUnit, axis, basis);
 }

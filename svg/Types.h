@@ -57,6 +57,8 @@ public:
     void SetAsUnit(TSVGUnit unit, float value);
     TSVGUnit GetUnit() const { return FUnit; }
     double GetValue() const { return FValue; }
+    /// True where it does not depend on a basis.
+    bool IsAbsolute() const;
     /// In user units; percentages along an axis refer to the basis's view, others to its normalised diagonal
     /// (SVG 1.1, 7.10).
     double Resolve(TAxis axis, const TLengthBasis& basis) const;

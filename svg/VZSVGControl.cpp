@@ -16,8 +16,10 @@ namespace {
 const TSVGDocument& Prototype(std::string_view name) {
     static std::map<std::string, std::unique_ptr<const TSVGDocument>, std::less<>> prototypes;
     if (const auto found = prototypes.find(name); found != prototypes.end()) return *found->second;
+    TSVGDocument read;
+    read.LoadFromText(GetResource(name), name);
     auto document = std::make_unique<TSVGDocument>();
-    document->LoadFromText(GetResource(name), name);
+    document->AssignContent(read); // a copy lies closer together
     return *prototypes.emplace(name, std::move(document)).first->second;
 }
 

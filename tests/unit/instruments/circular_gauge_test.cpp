@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 
 namespace Vz::Test {
 namespace {
@@ -79,6 +80,46 @@ TEST(CircularGauge, TurnsAboutTheKnobsCentre) {
         EXPECT_NEAR(100 * m.M11 + 100 * m.M21 + m.M31, 100, Near);
         EXPECT_NEAR(100 * m.M12 + 100 * m.M22 + m.M32, 100, Near);
     }
+}
+
+TEST(CircularGauge, FollowsTheKnobsCentreWhateverMovesIt) {
+    const auto gauge = TBareGauge::Create();
+    const auto other = TBareGauge::Create();
+    auto& knob = ElementOf(*gauge, "Knob");
+    auto& circle = dynamic_cast<TSVGBasicShape&>(knob.GetChild(0));
+    auto& ring = dynamic_cast<TSVGPath&>(knob.GetChild(1));
+    const std::vector<std::function<void()>> edits = {
+        [&] {
+            circle.SetLength(TSVGBasicShape::TPart::R, {TSVGUnit::Number, 70});
+        },
+        [&] {
+            circle.SetLength(TSVGBasicShape::TPart::CX, {TSVGUnit::Number, 150});
+        },
+        [&] {
+            circle.SetLength(TSVGBasicShape::TPart::CX, {TSVGUnit::Percent, 40});
+        },
+        [&] { circle.SetVisible(false); },
+        [&] { ring.GetData().SetPathString("M0 0H40V30"); },
+        [&] { ring.SetMatrix(CreateTranslateVZMatrix(-100, 3)); },
+        [&] { circle.SetVisible(true); },
+        [&] { ring.Remove(); },
+        [&] { knob.SetMatrix(CreateTranslateVZMatrix(9, 9)); },
+        [&] { knob.GetBrush().SetColor(0xFF00FF00); },
+    };
+    float value = 0;
+    for (std::size_t i = 0; i < edits.size(); ++i) {
+        edits[i]();
+        for (int k = 0; k < 2; ++k) {
+            gauge->SetValue(value += 0.4f);
+            const TPointF at = VZCenterPoint(knob.GetBounds());
+            const TMatrix m = ElementOf(*gauge, "ThinHand").GetMatrix();
+            EXPECT_NEAR(at.X * m.M11 + at.Y * m.M21 + m.M31, at.X, Near) << i;
+            EXPECT_NEAR(at.X * m.M12 + at.Y * m.M22 + m.M32, at.Y, Near) << i;
+        }
+    }
+    other->SetValue(3);
+    const TMatrix m = ElementOf(*other, "ThinHand").GetMatrix();
+    EXPECT_NEAR(100 * m.M11 + 100 * m.M21 + m.M31, 100, Near) << "no other gauge takes part";
 }
 
 TEST(CircularGauge, ScaleMayCrossTwelveOClock) {

@@ -108,7 +108,8 @@ TEST(Document, IsEmptyAtFirst) {
 }
 
 TEST(Document, ReplacesItsContent) {
-    const auto document = LoadContent("<g id='old' fill='red'/>", "width='10' height='20' viewBox='0 0 1 2' fill='red'");
+    const auto document =
+        LoadContent("<g id='old' fill='red'/>", "width='10' height='20' viewBox='0 0 1 2' fill='red'");
     TNotices notices(*document);
     document->LoadFromText(SvgText("<rect id='new' width='50' height='50'/>", "id='root'"));
     ASSERT_EQ(notices.All.size(), 1u);
@@ -144,8 +145,8 @@ TEST(Document, KeepsItsContentWhereATextIsBroken) {
     const auto document = LoadContent("<rect id='r' width='50' height='50' fill='red'/>");
     const TDrawing before = Drawn(*document);
     TNotices notices(*document);
-    for (const char* broken : {"", "no xml", "<svg", "<svg xmlns='http://www.w3.org/2000/svg'><g></svg>", "<html/>",
-                               "<svg><g id='r'/><g id='r'/>"})
+    for (const char* broken : {"", "no xml", "<svg", "<svg xmlns='http://www.w3.org/2000/svg'><g></svg>",
+                               "<html/>", "<svg><g id='r'/><g id='r'/>"})
         EXPECT_THROW(document->LoadFromText(broken), EReadError) << broken;
     EXPECT_EQ(notices.Take(), 0u);
     EXPECT_NE(document->Find<TSVGBasicShape>("r"), nullptr);
@@ -181,9 +182,10 @@ TEST(Document, SavesAndLoadsFiles) {
 }
 
 TEST(Document, CopiesAnother) {
-    const auto source = LoadContent("<linearGradient id='g'><stop stop-color='red'/><stop offset='1'/></linearGradient>"
-                                    "<g id='a' opacity='.5'><rect id='r' width='90' height='90' fill='url(#g)'/></g>",
-                                    "id='root' viewBox='0 0 100 100' opacity='.75'");
+    const auto source =
+        LoadContent("<linearGradient id='g'><stop stop-color='red'/><stop offset='1'/></linearGradient>"
+                    "<g id='a' opacity='.5'><rect id='r' width='90' height='90' fill='url(#g)'/></g>",
+                    "id='root' viewBox='0 0 100 100' opacity='.75'");
     TSVGDocument copy;
     copy.AssignContent(*source);
     EXPECT_EQ(copy.WriteText(), source->WriteText());
@@ -193,6 +195,51 @@ TEST(Document, CopiesAnother) {
     copy.Find<TSVGCustomGradient>("g")->GetStop(0).GetStopBrush().SetColor(0xFF0000FF);
     EXPECT_NE(Drawn(copy), Drawn(*source)) << "each has its own elements";
     EXPECT_NE(source->FindElement("r"), copy.FindElement("r"));
+}
+
+TEST(Document, CopiesHaveTheirOwnIds) {
+    const auto source = LoadContent("<g id='a'><rect id='b'/><circle id='b'/></g><path id='c' d='M0 0H9'/>");
+    source->FindElement("c")->SetId("d");
+    TSVGDocument copies[2];
+    for (TSVGDocument& copy : copies)
+        copy.AssignContent(*source);
+    TSVGDocument& copy = copies[0];
+    copy.FindElement("d")->SetId("new");
+    copy.Add<TSVGGroup>().SetId("more");
+    auto rect = copy.FindElement("b")->Remove();
+    EXPECT_EQ(copy.FindElement("b")->GetTag(), TSVGTag::Circle) << "the second one steps up in a copy, too";
+    copy.FindElement("a")->RemoveChildren();
+    EXPECT_EQ(copy.FindElement("b"), nullptr);
+    EXPECT_EQ(copy.FindElement("c"), nullptr);
+    EXPECT_EQ(copy.FindElement("d"), nullptr);
+    EXPECT_EQ(copy.FindElement("new")->GetTag(), TSVGTag::Path);
+    for (const TSVGDocument* const untouched :
+         {static_cast<const TSVGDocument*>(source.get()), static_cast<const TSVGDocument*>(&copies[1])}) {
+        EXPECT_EQ(untouched->FindElement("b")->GetTag(), TSVGTag::Rect);
+        EXPECT_EQ(&untouched->FindElement("d")->GetDocument(), untouched);
+        EXPECT_EQ(untouched->FindElement("new"), nullptr);
+        EXPECT_EQ(untouched->FindElement("more"), nullptr);
+    }
+    copy.AssignContent(copies[1]);
+    EXPECT_EQ(copy.FindElement("more"), nullptr);
+    EXPECT_EQ(rect->GetId(), "b") << "what was removed keeps its id over a new content";
+    copy.AddChild(std::move(rect));
+    EXPECT_EQ(copy.FindElement("b")->GetParent(), copy.FindElement("a"));
+    copy.AssignContent(copy);
+    EXPECT_EQ(copy.FindElement("b")->GetParent(), copy.FindElement("a"));
+    EXPECT_EQ(copy.GetChildCount(), 3u);
+}
+
+TEST(Document, ElementsOutliveTheCopyThatTheyCameWith) {
+    const auto source = LoadContent("<g id='a'><path id='b' d='M0 0H50V50'/></g><path id='c' d='M0 0H9'/>");
+    auto copy = std::make_unique<TSVGDocument>();
+    copy->AssignContent(*source);
+    auto removed = copy->FindElement("b")->Remove();
+    copy->RemoveChildren();
+    EXPECT_EQ(dynamic_cast<TSVGPath&>(*removed).GetData().GetFigures().Verbs.size(), 3u);
+    removed = nullptr;
+    copy->AssignContent(*source);
+    EXPECT_EQ(copy->WriteText(), source->WriteText());
 }
 
 // Natural size
@@ -214,13 +261,15 @@ TEST_P(DocumentSize, IsAsTheFileSays) {
 INSTANTIATE_TEST_SUITE_P(
     Rules, DocumentSize,
     testing::Values(TSizeCase{"", 100, 100}, TSizeCase{"width='30' height='40'", 30, 40},
-                    TSizeCase{"width='1in' height='2.54cm'", 96, 96}, TSizeCase{"width='72pt' height='6pc'", 96, 96},
+                    TSizeCase{"width='1in' height='2.54cm'", 96, 96},
+                    TSizeCase{"width='72pt' height='6pc'", 96, 96},
                     TSizeCase{"viewBox='5 6 300 150'", 300, 150},
                     TSizeCase{"width='100%' height='100%' viewBox='0 0 300 150'", 300, 150},
                     TSizeCase{"width='60' viewBox='0 0 300 150'", 60, 30},
                     TSizeCase{"height='60' viewBox='0 0 300 150'", 120, 60},
                     TSizeCase{"width='60' height='50%' viewBox='0 0 300 150'", 60, 30},
-                    TSizeCase{"width='60'", 60, 100}, TSizeCase{"width='60' height='70' viewBox='0 0 1 1'", 60, 70},
+                    TSizeCase{"width='60'", 60, 100},
+                    TSizeCase{"width='60' height='70' viewBox='0 0 1 1'", 60, 70},
                     TSizeCase{"width='0' height='70'", 100, 70}, TSizeCase{"width='-5' height='70'", 100, 70},
                     TSizeCase{"viewBox='0 0 0 10'", 100, 100}, TSizeCase{"viewBox='0 0 10'", 100, 100},
                     TSizeCase{"width='100000' height='100000'", 100000, 100000},
@@ -297,7 +346,8 @@ TEST(Document, FitsToOddRectanglesWithoutHarm) {
 }
 
 TEST(Document, DrawsItsViewBoxFitted) {
-    const auto document = LoadContent("<rect width='10' height='10' fill='red'/>", "width='40' height='20' viewBox='0 0 10 10'");
+    const auto document = LoadContent("<rect width='10' height='10' fill='red'/>",
+                                      "width='40' height='20' viewBox='0 0 10 10'");
     TDrawing drawing = Drawn(*document, 40, 20);
     EXPECT_EQ(drawing.At(5, 10), 0u);
     EXPECT_EQ(drawing.At(11, 10), 0xFFFF0000u) << "in the middle";
@@ -318,7 +368,8 @@ TEST(Document, AsksBeforeAndTellsAfterItIsDrawn) {
     const auto document = LoadContent("<rect width='100' height='100' fill='red'/>");
     std::string order;
     TMatrix asked;
-    document->OnDrawing = [&](TObject& sender, const TMatrix& matrix, TVZGPCanvas&, const TRectF& rect, bool& handled) {
+    document->OnDrawing = [&](TObject& sender, const TMatrix& matrix, TVZGPCanvas&, const TRectF& rect,
+                              bool& handled) {
         EXPECT_EQ(&sender, document.get());
         EXPECT_FALSE(handled);
         EXPECT_EQ(rect, (TRectF{0, 0, 100, 100}));

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+namespace Vz {
+
+/// A value that copies share until one of them is edited. It takes no memory before its first edit.
+template <class T> class TCopyOnWrite {
+public:
+    const T& operator*() const {
+        static const T none{};
+        return FValue ? *FValue : none;
+    }
+    const T* operator->() const { return &**this; }
+    /// The value itself, for whoever tells values apart by where they are; null where it is T{}.
+    std::shared_ptr<const T> Share() const { return FValue; }
+    T& Edit() {
+        if (!FValue || FValue.use_count() > 1) FValue = std::make_shared<T>(**this);
+        return *FValue;
+    }
+
+private:
+    std::shared_ptr<T> FValue;
+};
+
+} // namespace Vz
