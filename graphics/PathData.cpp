@@ -324,7 +324,7 @@ const TFigures& TVZPathData::NoFigures() {
 }
 
 TFigures& TVZPathData::Edit() {
-    if (!FFigures || FFigures.use_count() > 1) FFigures = std::make_shared<TFigures>(GetFigures());
+    if (FFigures.use_count() != 1) FFigures = std::make_shared<TFigures>(GetFigures());
     return *FFigures;
 }
 

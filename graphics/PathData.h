@@ -2,6 +2,7 @@
 
 #include "graphics/Figures.h"
 #include "runtime/Events.h"
+#include "runtime/Lasting.h"
 #include "runtime/Object.h"
 
 #include <string>
@@ -41,6 +42,8 @@ public:
     /// The same, kept alive for whoever draws it later; null where there are none.
     std::shared_ptr<const TFigures> ShareFigures() const { return FFigures; }
     void SetFigures(TFigures figures);
+    /// The figures that there are now live from here on as long as the program (see Lasting.h).
+    void MakeLasting() { Vz::MakeLasting(FFigures); }
 
     /// Nested; OnChange comes once at the outermost end where anything changed.
     void BeginUpdate();

@@ -253,9 +253,10 @@ constexpr TSVGStyleProperty FontProperties[] = {
 void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFont& font) {
     auto* const element = Find<TSVGGraphicElement>(elementId);
     if (!element) return;
-    const TSVGStyleSet& artwork =
-        FArtworkStyles.try_emplace(std::string(elementId), element->GetStyle()).first->second;
+    const auto [known, isFirst] = FArtworkStyles.try_emplace(std::string(elementId), element->GetStyle());
+    const TSVGStyleSet& artwork = known->second;
     EditDocument([&] {
+        if (isFirst && font.IsOpen()) return element->Changed(); // all is as the artwork has it
         TSVGStyleSet style = element->GetStyle();
         for (const TSVGStyleProperty property : FontProperties) {
             if (const TStyleValue* const own = artwork.Find(property))

@@ -44,8 +44,8 @@ TVZGPColor Shifted(TVZGPColor color, TVZGPColor from, TVZGPColor to) {
                      moved(BlueOf(color), BlueOf(from), BlueOf(to)));
 }
 
-TVZGPColor StopColor(TSVGCustomGradient& gradient, std::size_t index) {
-    return gradient.GetStop(index).GetStopBrush().GetColor();
+TVZGPColor StopColor(const TSVGCustomGradient& gradient, std::size_t index) {
+    return gradient.GetStop(index).GetStopColor();
 }
 
 void SetStopColor(TSVGCustomGradient& gradient, std::size_t index, TVZGPColor color) {

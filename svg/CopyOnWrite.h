@@ -1,12 +1,18 @@
 #pragma once
 
+#include "runtime/Lasting.h"
+
 #include <memory>
+#include <utility>
 
 namespace Vz {
 
 /// A value that copies share until one of them is edited. It takes no memory before its first edit.
 template <class T> class TCopyOnWrite {
 public:
+    TCopyOnWrite() = default;
+    explicit TCopyOnWrite(T value)
+        : FValue(value == T{} ? nullptr : std::make_shared<T>(std::move(value))) {}
     const T& operator*() const {
         static const T none{};
         return FValue ? *FValue : none;
@@ -15,9 +21,11 @@ public:
     /// The value itself, for whoever tells values apart by where they are; null where it is T{}.
     std::shared_ptr<const T> Share() const { return FValue; }
     T& Edit() {
-        if (!FValue || FValue.use_count() > 1) FValue = std::make_shared<T>(**this);
+        if (FValue.use_count() != 1) FValue = std::make_shared<T>(**this);
         return *FValue;
     }
+    /// The value, if it is not T{}, lives from here on as long as the program (see Lasting.h).
+    void MakeLasting() { Vz::MakeLasting(FValue); }
 
 private:
     std::shared_ptr<T> FValue;

@@ -94,6 +94,10 @@ void TSVGDocument::AssignContent(const TSVGDocument& source) {
     TakeContent(source, std::move(children), std::move(ids));
 }
 
+void TSVGDocument::MakeSharedLasting() {
+    ForTree(*this, [](TSVGElement& element) { element.MakeLasting(); });
+}
+
 void TSVGDocument::SaveToFile(const std::string& path) const { WriteFileAtomically(path, WriteText()); }
 
 void TSVGDocument::AddDiagnostic(std::string text) {
@@ -140,15 +144,15 @@ bool StandsBefore(const TSVGElement& a, const TSVGElement& b) {
 
 void TSVGDocument::ChangeId(TSVGElement& element, std::string_view id) {
     const bool lost = DropId(element);
-    element.FId = id;
+    element.FId = TCopyOnWrite(std::string(id));
     if (element.IsInTree()) TakeId(element);
     if (lost) FindIdsAgain();
 }
 
 /// Where several elements have the same id the first in the document is the one that is found.
 void TSVGDocument::TakeId(TSVGElement& element) {
-    if (element.FId.empty()) return;
-    const TSVGIdTable::TPlace place = FIds.Add(element.FId);
+    if (element.GetId().empty()) return;
+    const TSVGIdTable::TPlace place = FIds.Add(element.GetId());
     if (TSVGElement* const other = FIds.Get(place)) {
         FDuplicateIds = true;
         if (!StandsBefore(element, *other)) return;
@@ -161,7 +165,7 @@ void TSVGDocument::TakeId(TSVGElement& element) {
 /// True where the id was found by this element.
 bool TSVGDocument::DropId(TSVGElement& element) {
     if (!element.FIdPlace) return false;
-    FIds.Drop(std::exchange(element.FIdPlace, 0), element.FId);
+    FIds.Drop(std::exchange(element.FIdPlace, 0), element.GetId());
     return true;
 }
 
@@ -169,7 +173,7 @@ bool TSVGDocument::DropId(TSVGElement& element) {
 void TSVGDocument::FindIdsAgain() {
     if (!FDuplicateIds) return;
     ForTree(*this, [this](TSVGElement& element) {
-        if (!FIds.Find(element.FId)) TakeId(element);
+        if (!FIds.Find(element.GetId())) TakeId(element);
     });
 }
 

@@ -51,6 +51,9 @@ public:
     void LoadEmbedded(std::string_view text, int depth);
     /// Replaces the content by a copy of another document's.
     void AssignContent(const TSVGDocument& source);
+    /// What the elements share with copies of the document lives from here on as long as the program, which
+    /// makes copies cheaper. For a document that itself lives as long, and is not edited any more.
+    void MakeSharedLasting();
     /// The live document as SVG: ids kept, style properties as attributes, the same picture in other viewers.
     /// For those that know no text on a path such text is followed, in a `switch`, by its outlines; these are
     /// made anew whenever a document that has them is written again.

@@ -53,7 +53,7 @@ bool TSVGElement::HasAncestor(const TSVGElement* element) const {
 }
 
 void TSVGElement::SetId(std::string_view id) {
-    if (id == FId) return;
+    if (id == *FId) return;
     FDocument->ChangeId(*this, id);
     Changed(TSVGChangeKind::Structure);
 }
@@ -223,6 +223,11 @@ void TSVGElement::CopyFrom(const TSVGElement& source) {
     FEnabled = source.FEnabled;
 }
 
+void TSVGElement::MakeLasting() {
+    FId.MakeLasting();
+    FStyle.MakeLasting();
+}
+
 void TSVGElement::Refuse(std::string_view name, std::string_view value) {
     constexpr std::size_t longest = 40;
     std::string text{GetTagName()};
@@ -386,8 +391,8 @@ void TSVGGraphicElement::SetOpacity(float value) {
 void TSVGGraphicElement::SetMatrix(const TMatrix& matrix) { SetTransform(TAffine::FromMatrix(matrix)); }
 
 void TSVGGraphicElement::SetTransform(const TAffine& transform) {
-    if (!transform.IsFinite() || transform == FTransform) return;
-    FTransform = transform;
+    if (!transform.IsFinite() || transform == *FTransform) return;
+    FTransform.Edit() = transform;
     Changed(TSVGChangeKind::Place);
 }
 
@@ -471,7 +476,7 @@ void TSVGGraphicElement::WriteAttributes(IAttributeSink& sink) const {
     TSVGElement::WriteAttributes(sink);
     if (!FVisible) sink.Put("display", "none");
     if (FOpacity != 1) sink.Put("opacity", NumberText(FOpacity));
-    if (!(FTransform == TAffine{})) sink.Put("transform", TransformText(FTransform));
+    if (!(*FTransform == TAffine{})) sink.Put("transform", TransformText(*FTransform));
     if (FConditions && FConditions->HasExtensions) sink.Put("requiredExtensions", FConditions->Extensions);
     if (FConditions && FConditions->HasLanguages) sink.Put("systemLanguage", FConditions->Languages);
 }
@@ -483,6 +488,11 @@ void TSVGGraphicElement::CopyFrom(const TSVGElement& source) {
     FOpacity = other.FOpacity;
     FVisible = other.FVisible;
     FConditions = other.FConditions ? std::make_unique<TConditions>(*other.FConditions) : nullptr;
+}
+
+void TSVGGraphicElement::MakeLasting() {
+    TSVGElement::MakeLasting();
+    FTransform.MakeLasting();
 }
 
 } // namespace Vz

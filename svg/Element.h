@@ -1,6 +1,7 @@
 #pragma once
 
 #include "runtime/Object.h"
+#include "svg/CopyOnWrite.h"
 #include "svg/IdTable.h"
 #include "svg/Style.h"
 #include "svg/Types.h"
@@ -89,7 +90,7 @@ public:
     /// True when the given element is among this element's ancestors; not for the element itself.
     bool HasAncestor(const TSVGElement* element) const;
 
-    const std::string& GetId() const { return FId; }
+    const std::string& GetId() const { return *FId; }
     /// Names the element; where another one has the same id the first in the document is found. "" takes it
     /// away.
     void SetId(std::string_view id);
@@ -153,6 +154,8 @@ protected:
     virtual std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const = 0;
     /// Takes over everything but id, children and place.
     virtual void CopyFrom(const TSVGElement& source);
+    /// What this element shares with its copies lives from here on as long as the program (see Lasting.h).
+    virtual void MakeLasting();
     /// Notes an attribute whose value cannot be read.
     void Refuse(std::string_view name, std::string_view value);
 
@@ -166,7 +169,7 @@ private:
 
     TSVGDocument* FDocument;
     TSVGElement* FParent = nullptr;
-    std::string FId;
+    TCopyOnWrite<std::string> FId;
     [[no_unique_address]] TSVGStyleSet FStyle; // the next two stand in its padding
     bool FEnabled = true;
     TSVGIdTable::TPlace FIdPlace = 0; ///< where the document finds this element by its id; else 0
@@ -232,9 +235,9 @@ public:
     void SetOpacity(float value);
     /// The element's transform, from its units to its parent's. SetMatrix replaces it; figures that are not
     /// finite are refused (nothing happens).
-    TMatrix GetMatrix() const { return FTransform.ToMatrix(); }
+    TMatrix GetMatrix() const { return FTransform->ToMatrix(); }
     void SetMatrix(const TMatrix& matrix);
-    const TAffine& GetTransform() const { return FTransform; }
+    const TAffine& GetTransform() const { return *FTransform; }
     void SetTransform(const TAffine& transform);
     void PutStyle(TSVGStyleProperty property, TStyleValue value) override;
     /// Display and opacity are always the element's own: excluded they are initial (shown, opaque).
@@ -259,10 +262,11 @@ public:
 protected:
     explicit TSVGGraphicElement(TSVGDocument& document);
     void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
 
 private:
     friend class TSVGPainter;
-    TAffine FTransform;
+    TCopyOnWrite<TAffine> FTransform;
     float FOpacity = 1;
     bool FVisible = true;
     struct TConditions;

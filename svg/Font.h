@@ -42,6 +42,10 @@ public:
     /// Default fsArtwork: the artwork's.
     TSVGFontStyle GetStyle() const { return FStyle; }
     void SetStyle(TSVGFontStyle value);
+    /// True where it leaves everything open.
+    bool IsOpen() const {
+        return FFamily.empty() && FSize == 0 && FWeight == 0 && FStyle == TSVGFontStyle::fsArtwork;
+    }
 
     /// Copies all settings, with one OnChange where any differs. Raises EConvertError where source is no
     /// font.

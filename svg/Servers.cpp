@@ -297,6 +297,11 @@ void TSVGCustomGradient::CopyFrom(const TSVGElement& source) {
     FOwn = other.FOwn;
 }
 
+void TSVGCustomGradient::MakeLasting() {
+    TSVGElement::MakeLasting();
+    FOwn.MakeLasting();
+}
+
 std::unique_ptr<TSVGElement> TSVGLinearGradient::NewAlike(TSVGDocument& document) const {
     return std::make_unique<TSVGLinearGradient>(document);
 }

@@ -68,6 +68,7 @@ public:
 protected:
     using TSVGElement::TSVGElement;
     void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
 
 private:
     std::vector<TRampStop> MakeStops(bool enabled) const;

@@ -66,6 +66,11 @@ void TSVGPath::CopyFrom(const TSVGElement& source) {
     FData.AssignUntold(static_cast<const TSVGPath&>(source).FData);
 }
 
+void TSVGPath::MakeLasting() {
+    TSVGShape::MakeLasting();
+    FData.MakeLasting();
+}
+
 // Rect, circle, ellipse, line
 
 namespace {
@@ -219,6 +224,11 @@ std::unique_ptr<TSVGElement> TSVGBasicShape::NewAlike(TSVGDocument& document) co
 void TSVGBasicShape::CopyFrom(const TSVGElement& source) {
     TSVGShape::CopyFrom(source);
     FLengths = static_cast<const TSVGBasicShape&>(source).FLengths;
+}
+
+void TSVGBasicShape::MakeLasting() {
+    TSVGShape::MakeLasting();
+    FLengths.MakeLasting();
 }
 
 // Polyline, polygon

@@ -49,6 +49,7 @@ public:
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
     void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
 
 private:
     TVZPathData FData;
@@ -75,6 +76,7 @@ public:
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
     void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
 
 private:
     TSVGTag FTag;

@@ -1,5 +1,6 @@
 #include "svg/Style.h"
 
+#include "runtime/Lasting.h"
 #include "svg/Scan.h"
 
 #include <algorithm>
@@ -523,7 +524,7 @@ TSVGStyleSet::TEntry* TSVGStyleSet::Place(TSVGStyleProperty property) const {
 
 /// An entry on its way to another block; it stays where others share this one.
 TSVGStyleSet::TEntry TSVGStyleSet::TakeOrCopy(std::size_t index) {
-    if (FEntries.use_count() > 1) return FEntries[index];
+    if (FEntries.use_count() != 1) return FEntries[index];
     return std::move(FEntries[index]);
 }
 
@@ -549,6 +550,8 @@ void TSVGStyleSet::Put(TSVGStyleProperty property, TStyleValue value) {
     FEntries = std::move(entries);
     FCount = static_cast<std::uint8_t>(count);
 }
+
+void TSVGStyleSet::MakeLasting() { Vz::MakeLasting(FEntries); }
 
 bool TSVGStyleSet::Remove(TSVGStyleProperty property) {
     if (!Contains(property)) return false;

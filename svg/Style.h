@@ -31,6 +31,8 @@ public:
     bool IsEmpty() const { return FCount == 0; }
     std::span<const TEntry> Entries() const { return {FEntries.get(), FCount}; }
     bool operator==(const TSVGStyleSet& other) const;
+    /// What it holds now lives from here on as long as the program (see Lasting.h).
+    void MakeLasting();
 
 private:
     TEntry* Place(TSVGStyleProperty property) const;

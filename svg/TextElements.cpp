@@ -115,6 +115,11 @@ void TSVGCustomText::CopyFrom(const TSVGElement& source) {
     FPlacing = other.FPlacing;
 }
 
+void TSVGCustomText::MakeLasting() {
+    TSVGGraphicElement::MakeLasting();
+    FPlacing.MakeLasting();
+}
+
 std::unique_ptr<TSVGElement> TSVGText::NewAlike(TSVGDocument& document) const {
     return std::make_unique<TSVGText>(document);
 }

@@ -51,6 +51,7 @@ public:
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
     void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
 
 private:
     /// Where the characters go.

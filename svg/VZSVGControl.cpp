@@ -14,12 +14,14 @@ namespace {
 
 /// The document of an embedded resource, parsed on its first use in the process.
 const TSVGDocument& Prototype(std::string_view name) {
-    static std::map<std::string, std::unique_ptr<const TSVGDocument>, std::less<>> prototypes;
+    using TPrototypes = std::map<std::string, std::unique_ptr<const TSVGDocument>, std::less<>>;
+    static TPrototypes& prototypes = *std::make_unique<TPrototypes>().release(); // outlives all copies
     if (const auto found = prototypes.find(name); found != prototypes.end()) return *found->second;
     TSVGDocument read;
     read.LoadFromText(GetResource(name), name);
     auto document = std::make_unique<TSVGDocument>();
     document->AssignContent(read); // a copy lies closer together
+    document->MakeSharedLasting();
     return *prototypes.emplace(name, std::move(document)).first->second;
 }
 

@@ -321,9 +321,10 @@ TRect TVZSVGControl::ToControl(const TRect& devicePixels) const {
 /// True when a painting now would differ from the last one in the active element's pixels at most, as far as
 /// the control can know. Gives the natural picture's map to the device.
 bool TVZSVGControl::OnlyElementChanged(TAffine& total) const {
-    const TSVGGraphicElement* const active = GetActiveSVGElement();
     const bool hasHandler = GetOnPainting() || GetOnPainted() || FSVG->OnDrawing || FSVG->OnDrawn;
-    if (!active || !FBuffered || FBuffersStale || !FPainted.IsValid || hasHandler) return false;
+    if (!FBuffered || FBuffersStale || !FPainted.IsValid || hasHandler) return false;
+    const TSVGGraphicElement* const active = GetActiveSVGElement();
+    if (!active || FBuffersStale) return false; // the element may have been found to be gone
     if (FOpacity != FPainted.Opacity || !FSVG->CanDrawInParts(*active)) return false;
     const TAffine absolute = TAffine::FromMatrix(GetAbsoluteMatrix());
     total = PlaceDocument(GetDrawRect()).Then(absolute).Then(FSurface);

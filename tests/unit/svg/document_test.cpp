@@ -230,6 +230,37 @@ TEST(Document, CopiesHaveTheirOwnIds) {
     EXPECT_EQ(copy.GetChildCount(), 3u);
 }
 
+TEST(Document, CopiesOfWhatLastsAreEditedOnTheirOwn) {
+    auto source = LoadContent("<linearGradient id='g' x1='2'><stop stop-color='red'/></linearGradient>"
+                              "<path id='p' d='M0 0H50V50' transform='scale(2)' fill='url(#g)'/>"
+                              "<circle id='c' r='9'/><text id='t' x='5'>a</text>");
+    const std::string text = source->WriteText();
+    source->MakeSharedLasting();
+    source->MakeSharedLasting(); // twice does no harm
+    TSVGDocument copies[2];
+    for (TSVGDocument& copy : copies)
+        copy.AssignContent(*source);
+    TSVGDocument& copy = copies[0];
+    auto& path = *copy.Find<TSVGPath>("p");
+    path.GetBrush().SetColor(0xFF00FF00);
+    path.SetSet(TSVGStyleProperty::Stroke, true);
+    path.SetSet(TSVGStyleProperty::Fill, false);
+    path.GetData().ApplyMatrix(CreateTranslateVZMatrix(3, 4));
+    path.SetMatrix(CreateTranslateVZMatrix(5, 6));
+    copy.Find<TSVGBasicShape>("c")->SetLength(TSVGBasicShape::TPart::R, {TSVGUnit::Number, 8});
+    copy.FindElement("g")->ReadAttribute("x1", "3");
+    copy.FindElement("t")->ReadAttribute("x", "6");
+    copy.FindElement("c")->SetId("d");
+    EXPECT_EQ(copies[1].WriteText(), text);
+    EXPECT_EQ(source->WriteText(), text);
+    source = nullptr;
+    EXPECT_EQ(copies[1].WriteText(), text) << "what it shared stays";
+    const std::string edited = copy.WriteText();
+    for (const char* const part :
+         {"M3 4", "matrix(1 0 0 1 5 6)", "r=\"8\"", "x1=\"3\"", "x=\"6\"", "id=\"d\""})
+        EXPECT_NE(edited.find(part), edited.npos) << part << " in " << edited;
+}
+
 TEST(Document, ElementsOutliveTheCopyThatTheyCameWith) {
     const auto source = LoadContent("<g id='a'><path id='b' d='M0 0H50V50'/></g><path id='c' d='M0 0H9'/>");
     auto copy = std::make_unique<TSVGDocument>();
