@@ -63,6 +63,12 @@ VZ_AVX2_INLINE __m256i FirstLanes(int count) {
 
 VZ_AVX2_INLINE bool IsZero(__m256i v) { return _mm256_testz_si256(v, v); }
 
+/// Whether 32 steps are.
+VZ_AVX2_INLINE bool AreZero(const std::int32_t* steps) {
+    return IsZero(_mm256_or_si256(_mm256_or_si256(Load(steps), Load(steps + 8)),
+                                  _mm256_or_si256(Load(steps + 16), Load(steps + 24))));
+}
+
 /// Eight steps summed up, from the windings in `before` on.
 VZ_AVX2_INLINE __m256i Summed(__m256i steps, __m256i before) {
     __m256i sum = _mm256_add_epi32(steps, _mm256_slli_si256(steps, 4));
@@ -254,7 +260,11 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
             const __m256i change = Load(steps + i);
             // Amid a shape, or its hole, nothing changes for long.
             if ((isEmpty || isCovered) && IsZero(change)) {
-                if (isEmpty) continue;
+                if (isEmpty) {
+                    while (i + 40 <= coverageRow.Count && AreZero(steps + i + 8))
+                        i += 32;
+                    continue;
+                }
                 if (room - i >= 8 && !clip) {
                     const __m256i pixels = fetch.Pixels(coverageRow.X + i);
                     Store(row + i, fetch.IsOpaque ? pixels : Over(fetch.ChannelsOf(pixels), Load(row + i)));
