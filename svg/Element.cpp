@@ -346,8 +346,10 @@ struct TSVGGraphicElement::TConditions {
     bool HasLanguages = false;
 };
 
-TSVGGraphicElement::TSVGGraphicElement(TSVGDocument& document)
-    : TSVGElement(document) {}
+TSVGGraphicElement::TSVGGraphicElement(TSVGDocument& document, TSVGTag tag)
+    : TSVGElement(document, tag) {
+    FIsGraphic = true;
+}
 
 TSVGGraphicElement::~TSVGGraphicElement() = default;
 

@@ -75,15 +75,13 @@ public:
     static void* operator new(std::size_t size);
     static void operator delete(void* element) noexcept;
 
-    virtual TSVGTag GetTag() const = 0;
+    TSVGTag GetTag() const { return FTag; }
     /// The element's name in SVG, such as "linearGradient".
     virtual std::string_view GetTagName() const;
 
     /// The element as one that can be drawn; null where it is none.
-    virtual const TSVGGraphicElement* AsGraphic() const { return nullptr; }
-    TSVGGraphicElement* AsGraphic() {
-        return const_cast<TSVGGraphicElement*>(static_cast<const TSVGElement*>(this)->AsGraphic());
-    }
+    const TSVGGraphicElement* AsGraphic() const;
+    TSVGGraphicElement* AsGraphic();
 
     TSVGDocument& GetDocument() const { return *FDocument; }
     TSVGElement* GetParent() const { return FParent; }
@@ -148,8 +146,9 @@ public:
     virtual void WriteAttributes(IAttributeSink& sink) const;
 
 protected:
-    explicit TSVGElement(TSVGDocument& document)
-        : FDocument(&document) {}
+    TSVGElement(TSVGDocument& document, TSVGTag tag)
+        : FDocument(&document)
+        , FTag(tag) {}
     /// An empty element of the same class in a document.
     virtual std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const = 0;
     /// Takes over everything but id, children and place.
@@ -161,6 +160,7 @@ protected:
 
 private:
     friend class TSVGDocument;
+    friend class TSVGGraphicElement;
     bool IsInTree() const;
     /// A copy with all below it; with its ids, which it enters, where there is a table for them.
     std::unique_ptr<TSVGElement> CloneInto(TSVGDocument& document, TSVGIdTable* ids) const;
@@ -170,8 +170,10 @@ private:
     TSVGDocument* FDocument;
     TSVGElement* FParent = nullptr;
     TCopyOnWrite<std::string> FId;
-    [[no_unique_address]] TSVGStyleSet FStyle; // the next two stand in its padding
+    [[no_unique_address]] TSVGStyleSet FStyle; // the next four stand in its padding
     bool FEnabled = true;
+    const TSVGTag FTag;
+    bool FIsGraphic = false;
     TSVGIdTable::TPlace FIdPlace = 0; ///< where the document finds this element by its id; else 0
     std::vector<std::unique_ptr<TSVGElement>> FChildren;
 };
@@ -224,8 +226,6 @@ private:
 class TSVGGraphicElement : public TSVGElement {
 public:
     ~TSVGGraphicElement() override;
-    using TSVGElement::AsGraphic;
-    const TSVGGraphicElement* AsGraphic() const override { return this; }
 
     /// False: the element and all below it are not drawn ("display" none of its own). Default true.
     bool GetVisible() const { return FVisible; }
@@ -260,20 +260,29 @@ public:
     void WriteAttributes(IAttributeSink& sink) const override;
 
 protected:
-    explicit TSVGGraphicElement(TSVGDocument& document);
+    TSVGGraphicElement(TSVGDocument& document, TSVGTag tag);
     void CopyFrom(const TSVGElement& source) override;
     void MakeLasting() override;
 
 private:
     friend class TSVGPainter;
+    // What a painting reads of each element stands close together, from the children on.
     TCopyOnWrite<TAffine> FTransform;
     float FOpacity = 1;
     bool FVisible = true;
+    mutable std::uint64_t FCompiledEpoch = 0; ///< of the document when FCompiled was made
+    struct TCompiled;
+    mutable std::shared_ptr<const TCompiled> FCompiled;
     struct TConditions;
     std::unique_ptr<TConditions> FConditions;
-    struct TCompiled;
-    mutable std::shared_ptr<const TCompiled> FCompiled; ///< of the document's epoch FCompiledEpoch
-    mutable std::uint64_t FCompiledEpoch = 0;
 };
+
+inline const TSVGGraphicElement* TSVGElement::AsGraphic() const {
+    return FIsGraphic ? static_cast<const TSVGGraphicElement*>(this) : nullptr;
+}
+
+inline TSVGGraphicElement* TSVGElement::AsGraphic() {
+    return FIsGraphic ? static_cast<TSVGGraphicElement*>(this) : nullptr;
+}
 
 } // namespace Vz

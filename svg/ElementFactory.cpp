@@ -20,18 +20,6 @@ template <class T, TSVGTag Tag> std::unique_ptr<TSVGElement> MakeTagged(TSVGDocu
     return std::make_unique<T>(document, Tag);
 }
 
-/// A tspan-like element with another name.
-class TSVGTextReference final : public TSVGCustomText {
-public:
-    using TSVGCustomText::TSVGCustomText;
-    TSVGTag GetTag() const override { return TSVGTag::TRef; }
-
-protected:
-    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override {
-        return std::make_unique<TSVGTextReference>(document);
-    }
-};
-
 struct TRow {
     std::string_view Name;
     TMaker Make;
@@ -71,7 +59,7 @@ constexpr TRow Rows[] = {
 constexpr TRow TextRows[] = {
     {"a", Make<TSVGCustomText>},
     {"textPath", Make<TSVGTextPath>},
-    {"tref", Make<TSVGTextReference>},
+    {"tref", MakeTagged<TSVGCustomText, G::TRef>},
     {"tspan", Make<TSVGCustomText>},
 };
 

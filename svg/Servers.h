@@ -15,8 +15,7 @@ enum class TSVGUnits : std::uint8_t { UserSpaceOnUse, ObjectBoundingBox, StrokeW
 class TSVGGradientStop final : public TSVGElement {
 public:
     explicit TSVGGradientStop(TSVGDocument& document)
-        : TSVGElement(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::Stop; }
+        : TSVGElement(document, TSVGTag::Stop) {}
 
     /// The stop's brush; its colour is the stop's colour with its opacity as alpha.
     TSVGBrush GetStopBrush() { return {*this, TSVGStyleProperty::StopColor, TSVGStyleProperty::StopOpacity}; }
@@ -87,8 +86,7 @@ private:
 class TSVGLinearGradient final : public TSVGCustomGradient {
 public:
     explicit TSVGLinearGradient(TSVGDocument& document)
-        : TSVGCustomGradient(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::LinearGradient; }
+        : TSVGCustomGradient(document, TSVGTag::LinearGradient) {}
 
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
@@ -97,8 +95,7 @@ protected:
 class TSVGRadialGradient final : public TSVGCustomGradient {
 public:
     explicit TSVGRadialGradient(TSVGDocument& document)
-        : TSVGCustomGradient(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::RadialGradient; }
+        : TSVGCustomGradient(document, TSVGTag::RadialGradient) {}
 
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;

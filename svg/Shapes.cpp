@@ -33,7 +33,7 @@ void TSVGShape::CopyFrom(const TSVGElement& source) {
 // Path
 
 TSVGPath::TSVGPath(TSVGDocument& document)
-    : TSVGShape(document) {
+    : TSVGShape(document, TSVGTag::Path) {
     FData.OnChange = [this](TObject&) { Changed(TSVGChangeKind::Shape); };
 }
 
@@ -125,8 +125,7 @@ template <class F> void ForParts(TSVGTag tag, F f) {
 } // namespace
 
 TSVGBasicShape::TSVGBasicShape(TSVGDocument& document, TSVGTag tag)
-    : TSVGShape(document)
-    , FTag(tag) {
+    : TSVGShape(document, tag) {
     ForParts(tag, [this](int slot, const TPartRow& row) {
         if (IsRadius(row.Part)) FLengths.Edit()[slot] = AutoRadius;
     });
@@ -134,14 +133,14 @@ TSVGBasicShape::TSVGBasicShape(TSVGDocument& document, TSVGTag tag)
 
 TSVGLength TSVGBasicShape::GetLength(TPart part) const {
     TSVGLength found = IsRadius(part) ? AutoRadius : TSVGLength{};
-    ForParts(FTag, [&](int slot, const TPartRow& row) {
+    ForParts(GetTag(), [&](int slot, const TPartRow& row) {
         if (row.Part == part) found = (*FLengths)[slot];
     });
     return found;
 }
 
 void TSVGBasicShape::SetLength(TPart part, TSVGLength value) {
-    ForParts(FTag, [&](int slot, const TPartRow& row) {
+    ForParts(GetTag(), [&](int slot, const TPartRow& row) {
         if (row.Part == part && !((*FLengths)[slot] == value)) {
             FLengths.Edit()[slot] = value;
             Changed(TSVGChangeKind::Shape);
@@ -166,7 +165,7 @@ TFigures TSVGBasicShape::MakeFigures(const TLengthBasis& basis) const {
     TFigures figures;
     double rx = 0;
     double ry = 0;
-    switch (FTag) {
+    switch (GetTag()) {
     case TSVGTag::Rect: {
         const double width = get(TPart::Width);
         const double height = get(TPart::Height);
@@ -194,7 +193,7 @@ TFigures TSVGBasicShape::MakeFigures(const TLengthBasis& basis) const {
 
 bool TSVGBasicShape::ReadAttribute(std::string_view name, std::string_view value) {
     bool known = false;
-    ForParts(FTag, [&](int slot, const TPartRow& row) {
+    ForParts(GetTag(), [&](int slot, const TPartRow& row) {
         if (row.Name != name) return;
         known = true;
         TSVGLength length;
@@ -210,7 +209,7 @@ bool TSVGBasicShape::ReadAttribute(std::string_view name, std::string_view value
 
 void TSVGBasicShape::WriteAttributes(IAttributeSink& sink) const {
     TSVGShape::WriteAttributes(sink);
-    ForParts(FTag, [&](int slot, const TPartRow& row) {
+    ForParts(GetTag(), [&](int slot, const TPartRow& row) {
         const TSVGLength& length = (*FLengths)[slot];
         if (!(length == (IsRadius(row.Part) ? AutoRadius : TSVGLength{})))
             sink.Put(row.Name, length.ToText());
@@ -218,7 +217,7 @@ void TSVGBasicShape::WriteAttributes(IAttributeSink& sink) const {
 }
 
 std::unique_ptr<TSVGElement> TSVGBasicShape::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGBasicShape>(document, FTag);
+    return std::make_unique<TSVGBasicShape>(document, GetTag());
 }
 
 void TSVGBasicShape::CopyFrom(const TSVGElement& source) {
@@ -234,8 +233,7 @@ void TSVGBasicShape::MakeLasting() {
 // Polyline, polygon
 
 TSVGPoly::TSVGPoly(TSVGDocument& document, TSVGTag tag)
-    : TSVGShape(document)
-    , FTag(tag) {}
+    : TSVGShape(document, tag) {}
 
 TFigures TSVGPoly::MakeFigures(const TLengthBasis&) const {
     TFigures figures;
@@ -243,7 +241,7 @@ TFigures TSVGPoly::MakeFigures(const TLengthBasis&) const {
     figures.MoveTo(FPoints[0].X, FPoints[0].Y);
     for (std::size_t i = 1; i < FPoints.size(); ++i)
         figures.LineTo(FPoints[i].X, FPoints[i].Y);
-    if (FTag == TSVGTag::Polygon) figures.Close();
+    if (GetTag() == TSVGTag::Polygon) figures.Close();
     return figures;
 }
 
@@ -268,7 +266,7 @@ void TSVGPoly::WriteAttributes(IAttributeSink& sink) const {
 }
 
 std::unique_ptr<TSVGElement> TSVGPoly::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGPoly>(document, FTag);
+    return std::make_unique<TSVGPoly>(document, GetTag());
 }
 
 void TSVGPoly::CopyFrom(const TSVGElement& source) {

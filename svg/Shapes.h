@@ -34,7 +34,6 @@ private:
 class TSVGPath final : public TSVGShape {
 public:
     explicit TSVGPath(TSVGDocument& document);
-    TSVGTag GetTag() const override { return TSVGTag::Path; }
 
     TVZPathData& GetData() { return FData; }
     const TVZPathData& GetData() const { return FData; }
@@ -62,7 +61,6 @@ public:
     enum class TPart : std::uint8_t { X, Y, Width, Height, RX, RY, CX, CY, R, X1, Y1, X2, Y2, Count };
 
     TSVGBasicShape(TSVGDocument& document, TSVGTag tag);
-    TSVGTag GetTag() const override { return FTag; }
 
     /// A length of the shape; an absent radius of a rect or ellipse ("auto") is negative.
     TSVGLength GetLength(TPart part) const;
@@ -79,7 +77,6 @@ protected:
     void MakeLasting() override;
 
 private:
-    TSVGTag FTag;
     TCopyOnWrite<std::array<TSVGLength, 6>> FLengths;
 };
 
@@ -87,7 +84,6 @@ private:
 class TSVGPoly final : public TSVGShape {
 public:
     TSVGPoly(TSVGDocument& document, TSVGTag tag);
-    TSVGTag GetTag() const override { return FTag; }
     const std::vector<TPointD>& GetPoints() const { return FPoints; }
 
     TFigures MakeFigures(const TLengthBasis& basis) const override;
@@ -99,7 +95,6 @@ protected:
     void CopyFrom(const TSVGElement& source) override;
 
 private:
-    TSVGTag FTag;
     std::vector<TPointD> FPoints;
 };
 

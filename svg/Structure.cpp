@@ -13,11 +13,10 @@ namespace Vz {
 // Groups
 
 TSVGGroup::TSVGGroup(TSVGDocument& document, TSVGTag tag)
-    : TSVGGraphicElement(document)
-    , FTag(tag) {}
+    : TSVGGraphicElement(document, tag) {}
 
 std::unique_ptr<TSVGElement> TSVGGroup::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGGroup>(document, FTag);
+    return std::make_unique<TSVGGroup>(document, GetTag());
 }
 
 // View boxes
@@ -44,8 +43,8 @@ TAffine ViewBoxMap(const TSVGViewBox& box, const TSVGPreserveAspectRatio& ratio,
 
 void TSVGViewElement::SetViewBox(const std::optional<TSVGViewBox>& value) {
     const auto isUsable = [](const TSVGViewBox& b) {
-        return std::isfinite(b.X) && std::isfinite(b.Y) && std::isfinite(b.Width) && std::isfinite(b.Height) &&
-               b.Width > 0 && b.Height > 0;
+        return std::isfinite(b.X) && std::isfinite(b.Y) && std::isfinite(b.Width) &&
+               std::isfinite(b.Height) && b.Width > 0 && b.Height > 0;
     };
     if (value == FViewBox || (value && !isUsable(*value))) return;
     FViewBox = value;
@@ -214,8 +213,7 @@ void TSVGImage::CopyFrom(const TSVGElement& source) {
 // Elements that are only kept
 
 TSVGPlainElement::TSVGPlainElement(TSVGDocument& document, TSVGTag tag, std::string name)
-    : TSVGElement(document)
-    , FTag(tag)
+    : TSVGElement(document, tag)
     , FName(std::move(name)) {}
 
 const std::string* TSVGPlainElement::FindAttribute(std::string_view name) const {
@@ -240,7 +238,7 @@ void TSVGPlainElement::WriteAttributes(IAttributeSink& sink) const {
 }
 
 std::unique_ptr<TSVGElement> TSVGPlainElement::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGPlainElement>(document, FTag, FName);
+    return std::make_unique<TSVGPlainElement>(document, GetTag(), FName);
 }
 
 void TSVGPlainElement::CopyFrom(const TSVGElement& source) {

@@ -11,13 +11,9 @@ namespace Vz {
 class TSVGGroup : public TSVGGraphicElement {
 public:
     explicit TSVGGroup(TSVGDocument& document, TSVGTag tag = TSVGTag::G);
-    TSVGTag GetTag() const override { return FTag; }
 
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
-
-private:
-    TSVGTag FTag;
 };
 
 /// A view box (SVG 1.1, 7.7).
@@ -119,7 +115,6 @@ private:
 class TSVGPlainElement final : public TSVGElement {
 public:
     TSVGPlainElement(TSVGDocument& document, TSVGTag tag, std::string name);
-    TSVGTag GetTag() const override { return FTag; }
     std::string_view GetTagName() const override { return FName; }
     /// The text inside (title, desc).
     const std::string& GetText() const { return FText; }
@@ -135,7 +130,6 @@ protected:
     void CopyFrom(const TSVGElement& source) override;
 
 private:
-    TSVGTag FTag;
     std::string FName;
     std::string FText;
     std::vector<std::pair<std::string, std::string>> FAttributes;

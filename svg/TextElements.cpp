@@ -106,7 +106,7 @@ void TSVGCustomText::WriteAttributes(IAttributeSink& sink) const {
 }
 
 std::unique_ptr<TSVGElement> TSVGCustomText::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGCustomText>(document);
+    return std::make_unique<TSVGCustomText>(document, GetTag());
 }
 
 void TSVGCustomText::CopyFrom(const TSVGElement& source) {

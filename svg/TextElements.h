@@ -12,8 +12,7 @@ namespace Vz {
 class TSVGCharacters final : public TSVGElement {
 public:
     explicit TSVGCharacters(TSVGDocument& document)
-        : TSVGElement(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::Characters; }
+        : TSVGElement(document, TSVGTag::Characters) {}
     /// As it stands in the document, white space not yet collapsed. UTF-8.
     const std::string& GetText() const { return FText; }
     void SetText(std::string_view text);
@@ -29,10 +28,9 @@ private:
 /// An element of text: text, tspan, textPath. Its content is characters and further text elements.
 class TSVGCustomText : public TSVGGraphicElement {
 public:
-    /// A tspan in a document; the derived classes are the other elements.
-    explicit TSVGCustomText(TSVGDocument& document)
-        : TSVGGraphicElement(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::TSpan; }
+    /// A tspan, or a tref, in a document; the derived classes are the other elements.
+    explicit TSVGCustomText(TSVGDocument& document, TSVGTag tag = TSVGTag::TSpan)
+        : TSVGGraphicElement(document, tag) {}
 
     /// All characters inside, in order.
     std::string GetText() const;
@@ -67,8 +65,7 @@ private:
 class TSVGText final : public TSVGCustomText {
 public:
     explicit TSVGText(TSVGDocument& document)
-        : TSVGCustomText(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::Text; }
+        : TSVGCustomText(document, TSVGTag::Text) {}
 
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
@@ -78,8 +75,7 @@ protected:
 class TSVGTextPath final : public TSVGCustomText {
 public:
     explicit TSVGTextPath(TSVGDocument& document)
-        : TSVGCustomText(document) {}
-    TSVGTag GetTag() const override { return TSVGTag::TextPath; }
+        : TSVGCustomText(document, TSVGTag::TextPath) {}
 
     /// The id of the path that the text runs along.
     const std::string& GetReference() const { return FReference; }
