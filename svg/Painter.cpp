@@ -94,7 +94,22 @@ void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const 
         PaintPath(FDocument, root);
 }
 
+namespace {
+
+/// Has the processor fetch what is read of each child while the first ones are painted: among many documents
+/// that are painted by turns, most of the time would be spent waiting for one element after the other.
+void FetchAhead(const TSVGElement& parent) {
+    for (const auto& child : parent.Children()) {
+        const char* const children = reinterpret_cast<const char*>(&child->Children());
+        __builtin_prefetch(children - 8); // tag and flags stand before, all else behind
+        __builtin_prefetch(children + 56);
+    }
+}
+
+} // namespace
+
 void TSVGPainter::PaintChildren(const TSVGElement& parent, const TPaintContext& context) {
+    FetchAhead(parent);
     for (const auto& child : parent.Children())
         if (const auto* const element = child->AsGraphic()) {
             PaintElement(*element, context);
