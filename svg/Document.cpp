@@ -43,7 +43,10 @@ void TSVGDocument::LoadEmbedded(std::string_view text, int depth) {
 void TSVGDocument::LoadFromText(std::string_view text, std::string_view source) {
     TSVGDocument fresh;
     fresh.FEmbeddingDepth = FEmbeddingDepth;
-    ReadSvg(text, source, fresh);
+    {
+        const TElementBlocks blocks(0);
+        ReadSvg(text, source, fresh);
+    }
     const auto take = [this](TSVGElement& element) { element.FDocument = this; };
     for (const auto& child : fresh.FChildren)
         ForTree(*child, take);

@@ -14,7 +14,7 @@ namespace {
 
 thread_local TElementBlocks* Open = nullptr;
 
-constexpr std::size_t LeastBlock = 4096;
+constexpr std::size_t LeastBlock = 2048;
 
 /// Elements hold nothing of a stricter alignment than a pointer's.
 constexpr std::size_t Aligned(std::size_t size) {
