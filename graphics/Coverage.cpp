@@ -172,8 +172,7 @@ std::span<const TCoverageRow> TCoverage::CloseBand() {
         if (last < 0) continue;
         // Where the windings do not end, the side that ends them lies to the right of the box.
         const int end = FBand.Sum[row] != 0 ? width : std::min(last + 1, width);
-        for (int i = 0; i < SpillColumns; ++i)
-            steps[width + i] = 0;
+        std::fill_n(steps + width, SpillColumns, 0);
         FRows[count++] = {steps + first, FBox.Left + first, y, end - first};
     }
     return {FRows.data(), count};

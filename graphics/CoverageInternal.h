@@ -77,8 +77,8 @@ private:
     /// The steps of a band stay in the nearest cache.
     static constexpr int MaxBand = TTraceBand::MostRows;
     static constexpr int BandSteps = 6144;
-    /// Columns behind the last that a side's part in a row may touch.
-    static constexpr int SpillColumns = 3;
+    /// At least as many columns behind the last as a side's part in a row may touch.
+    static constexpr int SpillColumns = 4;
 
     struct TEdge : TTraceEdge {
         std::int32_t NextInBand;

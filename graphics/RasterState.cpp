@@ -238,8 +238,7 @@ void TRasterState::FillBox(const TRect& box, TFillRule rule, const TPaintSource&
         job.ClipStride = map->Box.Width();
     }
     while (!(job.Rows = Coverage.Next()).empty()) {
-        for (const TCoverageRow& row : job.Rows)
-            AboutToChange(row.Y, row.X, row.X + row.Count);
+        AboutToChange(job.Rows);
         if (source.Fills())
             source.Fill(job);
         else

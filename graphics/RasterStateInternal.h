@@ -126,10 +126,14 @@ struct TRasterState {
     void ClearOnDemand(std::uint32_t pixel);
     /// Called before pixels of the surface in force change.
     void AboutToChange(int y, int left, int right) {
-        if (Between.Layers && Between.Depth == Surfaces.Depth()) {
-            if (!Between.IsReached(y, left, right)) Reach(y, left, right);
-        } else if (FUncleared > 0 && Surfaces.Depth() == 1)
-            ClearRest();
+        if (!IsBetween()) return AboutToDraw();
+        if (!Between.IsReached(y, left, right)) Reach(y, left, right);
+    }
+    void AboutToChange(std::span<const TCoverageRow> rows) {
+        if (!IsBetween()) return AboutToDraw();
+        for (const TCoverageRow& row : rows)
+            if (const int end = row.X + row.Count; !Between.IsReached(row.Y, row.X, end))
+                Reach(row.Y, row.X, end);
     }
 
     /// Paints the coverage's shape.
@@ -153,6 +157,11 @@ private:
     void FetchRows(const TFillJob& job, const TPaintSource& source);
     void AddToClip(TCoverageMap& map, TFillRule rule);
     void Forget(TSurface& layer);
+    /// What is drawn goes onto the surface between two pictures.
+    bool IsBetween() const { return Between.Layers && Between.Depth == Surfaces.Depth(); }
+    void AboutToDraw() {
+        if (FUncleared > 0 && Surfaces.Depth() == 1) ClearRest();
+    }
     void Reach(int y, int left, int right);
     const TBetween::TReach& ReachedIn(int y) const {
         return Between.Reached[static_cast<std::size_t>(y - Between.Box.Top)];
