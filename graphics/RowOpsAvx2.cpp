@@ -229,6 +229,11 @@ template <TSpread Spread> struct TFocalFetch : TPixelFetch {
 
 // Rows.
 
+/// Whether eight pixels are covered wholly.
+VZ_AVX2_INLINE bool IsFull(__m256i coverage) {
+    return _mm256_testc_si256(coverage, _mm256_set1_epi32(255)) != 0;
+}
+
 /// Where the first `count` of eight pixels lie, to be read and written without touching the others.
 struct TTail {
     std::uint32_t* Row;
@@ -245,7 +250,6 @@ struct TTail {
 };
 
 template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& job, TFetch fetch) {
-    const __m256i full = _mm256_set1_epi32(255);
     const __m256i last = _mm256_set1_epi32(7);
     for (const TCoverageRow& coverageRow : job.Rows) {
         std::int32_t* steps = coverageRow.Steps;
@@ -253,19 +257,18 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
         const std::uint8_t* clip = job.ClipOf(coverageRow);
         const int room = job.Right - coverageRow.X;
         __m256i winding = _mm256_setzero_si256();
-        bool isEmpty = true; // all of the last eight were
-        bool isCovered = false;
+        __m256i before = winding; // coverage of the last eight
         fetch.BeginRow(coverageRow.Y);
         for (int i = 0; i < coverageRow.Count; i += 8) {
             const __m256i change = Load(steps + i);
             // Amid a shape, or its hole, nothing changes for long.
-            if ((isEmpty || isCovered) && IsZero(change)) {
-                if (isEmpty) {
+            if (IsZero(change)) {
+                if (IsZero(before)) {
                     while (i + 40 <= coverageRow.Count && AreZero(steps + i + 8))
                         i += 32;
                     continue;
                 }
-                if (room - i >= 8 && !clip) {
+                if (IsFull(before) && room - i >= 8 && !clip) {
                     const __m256i pixels = fetch.Pixels(coverageRow.X + i);
                     Store(row + i, fetch.IsOpaque ? pixels : Over(fetch.ChannelsOf(pixels), Load(row + i)));
                     continue;
@@ -275,23 +278,24 @@ template <TFillRule Rule, class TFetch> VZ_AVX2 void FillRows(const TFillJob& jo
             Store(steps + i, _mm256_setzero_si256());
             winding = _mm256_permutevar8x32_epi32(windings, last);
             __m256i coverage = CoverageOf<Rule>(windings);
-            isEmpty = IsZero(coverage);
-            isCovered = IsZero(_mm256_xor_si256(coverage, full));
-            if (isEmpty) continue;
+            before = coverage;
             if (clip) {
                 std::int64_t bytes;
                 std::memcpy(&bytes, clip + i, sizeof bytes);
                 coverage = Times(coverage, _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(bytes)));
-                if (IsZero(coverage)) continue;
             }
+            if (IsZero(coverage)) continue;
             const __m256i pixels = fetch.Pixels(coverageRow.X + i);
-            const bool isWhole = fetch.IsOpaque && isCovered && !clip;
+            if (fetch.IsOpaque && IsFull(coverage) && room - i >= 8) {
+                Store(row + i, pixels);
+                continue;
+            }
             const TChannels paint = Times(fetch.ChannelsOf(pixels), Doubled(coverage));
             if (room - i < 8) {
                 const TTail tail(row + i, room - i);
                 tail.Put(Over(paint, tail.Of(row + i)));
             } else
-                Store(row + i, isWhole ? pixels : Over(paint, Load(row + i)));
+                Store(row + i, Over(paint, Load(row + i)));
         }
     }
 }
