@@ -50,7 +50,7 @@ function(tavro_library target)
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include/tavro>)
     target_compile_features(${target} PUBLIC cxx_std_20)
-    target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
+    target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:-Bsymbolic-functions>)
     set_target_properties(${target} PROPERTIES EXPORT_NAME Core LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION 0)
     add_library(Tavro::Core ALIAS ${target})
 endfunction()
