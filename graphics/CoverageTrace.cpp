@@ -13,7 +13,10 @@ void TTraceBand::Clear() {
 
 void TraceWidePiece(const TTracePiece& piece, std::int64_t column, std::int64_t count, int sign,
                     std::int32_t* steps, int width) {
-    auto [k, before, passed] = StartWide(piece, -column, count);
+    const TWideStart start = StartWide(piece, -column, count);
+    std::int64_t k = start.Column;
+    float before = start.Height;
+    int passed = start.Passed;
     if (k > 0) steps[0] += sign * (static_cast<int>(before) - passed);
     for (const std::int64_t end = std::min(count, width - column); k < end; ++k) {
         const float after = k + 1 < count ? piece.HeightAt(static_cast<float>(k + 1)) : piece.Height;

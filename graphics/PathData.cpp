@@ -31,9 +31,11 @@ constexpr std::uint8_t NoCommand = 255;
 constexpr auto CommandsByLetter = [] {
     std::array<std::uint8_t, LetterCount> places{};
     places.fill(NoCommand);
-    for (std::uint8_t i = 0; i < std::size(Commands); ++i)
-        for (const int form : {0, 'a' - 'A'})
-            places[static_cast<std::size_t>(Commands[i].Letter + form)] = i;
+    for (std::size_t i = 0; i < std::size(Commands); ++i)
+        for (const char form : {0, 'a' - 'A'}) {
+            const auto letter = static_cast<unsigned char>(Commands[i].Letter + form);
+            places[letter] = static_cast<std::uint8_t>(i);
+        }
     return places;
 }();
 
