@@ -17,16 +17,16 @@ void TraceWidePiece(const TTracePiece& piece, std::int64_t column, std::int64_t 
     std::int64_t k = start.Column;
     float before = start.Height;
     int passed = start.Passed;
-    if (k > 0) steps[0] += sign * (static_cast<int>(before) - passed);
+    if (k > 0) AddWinding(steps[0], sign * (static_cast<int>(before) - passed));
     for (const std::int64_t end = std::min(count, width - column); k < end; ++k) {
         const float after = k + 1 < count ? piece.HeightAt(static_cast<float>(k + 1)) : piece.Height;
         const float here = after - before;
         const int passedOn = piece.Passed(static_cast<float>(k), here);
-        steps[column + k] += sign * (passed + static_cast<int>(here) - passedOn);
+        AddWinding(steps[column + k], sign * (passed + static_cast<int>(here) - passedOn));
         passed = passedOn;
         before = after;
     }
-    if (column + k < width) steps[column + k] += sign * passed;
+    if (column + k < width) AddWinding(steps[column + k], sign * passed);
 }
 
 void TraceEdge(const TTraceEdge& edge, TTraceBand& band) {

@@ -161,7 +161,7 @@ VZ_AVX2 void TraceWidePieceAvx2(const TTracePiece& piece, std::int64_t column, s
     constexpr std::int64_t mostExact = 1 << 24; // numbers of columns that floats hold
     if (count > mostExact) return TraceWidePiece(piece, column, count, sign, steps, width);
     const TWideStart start = StartWide(piece, -column, count);
-    if (start.Column > 0) steps[0] += sign * (static_cast<int>(start.Height) - start.Passed);
+    if (start.Column > 0) AddWinding(steps[0], sign * (static_cast<int>(start.Height) - start.Passed));
     const __m256 zero = _mm256_setzero_ps();
     const __m256 one = All(1.0F);
     const __m256 half = All(0.5F);

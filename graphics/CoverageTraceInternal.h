@@ -7,6 +7,11 @@
 
 namespace Vz {
 
+/// Windings count modulo 2^32.
+inline void AddWinding(std::int32_t& to, std::int32_t change) {
+    to = static_cast<std::int32_t>(static_cast<std::uint32_t>(to) + static_cast<std::uint32_t>(change));
+}
+
 /// A side's part in one row: from Left to Right, in columns from the one on that Left lies in. Where columns
 /// meet there are borders, border 1 behind the first column.
 struct TTracePiece {
@@ -80,7 +85,7 @@ inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row, const TT
     std::int32_t* const steps = band.Steps + static_cast<std::ptrdiff_t>(i) * band.Stride;
     const int height = static_cast<int>(piece.Height);
     const int sign = edge.Sign;
-    band.Sum[i] += height * sign;
+    AddWinding(band.Sum[i], height * sign);
     const std::int64_t count = std::max(-below(-piece.Right), std::int64_t{1}); // of columns
     if (column >= 0 && piece.Right <= TTracePiece::Narrow) {
         const int place = static_cast<int>(column);
@@ -91,17 +96,17 @@ inline void TraceRow(const TTraceEdge& edge, TTraceBand& band, int row, const TT
         const int passed = piece.Passed(0, first);
         const int passedOn = piece.Passed(1, second);
         const int passedOut = piece.Passed(2, third);
-        steps[place] += sign * (static_cast<int>(first) - passed);
-        steps[place + 1] += sign * (passed + static_cast<int>(second) - passedOn);
-        steps[place + 2] += sign * (passedOn + static_cast<int>(third) - passedOut);
-        steps[place + 3] += sign * passedOut;
+        AddWinding(steps[place], sign * (static_cast<int>(first) - passed));
+        AddWinding(steps[place + 1], sign * (passed + static_cast<int>(second) - passedOn));
+        AddWinding(steps[place + 2], sign * (passedOn + static_cast<int>(third) - passedOut));
+        AddWinding(steps[place + 3], sign * passedOut);
         band.First[i] = std::min(band.First[i], place);
         band.Last[i] = std::max(band.Last[i], place + static_cast<int>(count));
         return;
     }
     std::int64_t last = 0;
     if (column + count <= 0)
-        steps[0] += height * sign;
+        AddWinding(steps[0], height * sign);
     else {
         const std::int64_t most = std::max<std::int64_t>(count, TTracePiece::Narrow);
         traceWide(piece, column, most, sign, steps, band.Width);
