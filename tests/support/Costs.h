@@ -18,11 +18,11 @@ constexpr bool IsSanitized = true;
 constexpr bool IsSanitized = false;
 #endif
 
-/// What a limit of time is multiplied by: 1 for optimised code, 20 for other code and under a sanitizer.
+/// What a limit of time is multiplied by: 1 for optimised code, 20 for other code, 30 under a sanitizer.
 #ifdef NDEBUG
-constexpr double Slowness = IsSanitized ? 20 : 1;
+constexpr double Slowness = IsSanitized ? 30 : 1;
 #else
-constexpr double Slowness = 20;
+constexpr double Slowness = IsSanitized ? 30 : 20;
 #endif
 
 /// Seconds of processor time that this process has used so far. Other programs on the machine do not count.
