@@ -10,7 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -52,15 +51,9 @@ void Exercise(const std::string& text, unsigned width, unsigned height, TReport&
 }
 
 void LimitMemory() {
-    rlimit limit{rlim_t{Megabytes} << 20, rlim_t{Megabytes} << 20};
-    if (!IsSanitized) {
-        setrlimit(RLIMIT_AS, &limit);
-        return;
-    }
-    // What a sanitizer takes of the machine's memory is its own; calls take several times as much stack.
-    getrlimit(RLIMIT_STACK, &limit);
-    limit.rlim_cur = std::min(limit.rlim_max, rlim_t{64} << 20);
-    setrlimit(RLIMIT_STACK, &limit);
+    if (IsSanitized) return;
+    const rlimit limit{rlim_t{Megabytes} << 20, rlim_t{Megabytes} << 20};
+    setrlimit(RLIMIT_AS, &limit);
 }
 
 /// Runs the document in a child process and checks what it cost.
