@@ -7,7 +7,7 @@
 
 namespace Vz {
 
-/// Windings count modulo 2^32.
+/// Adds to a winding, in 1 / TCoverage::One. It runs over at 2^32, which are 65536 turns.
 inline void AddWinding(std::int32_t& to, std::int32_t change) {
     to = static_cast<std::int32_t>(static_cast<std::uint32_t>(to) + static_cast<std::uint32_t>(change));
 }

@@ -124,7 +124,7 @@ void TLayerPair::FindAfterRuns() {
 void TLayerPair::Merge() {
     const int width = FBefore.Width;
     const int height = FBefore.Height;
-    FMerged.Assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    FMerged.Resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     FBoth = {FMerged.Data(), width, height, width};
     for (int y = 0; y < height; ++y) {
         std::copy_n(FBefore.Row(y), width, FBoth.Row(y));

@@ -33,17 +33,19 @@ void* Allocate(std::size_t bytes) {
 
 void TPixelStore::TFree::operator()(std::uint32_t* pixels) const { std::free(pixels); }
 
-void TPixelStore::Assign(std::size_t count) {
-    if (count > 0 && count <= FCapacity) {
-        std::memset(FPixels.get(), 0, count * sizeof(std::uint32_t));
-        return;
-    }
-    FPixels.reset();
-    FCapacity = 0;
-    if (count == 0) return;
-    FPixels.reset(static_cast<std::uint32_t*>(Allocate(count * sizeof(std::uint32_t))));
-    if (!FPixels) throw std::bad_alloc();
+void TPixelStore::Resize(std::size_t count) {
+    if (count <= FCapacity) return;
+    void* const pixels = Allocate(count * sizeof(std::uint32_t));
+    if (!pixels) throw std::bad_alloc();
+    FPixels.reset(static_cast<std::uint32_t*>(pixels));
     FCapacity = count;
+}
+
+void TPixelStore::Assign(std::size_t count) {
+    if (count > FCapacity)
+        Resize(count); // fresh memory is zero
+    else if (count > 0)
+        std::memset(FPixels.get(), 0, count * sizeof(std::uint32_t));
 }
 
 } // namespace Vz

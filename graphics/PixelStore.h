@@ -10,8 +10,10 @@ namespace Vz {
 /// that going down their columns does not look up a page for each row.
 class TPixelStore {
 public:
-    /// Makes room for so many pixels, all zero. Memory is kept where it suffices. Raises std::bad_alloc where
-    /// there is none; then the store is empty.
+    /// Makes room for so many pixels, whatever they are. Memory is kept where it suffices. Raises
+    /// std::bad_alloc where there is none; then all stays as it was.
+    void Resize(std::size_t count);
+    /// The same, and sets the pixels to zero.
     void Assign(std::size_t count);
     std::uint32_t* Data() const { return FPixels.get(); }
 

@@ -94,22 +94,7 @@ void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const 
         PaintPath(FDocument, root);
 }
 
-namespace {
-
-/// Has the processor fetch what is read of each child while the first ones are painted: among many documents
-/// that are painted by turns, most of the time would be spent waiting for one element after the other.
-void FetchAhead(const TSVGElement& parent) {
-    for (const auto& child : parent.Children()) {
-        const char* const children = reinterpret_cast<const char*>(&child->Children());
-        __builtin_prefetch(children - 8); // tag and flags stand before, all else behind
-        __builtin_prefetch(children + 56);
-    }
-}
-
-} // namespace
-
 void TSVGPainter::PaintChildren(const TSVGElement& parent, const TPaintContext& context) {
-    FetchAhead(parent);
     for (const auto& child : parent.Children())
         if (const auto* const element = child->AsGraphic()) {
             PaintElement(*element, context);
@@ -161,11 +146,9 @@ void TSVGPainter::PaintElement(const TSVGGraphicElement& element, const TPaintCo
     if (!element.GetVisible() || !element.ConditionsHold() || context.Depth > MaxDepth || !Enter()) return;
     TComputedStyle scratch;
     const TComputedStyle& style = StyleOf(element, context, scratch);
-    const TEffects effects = FindEffects(element, style);
-    const bool isHidden = IsShapeTag(tag) && style.Visibility != TKeyword::Visible && !HasMarkers(style);
-    if (isHidden && effects.IsPlain()) return;
     const TPaintContext inner = Inside(element, context, style);
     if (!inner.Matrix.IsInvertible()) return;
+    const TEffects effects = FindEffects(element, style);
     if (effects.IsPlain()) {
         PaintContent(element, inner, 1);
     } else if (effects.IsFade() && PaintsOnce(element, style)) {

@@ -2,6 +2,7 @@
 
 #include "graphics/Canvas.h"
 #include "runtime/Exceptions.h"
+#include "tests/support/Costs.h"
 
 #include <algorithm>
 #include <array>
@@ -192,6 +193,21 @@ TEST(Bitmap, SizesAndPixels) {
     EXPECT_EQ(bitmap.GetPixels().Data, pixels.Data);
     bitmap.SetSize(0, 0);
     bitmap.GetCanvas().Clear(0xFFFFFFFF);
+}
+
+TEST(Bitmap, StaysAsItWasWhereThereIsNoMemory) {
+    if (Vz::Test::IsSanitized) GTEST_SKIP() << "a sanitizer's memory cannot be limited";
+    TVZGPBitmap bitmap(2, 2);
+    bitmap.GetPixels().Row(1)[1] = 0xFF123456u;
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    rlimit less = limit;
+    less.rlim_cur = rlim_t{2} << 30;
+    setrlimit(RLIMIT_AS, &less);
+    EXPECT_THROW(bitmap.SetSize(TVZGPBitmap::MaxExtent, TVZGPBitmap::MaxExtent), std::bad_alloc);
+    setrlimit(RLIMIT_AS, &limit);
+    EXPECT_EQ(bitmap.GetWidth(), 2u);
+    EXPECT_EQ(bitmap.GetPixels().Row(1)[1], 0xFF123456u);
 }
 
 TEST(Bitmap, GreatOnesAreTransparentAfterEachSetSize) {

@@ -227,11 +227,12 @@ TEST_F(RowOps, TraceAlike) {
         edge.Rate = std::min(TCoverage::One / std::abs(float(edge.Slope)), 1e30F);
         edge.Sign = Number(0, 1) ? 1 : -1;
         if (edge.Y1 <= band.Top) continue;
+        const std::int32_t before = Number(0, 1) ? 3 : std::numeric_limits<std::int32_t>::max() - 9;
         std::vector<std::int32_t> steps[2];
         const TRowOps* ops[] = {&PortableRowOps(), VectorRowOps()};
         bands[1] = band;
         for (int k = 0; k < 2; ++k) {
-            steps[k].assign(std::size_t(stride * height), 3);
+            steps[k].assign(std::size_t(stride * height), before);
             bands[k].Steps = steps[k].data();
             bands[k].First.fill(width);
             bands[k].Last.fill(-1);
