@@ -2,8 +2,8 @@
 
 #include "Timing.h"
 
-#include "controls/HeadlessHost.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/VZSVGControl.h"
 
 #include <fstream>
 #include <numbers>
@@ -22,7 +22,7 @@ inline constexpr TArtwork Artworks[] = {{"SpeedometerSVG.svg", "NeedleGroup", 20
                                         {"CircularGaugeSVG.svg", "Hands", 100}};
 
 inline std::string ReadArtwork(const TArtwork& artwork) {
-    std::ifstream file(std::string(TAVRO_SOURCE_DIR "/resources/") + artwork.File, std::ios::binary);
+    std::ifstream file(std::string(TAVRO_SOURCE_DIR "/tavro/resources/") + artwork.File, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();

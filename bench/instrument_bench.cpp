@@ -6,13 +6,13 @@
 #include "Floor.h"
 #include "Timing.h"
 
-#include "controls/Form.h"
-#include "controls/HeadlessHost.h"
-#include "instruments/Instrument.h"
-#include "package/Package.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/PropAccess.h"
-#include "runtime/Resources.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/instruments/Instrument.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/Resources.h"
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>

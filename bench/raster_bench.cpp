@@ -5,7 +5,7 @@
 #include "Floor.h"
 #include "Timing.h"
 
-#include "graphics/RasterDevice.h"
+#include "tavro/graphics/raster/Device.h"
 
 #include <benchmark/benchmark.h>
 #include <cairo.h>

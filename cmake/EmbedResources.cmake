@@ -1,6 +1,6 @@
 # Writes OUTPUT, a C++ source that holds each of FILES as one string literal of escaped bytes, in pieces of moderate
 # length, and the table that Vz::FindResource reads.
-set(text "// Made by cmake/EmbedResources.cmake from the folder resources/.\n#include \"runtime/Resources.h\"\n\nnamespace Vz {\nnamespace {\n")
+set(text "// Made by cmake/EmbedResources.cmake from the folder tavro/resources/.\n#include \"tavro/runtime/Resources.h\"\n\nnamespace Vz {\nnamespace {\n")
 set(rows "")
 set(count 0)
 foreach(file IN LISTS FILES)

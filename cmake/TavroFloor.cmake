@@ -1,11 +1,11 @@
 # Helpers of the build: one object library a floor, their sum as the library, and embedded resources.
 
 # tavro_floor(NAME [LINK FLOOR...] [PRIVATE LIBRARY...])
-# The object library tavro_NAME of all sources in the folder NAME, over the floors that it may include.
+# The object library tavro_NAME of all sources in the folder tavro/NAME, over the floors that it may include.
 function(tavro_floor name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK;PRIVATE")
-    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${name}/*.cpp)
-    file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${name}/*.h)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS tavro/${name}/*.cpp)
+    file(GLOB_RECURSE headers CONFIGURE_DEPENDS tavro/${name}/*.h)
     list(FILTER headers EXCLUDE REGEX "Internal\\.h$")
     set(target tavro_${name})
     if(NOT sources)
@@ -48,7 +48,7 @@ function(tavro_library target)
         target_link_libraries(${target} PRIVATE ${private})
     endforeach()
     target_include_directories(${target} PUBLIC
-        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include/tavro>)
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:-Bsymbolic-functions>)
     set_target_properties(${target} PROPERTIES EXPORT_NAME Core LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION 0)
@@ -56,7 +56,7 @@ function(tavro_library target)
 endfunction()
 
 # tavro_resources(FLOOR PATTERN): embeds each file as one string literal, found at run time by its name
-# without the ending (resources/SpeedometerSVG.svg is "SpeedometerSVG").
+# without the ending (tavro/resources/SpeedometerSVG.svg is "SpeedometerSVG").
 function(tavro_resources floor pattern)
     file(GLOB files CONFIGURE_DEPENDS ${pattern})
     set(table ${CMAKE_BINARY_DIR}/resources/ResourceTable.cpp)

@@ -1,14 +1,33 @@
 # What is installed, and how others find it: `find_package(Tavro COMPONENTS Core Qt6)`, tavro.pc and tavro-qt6.pc.
-# Headers stand below include/tavro as they stand in the sources.
+# Headers stand below include/tavro as they stand in tavro/.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(headers ${CMAKE_INSTALL_INCLUDEDIR}/tavro)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Tavro)
 
-install(DIRECTORY runtime graphics controls svg instruments package
-    DESTINATION ${headers} COMPONENT Core
-    FILES_MATCHING PATTERN "*.h" PATTERN "*Internal.h" EXCLUDE)
+# tavro_reached_headers(VARIABLE DOOR): the door and every header that it brings along, from the project's folder.
+function(tavro_reached_headers variable door)
+    set(reached ${door})
+    set(pending ${door})
+    while(pending)
+        list(POP_FRONT pending header)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${header})
+        file(STRINGS ${PROJECT_SOURCE_DIR}/${header} lines REGEX "^#include \"tavro/")
+        list(TRANSFORM lines REPLACE ".*\"(.*)\".*" "\\1")
+        list(REMOVE_ITEM lines ${reached})
+        list(APPEND pending ${lines})
+        list(APPEND reached ${lines})
+    endwhile()
+    set(${variable} ${reached} PARENT_SCOPE)
+endfunction()
+
+# Of the library, the doors and what they need.
+tavro_reached_headers(public_headers tavro/Tavro.h)
+foreach(header IN LISTS public_headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT Core)
+endforeach()
 install(TARGETS tavro EXPORT TavroCore
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Core
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Core)
@@ -31,8 +50,7 @@ set(static_requires "cairo pangoft2 harfbuzz fontconfig freetype2 libagg expat")
 tavro_pkg_config(tavro "${PROJECT_DESCRIPTION}" "" "-ltavro" "")
 
 if(TAVRO_QT)
-    install(DIRECTORY hosts/qt/ DESTINATION ${headers}/hosts/qt COMPONENT Qt6
-        FILES_MATCHING PATTERN "VzWidget.h" PATTERN "VzPictureWidget.h" PATTERN "WidgetList.h" PATTERN "PropVariant.h")
+    install(FILES hosts/qt/VzWidget.h hosts/qt/VzPictureWidget.h hosts/qt/WidgetList.h DESTINATION ${headers}/qt COMPONENT Qt6)
     foreach(widget IN LISTS TAVRO_QT_WIDGETS)
         install(FILES ${CMAKE_BINARY_DIR}/hosts/qt/widgets/${widget}.h DESTINATION ${headers}/qt COMPONENT Qt6)
     endforeach()

@@ -1,9 +1,9 @@
 // Style texts: whatever the text, as a declaration list, a style sheet, a value of each property, a colour, a
 // transform or a length. What is taken is written to a text that reads back to the same text and ends nothing
 // but itself.
-#include "svg/ColorText.h"
-#include "svg/StyleSheet.h"
-#include "svg/TransformText.h"
+#include "tavro/svg/css/ColorText.h"
+#include "tavro/svg/css/StyleSheet.h"
+#include "tavro/svg/values/TransformText.h"
 
 #include <cmath>
 #include <cstdlib>

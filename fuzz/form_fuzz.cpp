@@ -1,6 +1,7 @@
 // Form files: whatever the text, reading either makes components or raises one of the library's own
 // exceptions; and what was made is written to a text that reads back to the same text.
-#include "runtime/FormFile.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/Props.h"
 #include "tests/unit/runtime/TestComponents.h"
 
 #include <cstdlib>

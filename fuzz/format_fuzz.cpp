@@ -1,7 +1,7 @@
 // Number pictures: the first line is a number, the rest the picture. A picture is refused for every number or
 // for none, and what it shows is bounded by its own length.
-#include "runtime/Exceptions.h"
-#include "runtime/FormatFloat.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/FormatFloat.h"
 
 #include <charconv>
 #include <cstdlib>

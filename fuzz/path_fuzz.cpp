@@ -1,6 +1,6 @@
 // Path data of any kind: whatever is read is written, read back, measured, turned, flattened and stroked.
 
-#include "graphics/PathData.h"
+#include "tavro/graphics/PathData.h"
 
 #include <cmath>
 #include <cstdlib>

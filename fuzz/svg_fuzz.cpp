@@ -1,8 +1,8 @@
 // SVG documents: whatever the text, reading it gives a document or EReadError. The document is drawn whole
 // and in parts, asked for boxes and for what lies at points, edited, copied, and written to a text that reads
 // back to the same text.
-#include "svg/Document.h"
-#include "svg/Shapes.h"
+#include "tavro/svg/model/Document.h"
+#include "tavro/svg/model/Shapes.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "Describe.h"
 
-#include "runtime/PropAccess.h"
-#include "runtime/PropText.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/PropText.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/Component.h"
+#include "tavro/runtime/Component.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "Edits.h"
 
-#include "controls/HeadlessHost.h"
-#include "runtime/PropAccess.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/runtime/PropAccess.h"
 
 namespace Vz::Tool {
 

@@ -1,7 +1,7 @@
 #include "Output.h"
 
-#include "runtime/AtomicFile.h"
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <cstdio>
 

@@ -1,8 +1,8 @@
 #include "Request.h"
 
 #include "UsageError.h"
-#include "runtime/Exceptions.h"
-#include "runtime/PropText.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/PropText.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controls/Mouse.h"
-#include "graphics/Color.h"
+#include "tavro/controls/Mouse.h"
+#include "tavro/graphics/Color.h"
 
 #include <optional>
 #include <string>

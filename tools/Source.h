@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controls/Control.h"
+#include "tavro/controls/Control.h"
 
 #include <memory>
 #include <string_view>

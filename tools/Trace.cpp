@@ -2,6 +2,7 @@
 
 #include "Edits.h"
 #include "Output.h"
+#include "tavro/runtime/Props.h"
 
 namespace Vz::Tool {
 

@@ -1,8 +1,8 @@
 #include "Commands.h"
 #include "Output.h"
 #include "UsageError.h"
-#include "package/Package.h"
-#include "runtime/Exceptions.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,8 +1,8 @@
 // A picture without a window and without Qt: an altimeter, drawn at twice its size.
 
-#include "controls/HeadlessHost.h"
-#include "instruments/round/CircularAltimeter.h"
-#include "runtime/AtomicFile.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/instruments/round/CircularAltimeter.h"
+#include "tavro/runtime/AtomicFile.h"
 
 #include <cstdio>
 

@@ -2,7 +2,8 @@
 
 #include "hosts/qt/VzWidget.h"
 
-#include "runtime/FormatFloat.h"
+#include "tavro/runtime/FormatFloat.h"
+#include "tavro/runtime/Props.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

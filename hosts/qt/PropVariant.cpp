@@ -1,8 +1,8 @@
 #include "hosts/qt/PropVariant.h"
 
-#include "runtime/PropText.h"
-#include "runtime/Strings.h"
-#include "svg/Font.h"
+#include "tavro/runtime/PropText.h"
+#include "tavro/runtime/Strings.h"
+#include "tavro/svg/model/Font.h"
 
 #include <QColor>
 #include <QDateTime>

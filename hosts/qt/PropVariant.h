@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/PropAccess.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <QVariant>
 

@@ -1,6 +1,6 @@
 #include "hosts/qt/VzPictureWidget.h"
 
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/qt/VzWidget.h"
+#include <VzWidget.h>
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "hosts/qt/VzWidget.h"
 
-#include "controls/HeadlessHost.h"
-#include "graphics/Bitmap.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/graphics/Bitmap.h"
 #include "hosts/qt/Accessible.h"
 #include "hosts/qt/PropVariant.h"
 

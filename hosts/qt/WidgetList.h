@@ -8,7 +8,7 @@ class VzWidget;
 /// One of the typed widgets, for what offers them all: Designer, the gallery.
 struct TVzWidgetClass {
     const char* Name;   ///< "VzSpeedometer"; its header is of the same name, with ".h"
-    const char* Header; ///< of its component: "instruments/meters/Speedometer.h"
+    const char* Header; ///< of its component: "tavro/instruments/meters/Speedometer.h"
     const char* Folder; ///< the last one of Header, which tells the family: "meters"
 
     /// Makes one with a fresh component, owned by the parent if there is one.

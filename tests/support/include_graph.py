@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Reads the include graph of the sources: no cycle, no floor looks up, libraries stay where they belong.
+"""Reads the include graph of the sources: no cycle, no room looks up, libraries stay where they belong, and what
+is installed is what a door needs.
 
   include_graph.py ROOT
 """
@@ -7,14 +8,23 @@ import os
 import re
 import sys
 
-# Lowest first; hosts, tools and examples stand side by side on top.
-FLOORS = ['runtime', 'graphics', 'controls', 'svg', 'instruments', 'package']
+# The rooms of the library, lowest first; a floor's own folder is a room, too. A room includes from itself and from
+# those before it. The doors stand at the top of tavro/; hosts, tools and examples side by side above them.
+ROOMS = ['runtime',
+         'graphics', 'graphics/raster', 'graphics/vector', 'graphics/text',
+         'controls',
+         'svg/values', 'svg/css', 'svg/model', 'svg/text', 'svg/filter', 'svg/paint', 'svg',
+         'instruments', 'instruments/round', 'instruments/meters', 'instruments/clocks', 'instruments/compass',
+         'instruments/switches', 'instruments/lights',
+         'package', '']
+# Rooms that stand side by side: neither includes from the other.
+BESIDE = [{'graphics/raster', 'graphics/text'}, {'graphics/vector', 'graphics/text'}, {'svg/text', 'svg/filter'}]
 TOPS = ['tools', 'hosts', 'examples']
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 # Library: where it may be included.
 LIBRARIES = [
-    (re.compile(r'^(cairo|pango|harfbuzz|hb|fontconfig|ft2build|freetype|agg)'), r'^graphics/[^/]+(\.cpp|Internal\.h)$'),
-    (re.compile(r'^expat'), r'^svg/[^/]+(\.cpp|Internal\.h)$'),
+    (re.compile(r'^(cairo|pango|harfbuzz|hb|fontconfig|ft2build|freetype|agg)'), r'^tavro/graphics/.*(\.cpp|Internal\.h)$'),
+    (re.compile(r'^expat'), r'^tavro/svg/.*(\.cpp|Internal\.h)$'),
     (re.compile(r'^(Q[A-Z]|Qt)'), r'^(hosts/qt|examples)/'),
 ]
 GENERATED = re.compile(r'^ui_\w+\.h$')  # by Qt's form compiler
@@ -24,7 +34,7 @@ MAX_DEPTH = 10
 def read_includes(root):
     """Every source of the product with the includes in it: (is quoted, name)."""
     graph = {}
-    for top in FLOORS + TOPS:
+    for top in ['tavro'] + TOPS:
         for folder, _, files in os.walk(os.path.join(root, top)):
             for file in files:
                 if file.endswith(('.h', '.cpp')):
@@ -41,13 +51,28 @@ def resolve(graph, source, name):
     return name if name in graph else beside if beside in graph else None
 
 
-def height(path):
-    top = path.split('/')[0]
-    return FLOORS.index(top) if top in FLOORS else len(FLOORS)
+def room_of(path):
+    """The room of a file of the library; None for others."""
+    folder = os.path.dirname(path)
+    return os.path.relpath(folder, 'tavro').replace('.', '') if folder.startswith('tavro') else None
+
+
+def floor_of(path):
+    return (room_of(path) or path).split('/')[0]
+
+
+def looks_up(source, target):
+    here, there = room_of(source), room_of(target)
+    if here is None or there is None:
+        return there is None and here is not None
+    return ROOMS.index(there) > ROOMS.index(here) or {here, there} in BESIDE
 
 
 def check_arrows(graph):
     for source, includes in graph.items():
+        if room_of(source) not in ROOMS + [None]:
+            yield f'{source}: stands in a room that the list of rooms does not name'
+            continue
         for quoted, name in includes:
             target = resolve(graph, source, name)
             if quoted and target is None and not GENERATED.match(name):
@@ -56,20 +81,34 @@ def check_arrows(graph):
                 for pattern, allowed in LIBRARIES:
                     if pattern.match(name) and not re.match(allowed, source):
                         yield f'{source}: <{name}> may not be included here'
-            elif height(target) > height(source):
-                yield f'{source}: looks up to {target}'
-            elif height(target) == len(FLOORS) and target.split('/')[0] != source.split('/')[0]:
+            elif looks_up(source, target):
+                yield f'{source}: looks up or sideways to {target}'
+            elif room_of(target) is None and target.split('/')[0] != source.split('/')[0]:
                 yield f'{source}: looks sideways to {target}'
-            elif target.endswith('Internal.h') and target.split('/')[0] != source.split('/')[0]:
+            elif target.endswith('Internal.h') and floor_of(target) != floor_of(source):
                 yield f'{source}: {target} is internal to its floor'
 
 
-def check_public_headers(graph):
-    for source, includes in graph.items():
-        if source.endswith('.h') and not source.endswith('Internal.h'):
-            for _, name in includes:
-                if name.endswith('Internal.h'):
-                    yield f'{source}: a public header includes {name}'
+def reach(graph, source):
+    """All files of the project that come along with a source."""
+    reached, pending = set(), [source]
+    while pending:
+        for _, name in graph[pending.pop()]:
+            target = resolve(graph, source, name)
+            if target and target not in reached:
+                reached.add(target)
+                pending.append(target)
+    return reached
+
+
+def check_doors(graph):
+    """What is installed is what tavro/Tavro.h brings along."""
+    reached = reach(graph, 'tavro/Tavro.h')
+    for source in graph:
+        if room_of(source) == '' and source not in reached | {'tavro/Tavro.h'}:
+            yield f'{source}: tavro/Tavro.h does not open it'
+        if source.endswith('Internal.h') and source in reached:
+            yield f'{source}: is internal, and a door brings it along'
 
 
 def check_cycles(graph):
@@ -102,9 +141,11 @@ def check_cycles(graph):
 def main():
     graph = read_includes(sys.argv[1])
     cycles, depth = check_cycles(graph)
-    faults = [*check_arrows(graph), *check_public_headers(graph), *cycles]
+    faults = [*check_arrows(graph), *check_doors(graph), *cycles]
     for fault in faults:
         print(fault)
+    doors = {path: len(reach(graph, path)) for path in graph if room_of(path) == '' and path.endswith('.h')}
+    print(', '.join(f'{os.path.basename(path)} brings {count}' for path, count in sorted(doors.items())))
     print(f'{len(graph)} files, {depth} levels deep, {len(faults)} faults')
     sys.exit(1 if faults or not graph else 0)
 

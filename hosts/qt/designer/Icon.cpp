@@ -1,8 +1,8 @@
 #include "hosts/qt/designer/Icon.h"
 
-#include "controls/Control.h"
+#include "tavro/controls/Control.h"
 #include "hosts/qt/VzWidget.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include <QDateTime>
 #include <QPixmap>

@@ -1,14 +1,14 @@
 #include "hosts/qt/gallery/Forms.h"
 
-#include "controls/Form.h"
-#include "controls/Picture.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/Picture.h"
 #include "hosts/qt/VzWidget.h"
 #include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/InstrumentCard.h"
-#include "runtime/AtomicFile.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/FormFile.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/VZSVGControl.h"
 
 #include <algorithm>
 #include <map>

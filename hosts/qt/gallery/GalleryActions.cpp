@@ -4,7 +4,7 @@
 #include "hosts/qt/gallery/CppText.h"
 #include "hosts/qt/gallery/GalleryWindow.h"
 #include "hosts/qt/gallery/Inspector.h"
-#include "runtime/FormFile.h"
+#include "tavro/runtime/FormFile.h"
 
 #include <QActionGroup>
 #include <QApplication>

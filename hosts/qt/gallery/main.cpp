@@ -6,7 +6,7 @@
 
 #include "hosts/qt/gallery/GalleryWindow.h"
 #include "hosts/qt/gallery/Stress.h"
-#include "package/Package.h"
+#include "tavro/package/Package.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -5,10 +5,10 @@
 // The names follow Qt's habits: Min is `minimum`, its signal minimumChanged, its slot setMinimum. A property
 // whose name a QWidget has already gets another one, from the table below.
 
-#include "package/Package.h"
-#include "runtime/AtomicFile.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/PropAccess.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -184,7 +184,7 @@ public:
     std::string Header() const {
         std::ostringstream out;
         out << "// Made from the property table of " << FClass << " while the library is built.\n"
-            << "#pragma once\n\n#include \"hosts/qt/" << BaseOf(FClass) << ".h\"\n\n"
+            << "#pragma once\n\n#include <" << BaseOf(FClass) << ".h>\n\n"
             << "#include <QColor>\n#include <QDateTime>\n#include <QFont>\n#include <QString>\n#include "
                "<QStringList>\n\n"
             << "namespace Vz {\nclass " << FClass << ";\n}\n\n"

@@ -1,6 +1,6 @@
-#include "controls/HeadlessHost.h"
-#include "instruments/meters/Vz.Tavro.Speedometers.h"
-#include "runtime/AtomicFile.h"
+#include <tavro/controls/HeadlessHost.h>
+#include <tavro/Vz.Tavro.Speedometers.h>
+#include <tavro/runtime/AtomicFile.h>
 
 int main(int count, char** arguments) {
     const auto speedometer = Vz::TVZSpeedometer::Create();

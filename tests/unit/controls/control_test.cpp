@@ -1,12 +1,13 @@
-#include "controls/Control.h"
+#include "tavro/controls/Control.h"
 
-#include "controls/ClipScope.h"
-#include "controls/Form.h"
-#include "controls/GraphicControl.h"
-#include "controls/HeadlessHost.h"
-#include "controls/Palette.h"
-#include "graphics/Canvas.h"
-#include "runtime/Exceptions.h"
+#include "tavro/controls/ClipScope.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/GraphicControl.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/controls/Palette.h"
+#include "tavro/graphics/Canvas.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Props.h"
 
 #include <gtest/gtest.h>
 

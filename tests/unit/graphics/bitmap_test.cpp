@@ -1,7 +1,7 @@
-#include "graphics/Bitmap.h"
+#include "tavro/graphics/Bitmap.h"
 
-#include "graphics/Canvas.h"
-#include "runtime/Exceptions.h"
+#include "tavro/graphics/Canvas.h"
+#include "tavro/runtime/Exceptions.h"
 #include "tests/support/Costs.h"
 
 #include <algorithm>

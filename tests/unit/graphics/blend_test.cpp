@@ -1,4 +1,4 @@
-#include "graphics/BlendModesInternal.h"
+#include "tavro/graphics/raster/BlendModesInternal.h"
 
 #include <gtest/gtest.h>
 

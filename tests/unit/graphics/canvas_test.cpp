@@ -1,8 +1,8 @@
-#include "graphics/Canvas.h"
+#include "tavro/graphics/Canvas.h"
 
-#include "graphics/Bitmap.h"
-#include "graphics/RasterDevice.h"
-#include "graphics/VectorDevice.h"
+#include "tavro/graphics/Bitmap.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/vector/Device.h"
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,5 +1,5 @@
-#include "graphics/CoverageInternal.h"
-#include "graphics/RowOpsInternal.h"
+#include "tavro/graphics/raster/CoverageInternal.h"
+#include "tavro/graphics/raster/RowOpsInternal.h"
 
 #include <gtest/gtest.h>
 

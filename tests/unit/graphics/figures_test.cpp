@@ -1,6 +1,6 @@
-#include "graphics/Figures.h"
+#include "tavro/graphics/Figures.h"
 
-#include "graphics/PathData.h"
+#include "tavro/graphics/PathData.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "graphics/Geometry.h"
+#include "tavro/graphics/Geometry.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "graphics/PaintSourceInternal.h"
-#include "graphics/RasterDevice.h"
+#include "tavro/graphics/raster/PaintSourceInternal.h"
+#include "tavro/graphics/raster/Device.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "graphics/PathData.h"
+#include "tavro/graphics/PathData.h"
 
-#include "graphics/NumberText.h"
-#include "graphics/Transform.h"
-#include "runtime/Exceptions.h"
+#include "tavro/graphics/NumberText.h"
+#include "tavro/graphics/Transform.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <bit>
 #include <cmath>

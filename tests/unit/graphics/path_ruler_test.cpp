@@ -1,6 +1,6 @@
-#include "graphics/PathRuler.h"
+#include "tavro/graphics/PathRuler.h"
 
-#include "graphics/PathData.h"
+#include "tavro/graphics/PathData.h"
 
 #include <gtest/gtest.h>
 

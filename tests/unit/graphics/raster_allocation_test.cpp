@@ -1,4 +1,4 @@
-#include "graphics/RasterDevice.h"
+#include "tavro/graphics/raster/Device.h"
 #include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>

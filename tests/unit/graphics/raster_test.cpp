@@ -1,6 +1,6 @@
-#include "graphics/RasterDevice.h"
-#include "graphics/LayerPair.h"
-#include "graphics/RowOpsInternal.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/raster/LayerPair.h"
+#include "tavro/graphics/raster/RowOpsInternal.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "graphics/Region.h"
+#include "tavro/graphics/Region.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "graphics/RowOpsInternal.h"
+#include "tavro/graphics/raster/RowOpsInternal.h"
 
 #include <gtest/gtest.h>
 

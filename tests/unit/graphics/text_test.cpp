@@ -1,6 +1,6 @@
-#include "graphics/Text.h"
+#include "tavro/graphics/text/Outlines.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include "tests/support/Environment.h"
 

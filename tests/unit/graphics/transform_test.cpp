@@ -1,7 +1,7 @@
-#include "graphics/Transform.h"
+#include "tavro/graphics/Transform.h"
 
-#include "graphics/PathData.h"
-#include "runtime/Exceptions.h"
+#include "tavro/graphics/PathData.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,8 +1,8 @@
-#include "graphics/VectorDevice.h"
+#include "tavro/graphics/vector/Device.h"
 
-#include "graphics/PathData.h"
-#include "graphics/RasterDevice.h"
-#include "runtime/Exceptions.h"
+#include "tavro/graphics/PathData.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <algorithm>
 #include <cmath>

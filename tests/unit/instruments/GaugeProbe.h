@@ -1,11 +1,11 @@
 #pragma once
 
-#include "instruments/CircularGaugeProps.h"
-#include "instruments/clocks/Vz.Tavro.Clocks.h"
-#include "instruments/meters/Vz.Tavro.Speedometers.h"
-#include "instruments/round/Vz.Tavro.Altimeters.h"
-#include "instruments/round/Vz.Tavro.Barometers.h"
-#include "instruments/round/Vz.Tavro.FuelGauges.h"
+#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/Vz.Tavro.Clocks.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/Vz.Tavro.Altimeters.h"
+#include "tavro/Vz.Tavro.Barometers.h"
+#include "tavro/Vz.Tavro.FuelGauges.h"
 
 #include <cmath>
 #include <limits>

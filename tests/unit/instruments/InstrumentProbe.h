@@ -1,7 +1,7 @@
 #pragma once
 
-#include "instruments/Instrument.h"
-#include "instruments/InstrumentProps.h"
+#include "tavro/instruments/Instrument.h"
+#include "tavro/instruments/InstrumentProps.h"
 
 #include <functional>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "graphics/Color.h"
+#include "tavro/graphics/Color.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
-#include "instruments/ArtworkCheck.h"
+#include "tavro/instruments/ArtworkCheck.h"
 
 #include "InstrumentProbe.h"
-#include "instruments/meters/Vz.Tavro.Speedometers.h"
-#include "package/Package.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/Exceptions.h"
-#include "runtime/Resources.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Resources.h"
 
 #include <gtest/gtest.h>
 

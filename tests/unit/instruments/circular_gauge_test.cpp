@@ -1,4 +1,4 @@
-#include "instruments/CircularGauge.h"
+#include "tavro/instruments/CircularGauge.h"
 
 #include "GaugeProbe.h"
 #include "tests/support/Allocations.h"

@@ -1,4 +1,4 @@
-#include "instruments/ColorFunctions.h"
+#include "tavro/instruments/ColorFunctions.h"
 
 #include "InstrumentProbe.h"
 

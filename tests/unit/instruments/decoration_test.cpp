@@ -1,7 +1,7 @@
-#include "instruments/Decoration.h"
+#include "tavro/instruments/Decoration.h"
 
 #include "InstrumentProbe.h"
-#include "controls/HeadlessHost.h"
+#include "tavro/controls/HeadlessHost.h"
 
 #include <gtest/gtest.h>
 

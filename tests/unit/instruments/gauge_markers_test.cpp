@@ -1,8 +1,8 @@
 #include "GaugeProbe.h"
-#include "controls/HeadlessHost.h"
-#include "runtime/Exceptions.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <gtest/gtest.h>
 

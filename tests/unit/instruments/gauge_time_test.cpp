@@ -1,10 +1,10 @@
 // Times and days that clocks and calendars are given.
 
 #include "GaugeProbe.h"
-#include "package/Package.h"
-#include "runtime/Exceptions.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "GaugeProbe.h"
-#include "package/Package.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <gtest/gtest.h>
 

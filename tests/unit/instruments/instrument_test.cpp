@@ -1,8 +1,8 @@
-#include "instruments/Instrument.h"
+#include "tavro/instruments/Instrument.h"
 
 #include "InstrumentProbe.h"
-#include "controls/HeadlessHost.h"
-#include "runtime/PropAccess.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // What each setting tells, and in which order: a repaint asked for is an i, a change of the main value a c.
 
-#include "package/Package.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/PropAccess.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include "GaugeProbe.h"
 

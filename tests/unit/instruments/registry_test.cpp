@@ -1,15 +1,15 @@
 // What holds for every published property of every registered class.
 
-#include "controls/HeadlessHost.h"
-#include "package/Package.h"
-#include "runtime/AtomicFile.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/Exceptions.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
-#include "runtime/PropText.h"
-#include "runtime/Strings.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/PropText.h"
+#include "tavro/runtime/Strings.h"
+#include "tavro/VZSVGControl.h"
 
 #include "tests/support/Environment.h"
 

@@ -1,9 +1,9 @@
-#include "instruments/meters/Vz.Tavro.Speedometers.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
 
 #include "SpeedometerProbe.h"
-#include "package/Package.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
 #include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>

@@ -1,14 +1,14 @@
 // Random settings, good and bad, one after another, on every registered class: nothing may crash, a value
 // that is refused stays as it was, and the picture, its document and its form stay whole.
 
-#include "controls/HeadlessHost.h"
-#include "package/Package.h"
-#include "runtime/ClassRegistry.h"
-#include "runtime/Exceptions.h"
-#include "runtime/FormFile.h"
-#include "runtime/PropAccess.h"
-#include "runtime/PropText.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/PropText.h"
+#include "tavro/VZSVGControl.h"
 
 #include <gtest/gtest.h>
 

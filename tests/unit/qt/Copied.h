@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controls/Control.h"
-#include "runtime/PropAccess.h"
+#include "tavro/controls/Control.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <QJsonObject>
 #include <QWidget>

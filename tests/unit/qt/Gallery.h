@@ -4,7 +4,7 @@
 #include "hosts/qt/gallery/GalleryWindow.h"
 #include "hosts/qt/gallery/Inspector.h"
 #include "hosts/qt/gallery/PropertyRow.h"
-#include "package/Package.h"
+#include "tavro/package/Package.h"
 
 #include <QApplication>
 #include <QFile>

@@ -2,7 +2,7 @@
 // as it was in the gallery.
 
 #include "hosts/qt/VzWidget.h"
-#include "package/Package.h"
+#include "tavro/package/Package.h"
 #include "tests/support/Environment.h"
 #include "tests/unit/qt/Copied.h"
 

@@ -4,7 +4,7 @@
 #include "hosts/qt/VzWidget.h"
 #include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/CppText.h"
-#include "package/Package.h"
+#include "tavro/package/Package.h"
 #include "tests/unit/qt/Copied.h"
 
 #include <QColor>

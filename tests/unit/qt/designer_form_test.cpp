@@ -5,7 +5,7 @@
 #include "ui_after.h"
 #include "ui_all.h"
 
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include <QFile>
 #include <QMetaProperty>

@@ -7,8 +7,8 @@
 #include "hosts/qt/gallery/GalleryWindow.h"
 #include "hosts/qt/gallery/Inspector.h"
 #include "hosts/qt/gallery/PropertyRow.h"
-#include "package/Package.h"
-#include "runtime/Exceptions.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/Exceptions.h"
 #include "tests/unit/qt/Gallery.h"
 
 #include <QApplication>

@@ -6,14 +6,14 @@
 #include "VzSVGControl.h"
 #include "VzSpeedometer.h"
 
-#include "controls/Form.h"
-#include "controls/HeadlessHost.h"
-#include "graphics/Bitmap.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/graphics/Bitmap.h"
 #include "hosts/qt/WidgetList.h"
-#include "instruments/clocks/Vz.Tavro.Clocks.h"
-#include "instruments/meters/Vz.Tavro.Speedometers.h"
-#include "package/Package.h"
-#include "runtime/ClassRegistry.h"
+#include "tavro/Vz.Tavro.Clocks.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/ClassRegistry.h"
 
 #include <QAccessible>
 #include <QApplication>

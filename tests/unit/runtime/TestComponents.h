@@ -1,10 +1,10 @@
 #pragma once
 
-#include "runtime/ClassRegistry.h"
-#include "runtime/Component.h"
-#include "runtime/DateTime.h"
-#include "runtime/Exceptions.h"
-#include "runtime/Strings.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Component.h"
+#include "tavro/runtime/DateTime.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Strings.h"
 
 #include <array>
 #include <cmath>

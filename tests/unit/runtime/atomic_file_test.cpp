@@ -1,6 +1,6 @@
-#include "runtime/AtomicFile.h"
+#include "tavro/runtime/AtomicFile.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
-#include "runtime/ClassRegistry.h"
+#include "tavro/runtime/ClassRegistry.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Props.h"
 #include "tests/unit/runtime/TestComponents.h"
 
 #include <gtest/gtest.h>

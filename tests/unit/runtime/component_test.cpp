@@ -1,7 +1,7 @@
-#include "runtime/Component.h"
+#include "tavro/runtime/Component.h"
 
-#include "runtime/Exceptions.h"
-#include "runtime/Updates.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Updates.h"
 
 #include <gtest/gtest.h>
 

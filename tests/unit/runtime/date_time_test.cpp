@@ -1,6 +1,6 @@
-#include "runtime/DateTime.h"
+#include "tavro/runtime/DateTime.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "runtime/FormFile.h"
+#include "tavro/runtime/FormFile.h"
 
-#include "runtime/AtomicFile.h"
-#include "runtime/PropAccess.h"
-#include "runtime/PropText.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/PropText.h"
 #include "tests/unit/runtime/TestComponents.h"
 
 #include <gtest/gtest.h>

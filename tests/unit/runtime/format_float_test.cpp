@@ -1,6 +1,6 @@
-#include "runtime/FormatFloat.h"
+#include "tavro/runtime/FormatFloat.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

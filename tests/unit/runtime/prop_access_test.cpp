@@ -1,4 +1,4 @@
-#include "runtime/PropAccess.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include "tests/unit/runtime/TestComponents.h"
 

@@ -1,6 +1,7 @@
-#include "runtime/PropText.h"
+#include "tavro/runtime/PropText.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Props.h"
 #include "tests/unit/runtime/TestComponents.h"
 
 #include <gtest/gtest.h>

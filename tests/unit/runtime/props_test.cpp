@@ -1,10 +1,11 @@
-#include "runtime/Props.h"
+#include "tavro/runtime/Props.h"
 
+#include "tavro/runtime/ComponentProps.h"
 #include "tests/unit/runtime/TestComponents.h"
 
 #include <gtest/gtest.h>
 
-#include "runtime/PropAccess.h"
+#include "tavro/runtime/PropAccess.h"
 
 using namespace Vz;
 

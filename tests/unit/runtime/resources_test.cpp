@@ -1,6 +1,6 @@
-#include "runtime/Resources.h"
+#include "tavro/runtime/Resources.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

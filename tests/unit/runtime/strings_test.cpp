@@ -1,6 +1,6 @@
-#include "runtime/Strings.h"
+#include "tavro/runtime/Strings.h"
 
-#include "runtime/Exceptions.h"
+#include "tavro/runtime/Exceptions.h"
 
 #include <gtest/gtest.h>
 

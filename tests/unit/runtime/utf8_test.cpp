@@ -1,4 +1,4 @@
-#include "runtime/Utf8.h"
+#include "tavro/runtime/Utf8.h"
 
 #include <gtest/gtest.h>
 

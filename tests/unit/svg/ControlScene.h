@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controls/HeadlessHost.h"
-#include "svg/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/VZSVGControl.h"
 
 #include <algorithm>
 #include <cstdint>

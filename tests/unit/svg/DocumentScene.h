@@ -1,9 +1,9 @@
 #pragma once
 
-#include "svg/Document.h"
-#include "svg/Servers.h"
-#include "svg/Shapes.h"
-#include "svg/TextElements.h"
+#include "tavro/svg/model/Document.h"
+#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Shapes.h"
+#include "tavro/svg/model/TextElements.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "svg/Element.h"
+#include "tavro/svg/model/Element.h"
 
 #include "DocumentScene.h"
 

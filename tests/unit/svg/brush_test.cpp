@@ -1,7 +1,7 @@
-#include "svg/Element.h"
+#include "tavro/svg/model/Element.h"
 
 #include "DocumentScene.h"
-#include "svg/Servers.h"
+#include "tavro/svg/model/Servers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "svg/ColorText.h"
+#include "tavro/svg/css/ColorText.h"
 
 #include <gtest/gtest.h>
 

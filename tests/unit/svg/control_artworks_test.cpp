@@ -1,9 +1,9 @@
 // The control with the instruments' own artworks: what the small dial shows must hold for them, too.
 
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include "ControlScene.h"
-#include "runtime/Resources.h"
+#include "tavro/runtime/Resources.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include "ControlScene.h"
-#include "controls/Form.h"
-#include "graphics/RasterDevice.h"
-#include "svg/Servers.h"
-#include "svg/Shapes.h"
+#include "tavro/controls/Form.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Shapes.h"
 #include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // What a control paints, against the same steps taken by hand.
 
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include "ControlScene.h"
-#include "runtime/Rounding.h"
+#include "tavro/runtime/Rounding.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,12 @@
-#include "svg/VZSVGControl.h"
+#include "tavro/VZSVGControl.h"
 
 #include "ControlScene.h"
-#include "controls/Form.h"
-#include "controls/Palette.h"
-#include "graphics/RasterDevice.h"
-#include "graphics/VectorDevice.h"
-#include "runtime/Resources.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/Palette.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/vector/Device.h"
+#include "tavro/runtime/Props.h"
+#include "tavro/runtime/Resources.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "svg/Document.h"
+#include "tavro/svg/model/Document.h"
 
 #include "DocumentScene.h"
 

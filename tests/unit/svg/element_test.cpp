@@ -1,7 +1,7 @@
-#include "svg/Element.h"
+#include "tavro/svg/model/Element.h"
 
 #include "DocumentScene.h"
-#include "svg/Font.h"
+#include "tavro/svg/model/Font.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "graphics/RasterDevice.h"
-#include "graphics/VectorDevice.h"
-#include "svg/Document.h"
+#include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/vector/Device.h"
+#include "tavro/svg/model/Document.h"
 
 #include <gtest/gtest.h>
 

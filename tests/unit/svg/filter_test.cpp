@@ -1,5 +1,5 @@
-#include "svg/FilterListInternal.h"
-#include "svg/FilterOpsInternal.h"
+#include "tavro/svg/filter/ListInternal.h"
+#include "tavro/svg/filter/OpsInternal.h"
 
 #include <gtest/gtest.h>
 

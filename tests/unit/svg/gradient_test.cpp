@@ -1,4 +1,4 @@
-#include "svg/Servers.h"
+#include "tavro/svg/model/Servers.h"
 
 #include "DocumentScene.h"
 

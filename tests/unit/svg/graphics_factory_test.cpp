@@ -1,8 +1,8 @@
-#include "svg/VZSVGGraphics.h"
+#include "tavro/svg/GraphicsFactory.h"
 
-#include "runtime/Exceptions.h"
-#include "svg/Document.h"
-#include "svg/Shapes.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/svg/model/Document.h"
+#include "tavro/svg/model/Shapes.h"
 
 #include <gtest/gtest.h>
 

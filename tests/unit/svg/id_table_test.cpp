@@ -1,6 +1,6 @@
-#include "svg/IdTable.h"
+#include "tavro/svg/model/IdTable.h"
 
-#include "svg/Document.h"
+#include "tavro/svg/model/Document.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "svg/Document.h"
+#include "tavro/svg/model/Document.h"
 
 #include "DocumentScene.h"
-#include "graphics/VectorDevice.h"
+#include "tavro/graphics/vector/Device.h"
 
 #include <gtest/gtest.h>
 

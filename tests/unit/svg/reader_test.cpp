@@ -1,4 +1,4 @@
-#include "svg/Reader.h"
+#include "tavro/svg/model/Reader.h"
 
 #include "DocumentScene.h"
 

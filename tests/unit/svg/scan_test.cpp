@@ -1,4 +1,4 @@
-#include "svg/Scan.h"
+#include "tavro/svg/values/Scan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "svg/Structure.h"
+#include "tavro/svg/model/Structure.h"
 
 #include "DocumentScene.h"
 

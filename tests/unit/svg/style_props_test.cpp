@@ -1,4 +1,4 @@
-#include "svg/StyleProps.h"
+#include "tavro/svg/css/StyleProps.h"
 #include "tests/support/Costs.h"
 
 #include <gtest/gtest.h>

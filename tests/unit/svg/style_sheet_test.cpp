@@ -1,4 +1,4 @@
-#include "svg/StyleSheet.h"
+#include "tavro/svg/css/StyleSheet.h"
 #include "tests/support/Costs.h"
 
 #include <gtest/gtest.h>

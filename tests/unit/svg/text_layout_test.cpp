@@ -1,6 +1,6 @@
-#include "svg/TextLayout.h"
+#include "tavro/svg/text/Layout.h"
 
-#include "svg/Document.h"
+#include "tavro/svg/model/Document.h"
 
 #include <gtest/gtest.h>
 

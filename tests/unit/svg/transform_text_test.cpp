@@ -1,6 +1,6 @@
-#include "svg/TransformText.h"
+#include "tavro/svg/values/TransformText.h"
 
-#include "svg/Scan.h"
+#include "tavro/svg/values/Scan.h"
 
 #include <gtest/gtest.h>
 

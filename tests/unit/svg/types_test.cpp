@@ -1,4 +1,4 @@
-#include "svg/Types.h"
+#include "tavro/svg/values/Types.h"
 
 #include <gtest/gtest.h>
 

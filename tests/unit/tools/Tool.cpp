@@ -1,6 +1,6 @@
 #include "Tool.h"
 
-#include "runtime/AtomicFile.h"
+#include "tavro/runtime/AtomicFile.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

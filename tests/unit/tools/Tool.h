@@ -1,6 +1,6 @@
 #pragma once
 
-#include "graphics/Bitmap.h"
+#include "tavro/graphics/Bitmap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // `tavro check`: an artwork against what its class looks for.
 
 #include "Tool.h"
-#include "runtime/Resources.h"
+#include "tavro/runtime/Resources.h"
 
 #include <gmock/gmock.h>
 

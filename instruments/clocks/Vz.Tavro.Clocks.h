@@ -1,6 +1,0 @@
-#pragma once
-
-// The unit of the clocks and calendars.
-
-#include "instruments/round/AnalogCalendar.h"
-#include "instruments/round/CircularClock.h"

@@ -1,5 +1,0 @@
-#pragma once
-
-// The unit of the altimeters.
-
-#include "instruments/round/CircularAltimeter.h"

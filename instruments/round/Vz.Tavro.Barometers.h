@@ -1,5 +1,0 @@
-#pragma once
-
-// The unit of the barometers.
-
-#include "instruments/round/CircularBarometer.h"

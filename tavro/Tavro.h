@@ -1,0 +1,20 @@
+#pragma once
+
+// Opens everything: all instruments, the SVG control, hosts, form files, PDF and SVG output, the list of
+// classes.
+
+#include "tavro/VZSVGControl.h"
+#include "tavro/VZSVGGraphics.h"
+#include "tavro/Vz.Tavro.Altimeters.h"
+#include "tavro/Vz.Tavro.Barometers.h"
+#include "tavro/Vz.Tavro.Clocks.h"
+#include "tavro/Vz.Tavro.FuelGauges.h"
+#include "tavro/Vz.Tavro.Instruments.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/graphics/vector/Device.h"
+#include "tavro/package/Package.h"
+#include "tavro/runtime/AtomicFile.h"
+#include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/FormFile.h"

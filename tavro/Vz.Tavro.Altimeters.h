@@ -1,0 +1,5 @@
+#pragma once
+
+// Opens the altimeters: TVZCircularAltimeter.
+
+#include "tavro/instruments/round/CircularAltimeter.h"

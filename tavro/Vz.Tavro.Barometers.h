@@ -1,0 +1,5 @@
+#pragma once
+
+// Opens the barometers: TVZCircularBarometer.
+
+#include "tavro/instruments/round/CircularBarometer.h"

@@ -1,0 +1,34 @@
+#include "tavro/controls/GraphicControl.h"
+
+#include "tavro/runtime/Props.h"
+
+#include <array>
+
+namespace Vz {
+
+void TVZCustomTransparentGraphicControl::Paint(TVZGPCanvas& canvas) {
+    DoPainting(canvas);
+    DoPaint(canvas);
+    DoPainted(canvas);
+}
+
+void TVZCustomTransparentGraphicControl::DoPainting(TVZGPCanvas& canvas) {
+    Raise(FOnPainting, *this, canvas);
+}
+
+void TVZCustomTransparentGraphicControl::DoPainted(TVZGPCanvas& canvas) { Raise(FOnPainted, *this, canvas); }
+
+std::span<const TProp> TVZCustomTransparentGraphicControl::GetCommonEvents() const {
+    using T = TVZCustomTransparentGraphicControl;
+    static const auto rows = [this] {
+        std::vector<TProp> all;
+        for (const TProp& row : TControl::GetCommonEvents())
+            all.push_back(row);
+        all.push_back(EventProp<&T::SetOnPainting>("OnPainting"));
+        all.push_back(EventProp<&T::SetOnPainted>("OnPainted"));
+        return all;
+    }();
+    return rows;
+}
+
+} // namespace Vz

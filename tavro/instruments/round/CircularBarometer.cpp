@@ -1,0 +1,13 @@
+#include "tavro/instruments/round/CircularBarometer.h"
+
+#include "tavro/instruments/CircularGaugeProps.h"
+
+namespace Vz {
+
+std::span<const TProp> TVZCircularBarometer::GetPropTable() const {
+    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularBarometer, Setup>);
+    static_assert(NamesAreUnique(Rows));
+    return Rows;
+}
+
+} // namespace Vz

@@ -1,0 +1,13 @@
+#include "tavro/instruments/round/CircularFuelGauge.h"
+
+#include "tavro/instruments/CircularGaugeProps.h"
+
+namespace Vz {
+
+std::span<const TProp> TVZCircularFuelGauge::GetPropTable() const {
+    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularFuelGauge, Setup>);
+    static_assert(NamesAreUnique(Rows));
+    return Rows;
+}
+
+} // namespace Vz

@@ -1,0 +1,13 @@
+#include "tavro/instruments/round/CircularSpeedometer.h"
+
+#include "tavro/instruments/CircularGaugeProps.h"
+
+namespace Vz {
+
+std::span<const TProp> TVZCircularSpeedometer::GetPropTable() const {
+    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularSpeedometer, Setup>);
+    static_assert(NamesAreUnique(Rows));
+    return Rows;
+}
+
+} // namespace Vz

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "tavro/graphics/Canvas.h"
+#include "tavro/runtime/Exceptions.h"
+#include "tavro/svg/model/DrawingEvents.h"
+#include "tavro/svg/model/Structure.h"
+
+#include <functional>
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Vz {
+
+enum class TPaintPass;
+
+/// A note of something in a document that was skipped.
+struct TSVGDiagnostic {
+    int Line = 0; ///< 1 first; 0: no place
+    int Column = 0;
+    std::string Text;
+};
+
+/// A live SVG document: the outermost svg element, which owns all elements, finds them by their ids, is read
+/// and written, fitted, drawn and asked what lies at a point. All edits of the picture are edits of its
+/// elements.
+class TSVGDocument final : public TSVGViewElement {
+public:
+    /// The deepest nesting of elements that is read; below it elements are skipped with a diagnostic.
+    static constexpr int MaxDepth = 512;
+    /// The largest text that is read, in bytes.
+    static constexpr std::size_t MaxTextSize = std::size_t{64} << 20;
+
+    /// An empty document.
+    TSVGDocument();
+    ~TSVGDocument() override;
+
+    // Content.
+
+    /// Replaces the content by that of an SVG text. `source` names it in errors. A text that is not
+    /// well-formed XML or has no svg root raises EReadError with line and column, and the content stays.
+    /// Saved colours, opacity and the alignments of the document itself stay, too.
+    void LoadFromText(std::string_view text, std::string_view source = "SVG");
+    void LoadFromStream(std::istream& stream, std::string_view source = "SVG");
+    void LoadFromFile(const std::string& path);
+    /// The deepest nesting of documents in documents, by data URI, that is read.
+    static constexpr int MaxEmbedding = 4;
+    int GetEmbeddingDepth() const { return FEmbeddingDepth; }
+    /// LoadFromText for a document that lies in another one, `depth` levels down.
+    void LoadEmbedded(std::string_view text, int depth);
+    /// Replaces the content by a copy of another document's.
+    void AssignContent(const TSVGDocument& source);
+    /// What the elements share with copies of the document lives from here on as long as the program, which
+    /// makes copies cheaper. For a document that itself lives as long, and is not edited any more.
+    void MakeSharedLasting();
+    /// The live document as SVG: ids kept, style properties as attributes, the same picture in other viewers.
+    /// For those that know no text on a path such text is followed, in a `switch`, by its outlines; these are
+    /// made anew whenever a document that has them is written again.
+    std::string WriteText() const;
+    void SaveToFile(const std::string& path) const;
+    /// What the last load skipped, at most 200 notes.
+    const std::vector<TSVGDiagnostic>& GetDiagnostics() const { return FDiagnostics; }
+
+    // Elements by id.
+
+    /// Null where there is none.
+    TSVGElement* FindElement(std::string_view id) const;
+    /// The element of that id as a T; null where there is none. Raises EInvalidCast where it is of another
+    /// class.
+    template <class T> T* Find(std::string_view id) const {
+        TSVGElement* const element = FindElement(id);
+        T* typed = nullptr;
+        if constexpr (std::is_same_v<T, TSVGGraphicElement>)
+            typed = element ? element->AsGraphic() : nullptr;
+        else
+            typed = dynamic_cast<T*>(element);
+        if (element && !typed) RaiseInvalidCast(id, *element);
+        return typed;
+    }
+
+    // Size and place.
+
+    /// The picture's natural size in pixels: what the file gives, else its view box's, else 100 by 100; each
+    /// side within 1e-6 to 1e6.
+    float GetWidth() const;
+    float GetHeight() const;
+    /// How FitToRect places the picture. Default xMidYMid.
+    TSVGPreserveAspectRatio& GetPreserveAspectRatio() { return FPlacement; }
+    /// How the view box is placed in the natural size where the file does not say. Default xMidYMid.
+    TSVGPreserveAspectRatio& GetViewPreserveAspectRatio() { return FViewPlacement; }
+    const TSVGPreserveAspectRatio& GetViewAspectRatio() const { return FViewPlacement; }
+    /// Places the picture into the rectangle; what GetDrawMatrix gives then maps natural pixels to it.
+    void FitToRect(const TRectF& rect);
+    const TAffine& GetDrawMatrix() const { return FDrawMatrix; }
+
+    // Drawing. `matrix` maps the natural picture to the canvas (GetDrawMatrix, or any).
+
+    void Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const;
+    void DrawElement(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    /// All that is painted before the element, or after it: with the element between them they make the
+    /// whole.
+    void DrawBefore(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    void DrawAfter(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
+    /// False where the three parts would not make the whole: an ancestor of the element is laid down as one
+    /// (opacity, mask, clip, filter, blending), another element blends with what lies under it, or the
+    /// element is drawn only through references.
+    bool CanDrawInParts(const TSVGGraphicElement& element) const;
+    /// Device pixels that DrawElement may touch.
+    TRectD GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const;
+    /// The topmost painted element at a point of the natural picture; null where there is none. What is drawn
+    /// through a use gives the use.
+    TSVGGraphicElement* ElementAt(TPointF point) const;
+
+    /// Asked before the document is drawn as a whole: `handled` comes as false; a handler that sets it drew
+    /// the picture itself, and the document draws nothing.
+    TSVGDrawingEvent OnDrawing;
+    /// Told after the document was drawn as a whole.
+    TSVGDrawnEvent OnDrawn;
+    /// Told once after each edit, or at the outermost EndUpdate, with the last change.
+    std::function<void(const TSVGChange& change)> OnChange;
+
+    /// Grows with every change that is not only one of place.
+    std::uint64_t GetEpoch() const { return FEpoch; }
+    /// Grows with every change.
+    std::uint64_t GetChangeCount() const { return FChangeCount; }
+    /// Grows with every element that comes or goes.
+    std::uint64_t GetStructureEpoch() const { return FStructureEpoch; }
+
+private:
+    friend class TSVGElement;
+    friend class TSVGReader;
+    [[noreturn]] static void RaiseInvalidCast(std::string_view id, const TSVGElement& element);
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void ChangeId(TSVGElement& element, std::string_view id);
+    void TakeId(TSVGElement& element);
+    bool DropId(TSVGElement& element);
+    void FindIdsAgain();
+    void Register(TSVGElement& root);
+    void Unregister(std::span<const std::unique_ptr<TSVGElement>> roots);
+    void Notify(const TSVGChange& change);
+    void DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
+                  const TSVGGraphicElement& element) const;
+    /// All elements with a blend mode of their own.
+    const std::vector<const TSVGElement*>& BlendingElements() const;
+    void AddDiagnostic(std::string text);
+    /// Replaces the content by elements that are made for this document, and the attributes by another one's.
+    void TakeContent(const TSVGDocument& other, std::vector<std::unique_ptr<TSVGElement>> children,
+                     TSVGIdTable ids);
+
+    TSVGIdTable FIds;
+    mutable std::size_t FCopySize = 0; ///< bytes that the elements of a copy take; 0: nobody knows
+    bool FDuplicateIds = false;
+    int FUpdateCount = 0;
+    bool FPending = false;
+    TSVGChange FPendingChange{};
+    std::uint64_t FEpoch = 1;
+    std::uint64_t FChangeCount = 1;
+    std::uint64_t FStructureEpoch = 1;
+    mutable std::vector<const TSVGElement*> FBlending; ///< of the epoch FBlendingEpoch
+    mutable std::uint64_t FBlendingEpoch = 0;
+    TSVGPreserveAspectRatio FPlacement;
+    TSVGPreserveAspectRatio FViewPlacement;
+    TAffine FDrawMatrix;
+    std::vector<TSVGDiagnostic> FDiagnostics;
+    int FEmbeddingDepth = 0;
+    /// Fills in the place while a text is being read; empty at other times.
+    std::function<void(TSVGDiagnostic& note)> FReadPlace;
+};
+
+} // namespace Vz

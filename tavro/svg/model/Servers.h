@@ -1,0 +1,143 @@
+#pragma once
+
+#include "tavro/graphics/PaintDevice.h"
+#include "tavro/svg/model/CopyOnWrite.h"
+#include "tavro/svg/model/Structure.h"
+
+#include <optional>
+
+namespace Vz {
+
+/// Units of what a paint server, clip path, mask or marker says.
+enum class TSVGUnits : std::uint8_t { UserSpaceOnUse, ObjectBoundingBox, StrokeWidth };
+
+/// One stop of a gradient.
+class TSVGGradientStop final : public TSVGElement {
+public:
+    explicit TSVGGradientStop(TSVGDocument& document)
+        : TSVGElement(document, TSVGTag::Stop) {}
+
+    /// The stop's brush; its colour is the stop's colour with its opacity as alpha.
+    TSVGBrush GetStopBrush() { return {*this, TSVGStyleProperty::StopColor, TSVGStyleProperty::StopOpacity}; }
+    /// The same colour after inheritance.
+    TVZGPColor GetStopColor() const;
+    /// 0..1, default 0; clamped.
+    float GetOffset() const { return FOffset; }
+    void SetOffset(float value);
+    /// A place where code keeps a colour beside the live one (0 at first).
+    TVZGPColor GetSavedColor() const { return FSavedColor; }
+    void SetSavedColor(TVZGPColor value) { FSavedColor = value; }
+
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    float FOffset = 0;
+    TVZGPColor FSavedColor = 0;
+};
+
+/// A linear or radial gradient: an ordered list of stops, its own or those of the gradient that it refers to.
+class TSVGCustomGradient : public TSVGElement {
+public:
+    /// The lengths by their names in SVG.
+    enum class TPart : std::uint8_t { X1, Y1, X2, Y2, CX, CY, R, FX, FY, FR, Count };
+
+    /// How many stops are its own.
+    std::size_t GetStopCount() const;
+    /// Its own stop, 0 first. Raises EArgumentOutOfRange.
+    TSVGGradientStop& GetStop(std::size_t index) const;
+
+    /// The gradient that lends what this one does not say; null where there is none.
+    const TSVGCustomGradient* GetTemplate() const;
+    /// A length that the gradient says itself; nothing where it leaves it to its template.
+    std::optional<TSVGLength> GetLength(TPart part) const;
+
+    /// The paint of a shape that has this box and length basis; nothing where the gradient paints nothing
+    /// (SVG 1.1, 13.2). A gradient of one stop is a colour. `opacity` 0..1 is multiplied in.
+    std::optional<TPaint> MakePaint(const TRectD& box, const TLengthBasis& basis, double opacity,
+                                    bool enabled) const;
+
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    using TSVGElement::TSVGElement;
+    void CopyFrom(const TSVGElement& source) override;
+    void MakeLasting() override;
+
+private:
+    std::vector<TRampStop> MakeStops(bool enabled) const;
+
+    /// What the gradient says itself, its stops apart.
+    struct TOwn {
+        std::string Reference;
+        std::optional<TSVGLength> Lengths[6];
+        std::optional<TSVGUnits> Units;
+        std::optional<TSpread> Spread;
+        std::optional<TAffine> Transform;
+    };
+    TCopyOnWrite<TOwn> FOwn;
+};
+
+class TSVGLinearGradient final : public TSVGCustomGradient {
+public:
+    explicit TSVGLinearGradient(TSVGDocument& document)
+        : TSVGCustomGradient(document, TSVGTag::LinearGradient) {}
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+};
+
+class TSVGRadialGradient final : public TSVGCustomGradient {
+public:
+    explicit TSVGRadialGradient(TSVGDocument& document)
+        : TSVGCustomGradient(document, TSVGTag::RadialGradient) {}
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+};
+
+/// A pattern, clipPath, mask, marker or filter: elements that others refer to, drawn only through them.
+class TSVGReferenced final : public TSVGViewElement {
+public:
+    TSVGReferenced(TSVGDocument& document, TSVGTag tag);
+
+    /// The element that lends what this pattern does not say.
+    const TSVGReferenced* GetTemplate() const;
+    /// patternUnits, maskUnits, clipPathUnits, markerUnits, filterUnits.
+    std::optional<TSVGUnits> GetUnits() const { return FUnits; }
+    /// patternContentUnits, maskContentUnits, primitiveUnits.
+    std::optional<TSVGUnits> GetContentUnits() const { return FContentUnits; }
+    const std::optional<TSVGLength>& GetOwnX() const { return FOwnX; }
+    const std::optional<TSVGLength>& GetOwnY() const { return FOwnY; }
+    /// refX, refY of a marker.
+    const TSVGLength& GetRefX() const { return FRefX; }
+    const TSVGLength& GetRefY() const { return FRefY; }
+    /// Of a marker: degrees; nothing: auto.
+    std::optional<double> GetOrient() const { return FOrient; }
+    bool GetOrientReverse() const { return FOrientReverse; }
+    /// patternTransform; nothing where the pattern does not say it.
+    const std::optional<TAffine>& GetPatternTransform() const { return FPatternTransform; }
+
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
+    void WriteAttributes(IAttributeSink& sink) const override;
+
+protected:
+    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
+    void CopyFrom(const TSVGElement& source) override;
+
+private:
+    std::string FReference;
+    std::optional<TSVGUnits> FUnits, FContentUnits;
+    std::optional<TSVGLength> FOwnX, FOwnY;
+    TSVGLength FRefX, FRefY;
+    std::optional<double> FOrient = 0.0;
+    bool FOrientReverse = false;
+    std::optional<TAffine> FPatternTransform;
+};
+
+} // namespace Vz

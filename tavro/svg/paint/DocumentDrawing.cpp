@@ -1,0 +1,198 @@
+#include "tavro/svg/paint/PainterInternal.h"
+
+#include "tavro/runtime/Events.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Vz {
+
+namespace {
+
+/// Takes the calls of a painting without painting: what derived devices want to know of it.
+class TProbeDevice : public IPaintDevice {
+public:
+    void PushLayer(const TLayerStyle&) override {}
+    void PopLayer() override {}
+    void PushMask(TMaskKind) override { ++FMasks; }
+    void PopMask() override { --FMasks; }
+    TRect GetClipBounds() const override {
+        constexpr int far = 1 << 30;
+        return {-far, -far, far, far};
+    }
+    bool IsVector() const override { return false; }
+
+protected:
+    /// True while what is drawn is no picture but a mask.
+    bool InMask() const { return FMasks > 0; }
+
+private:
+    int FMasks = 0;
+};
+
+/// Finds the box around everything that is painted, in device pixels.
+class TBoundsDevice final : public TProbeDevice {
+public:
+    TRectD Box;
+
+    void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override {
+        if (InMask() || (paint.Kind == TPaint::TKind::Solid && AlphaOf(paint.Color) == 0)) return;
+        thread_local TPolygons scratch;
+        TRectD box;
+        for (const TPointD& p : Flatten(shape, FlatteningScale(toDevice), scratch).Points) {
+            const TPointD at = toDevice(p);
+            box.Include(at.X, at.Y);
+        }
+        Add(box);
+    }
+    void DrawImage(const TPixels& image, const TAffine& toDevice, double, TInterpolation) override {
+        if (!InMask())
+            Add(toDevice(TRectD{0, 0, static_cast<double>(image.Width), static_cast<double>(image.Height)}));
+    }
+    void PushClip(std::span<const TClipShape> shapes) override {
+        TRectD box;
+        for (const TClipShape& clip : shapes)
+            box.Include(clip.Shape.Figures->Bounds(clip.Matrix));
+        FClips.push_back(FClips.empty() ? box : Intersection(FClips.back(), box));
+    }
+    void PopClip() override { FClips.pop_back(); }
+
+private:
+    void Add(const TRectD& box) { Box.Include(FClips.empty() ? box : Intersection(FClips.back(), box)); }
+
+    std::vector<TRectD> FClips;
+};
+
+/// Remembers the last element that painted a point.
+class THitDevice final : public TProbeDevice {
+public:
+    THitDevice(TPointD point)
+        : FPoint(point) {}
+    const TSVGPainter* Painter = nullptr;
+    const TSVGGraphicElement* Hit = nullptr;
+
+    void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override {
+        const bool clear = paint.Kind == TPaint::TKind::Solid && AlphaOf(paint.Color) == 0;
+        if (!InMask() && !clear && IsInside() && Covers(shape, toDevice)) Hit = Painter->GetCurrent();
+    }
+    void DrawImage(const TPixels& image, const TAffine& toDevice, double, TInterpolation) override {
+        const TPointD at = toDevice.Inverse()(FPoint);
+        if (!InMask() && IsInside() && at.X >= 0 && at.Y >= 0 && at.X < image.Width && at.Y < image.Height)
+            Hit = Painter->GetCurrent();
+    }
+    void PushClip(std::span<const TClipShape> shapes) override {
+        FInside.push_back(IsInside() && std::ranges::any_of(shapes, [this](const TClipShape& clip) {
+                              return Covers(clip.Shape, clip.Matrix);
+                          }));
+    }
+    void PopClip() override { FInside.pop_back(); }
+
+private:
+    bool IsInside() const { return FInside.empty() || FInside.back(); }
+    bool Covers(const TShape& shape, const TAffine& toDevice) const {
+        return toDevice.IsInvertible() &&
+               Contains(shape, toDevice.Inverse()(FPoint), FlatteningScale(toDevice));
+    }
+
+    TPointD FPoint;
+    std::vector<bool> FInside;
+};
+
+} // namespace
+
+namespace {
+
+/// True where the element itself sets one of the properties that make a layer to something that does.
+bool IsInForce(const TSVGElement& element, TSVGStyleProperty property) {
+    const TStyleValue* const value = element.GetStyle().Find(property);
+    if (!value || value->Kind == TStyleValue::TKind::NoPaint) return false;
+    return value->Kind != TStyleValue::TKind::Keyword ||
+           (value->Word != TKeyword::Normal && value->Word != TKeyword::Auto);
+}
+
+} // namespace
+
+void TSVGDocument::Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const {
+    auto& self = const_cast<TSVGDocument&>(*this);
+    const TMatrix shown = matrix.ToMatrix();
+    bool handled = false;
+    if (OnDrawing) OnDrawing(self, shown, canvas, rect, handled);
+    if (!handled)
+        TSVGPainter(*this, canvas.GetDevice())
+            .Paint(TPaintPass::Whole, nullptr, matrix.Then(canvas.ToDevice()));
+    if (OnDrawn) OnDrawn(self, shown, canvas, rect);
+}
+
+void TSVGDocument::DrawElement(TVZGPCanvas& canvas, const TAffine& matrix,
+                               const TSVGGraphicElement& element) const {
+    DrawPart(TPaintPass::Element, canvas, matrix, element);
+}
+
+void TSVGDocument::DrawBefore(TVZGPCanvas& canvas, const TAffine& matrix,
+                              const TSVGGraphicElement& element) const {
+    DrawPart(TPaintPass::Before, canvas, matrix, element);
+}
+
+void TSVGDocument::DrawAfter(TVZGPCanvas& canvas, const TAffine& matrix,
+                             const TSVGGraphicElement& element) const {
+    DrawPart(TPaintPass::After, canvas, matrix, element);
+}
+
+void TSVGDocument::DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
+                            const TSVGGraphicElement& element) const {
+    if (&element.GetDocument() == this)
+        TSVGPainter(*this, canvas.GetDevice()).Paint(pass, &element, matrix.Then(canvas.ToDevice()));
+}
+
+bool TSVGDocument::CanDrawInParts(const TSVGGraphicElement& element) const {
+    if (&element.GetDocument() != this || !element.GetParent()) return false;
+    // What blends with all that was painted before it cannot be painted on its own.
+    const auto blendsOutside = [&](const TSVGElement* blending) {
+        return blending != &element && !blending->HasAncestor(&element);
+    };
+    if (std::ranges::any_of(BlendingElements(), blendsOutside)) return false;
+    for (const TSVGElement* at = element.GetParent(); at; at = at->GetParent()) {
+        const TSVGGraphicElement* const group = at->AsGraphic();
+        const TSVGTag tag = at->GetTag();
+        const bool isContainer =
+            tag == TSVGTag::G || tag == TSVGTag::A || tag == TSVGTag::Switch || at == this;
+        if (!group || !isContainer || group->GetOpacity() < 1) return false;
+        // Only properties that the element sets itself make a layer: none of them is inherited.
+        for (const auto property :
+             {TSVGStyleProperty::ClipPath, TSVGStyleProperty::Mask, TSVGStyleProperty::Filter,
+              TSVGStyleProperty::MixBlendMode, TSVGStyleProperty::Isolation})
+            if (IsInForce(*at, property)) return false;
+    }
+    return true;
+}
+
+const std::vector<const TSVGElement*>& TSVGDocument::BlendingElements() const {
+    if (FBlendingEpoch == FEpoch) return FBlending;
+    FBlending.clear();
+    FBlendingEpoch = FEpoch;
+    const auto collect = [this](const TSVGElement& element, auto&& self) -> void {
+        if (IsInForce(element, TSVGStyleProperty::MixBlendMode)) FBlending.push_back(&element);
+        for (const auto& child : element.Children())
+            self(*child, self);
+    };
+    collect(*this, collect);
+    return FBlending;
+}
+
+TRectD TSVGDocument::GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const {
+    TBoundsDevice device;
+    if (&element.GetDocument() == this)
+        TSVGPainter(*this, device).Paint(TPaintPass::Element, &element, toDevice);
+    return device.Box;
+}
+
+TSVGGraphicElement* TSVGDocument::ElementAt(TPointF point) const {
+    THitDevice device({point.X, point.Y});
+    TSVGPainter painter(*this, device);
+    device.Painter = &painter;
+    painter.Paint(TPaintPass::Whole, nullptr, {});
+    return const_cast<TSVGGraphicElement*>(device.Hit);
+}
+
+} // namespace Vz
