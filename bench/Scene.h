@@ -2,8 +2,8 @@
 
 #include "Timing.h"
 
-#include "tavro/controls/HeadlessHost.h"
 #include "tavro/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
 
 #include <fstream>
 #include <numbers>

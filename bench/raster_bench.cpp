@@ -251,7 +251,8 @@ void Needle(benchmark::State& state, bool whole) {
             if (whole)
                 std::memcpy(scene.Frame.Pixels.Data, scene.Before.Pixels.Data, scene.Frame.Store.size() * 4);
             else
-                PaintFloor(scene.Frame, scene.Stale[std::size_t(i)], {&scene.Before, &scene.Element, &scene.After});
+                PaintFloor(scene.Frame, scene.Stale[std::size_t(i)],
+                           {&scene.Before, &scene.Element, &scene.After});
             benchmark::ClobberMemory();
         });
         measured.Frame.Sweep([&](int i) { PaintFrame(scene, i, region, whole); });

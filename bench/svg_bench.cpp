@@ -7,10 +7,10 @@
 #include "Scene.h"
 #include "Timing.h"
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/Form.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/graphics/raster/Device.h"
-#include "tavro/VZSVGControl.h"
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>

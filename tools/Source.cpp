@@ -1,10 +1,10 @@
 #include "Source.h"
 
 #include "UsageError.h"
+#include "tavro/VZSVGControl.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/FormFile.h"
 #include "tavro/runtime/Rounding.h"
-#include "tavro/VZSVGControl.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,9 +1,9 @@
 #include "hosts/qt/VzWidget.h"
 
-#include "tavro/controls/HeadlessHost.h"
-#include "tavro/graphics/Bitmap.h"
 #include "hosts/qt/Accessible.h"
 #include "hosts/qt/PropVariant.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/graphics/Bitmap.h"
 
 #include <QKeyEvent>
 #include <QMetaMethod>

@@ -88,8 +88,8 @@ bool TRegion::Intersects(const TRect& rect) const {
 
 void TRegion::Add(const TRect& rect) {
     if (rect.IsEmpty()) return;
-    const bool isApart = std::none_of(FRects.begin(), FRects.end(),
-                                      [&rect](const TRect& r) { return Touches(r, rect); });
+    const bool isApart =
+        std::none_of(FRects.begin(), FRects.end(), [&rect](const TRect& r) { return Touches(r, rect); });
     if (isApart && FRects.size() < MaxRects) { // as the regions of many controls are
         FRects.insert(std::upper_bound(FRects.begin(), FRects.end(), rect, IsBefore), rect);
         return;

@@ -3,12 +3,12 @@
 #include "tavro/instruments/ColorFunctions.h"
 #include "tavro/instruments/Decoration.h"
 #include "tavro/instruments/InstrumentTables.h"
+#include "tavro/svg/Control.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/Font.h"
 #include "tavro/svg/model/Servers.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/model/TextElements.h"
-#include "tavro/svg/Control.h"
 
 #include <functional>
 #include <initializer_list>

@@ -3,9 +3,9 @@
 //
 // The folder of cases is TAVRO_SVG_SUITE; where there is none the program says so and ends with status 77.
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/graphics/vector/Device.h"
-#include "tavro/VZSVGControl.h"
 
 #include <gtest/gtest.h>
 

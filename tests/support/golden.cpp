@@ -7,12 +7,12 @@
 // need no picture; what stands in crash/ must only come to an end. No channel may differ by more than 2, or
 // by what NAME.limit says, a number and the reason.
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/AtomicFile.h"
 #include "tavro/runtime/Exceptions.h"
 #include "tavro/runtime/FormFile.h"
-#include "tavro/VZSVGControl.h"
 #include "tests/support/Environment.h"
 #include "tests/support/PictureCompare.h"
 

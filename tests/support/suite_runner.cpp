@@ -7,9 +7,9 @@
 // reason stands in the file of the PNG's name that ends in .fail. Prints a line a case: processor seconds,
 // SVG file. S (default 10) limits the processor time of a case, M (default 1024, 0: none) its memory.
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/runtime/AtomicFile.h"
-#include "tavro/VZSVGControl.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>

@@ -1,8 +1,8 @@
 #include "hosts/qt/designer/Icon.h"
 
-#include "tavro/controls/Control.h"
 #include "hosts/qt/VzWidget.h"
 #include "tavro/VZSVGControl.h"
+#include "tavro/controls/Control.h"
 
 #include <QDateTime>
 #include <QPixmap>

@@ -1,14 +1,14 @@
 #include "hosts/qt/gallery/Forms.h"
 
-#include "tavro/controls/Form.h"
-#include "tavro/controls/Picture.h"
 #include "hosts/qt/VzWidget.h"
 #include "hosts/qt/WidgetList.h"
 #include "hosts/qt/gallery/InstrumentCard.h"
+#include "tavro/VZSVGControl.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/Picture.h"
 #include "tavro/runtime/AtomicFile.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/FormFile.h"
-#include "tavro/VZSVGControl.h"
 
 #include <algorithm>
 #include <map>

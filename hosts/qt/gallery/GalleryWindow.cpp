@@ -5,8 +5,8 @@
 #include "hosts/qt/gallery/Forms.h"
 #include "hosts/qt/gallery/Inspector.h"
 #include "hosts/qt/gallery/PropertyRow.h"
-#include "tavro/runtime/FormFile.h"
 #include "tavro/VZSVGControl.h"
+#include "tavro/runtime/FormFile.h"
 #include <VzSVGControl.h>
 
 #include <QAction>

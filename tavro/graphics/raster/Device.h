@@ -9,9 +9,9 @@ namespace Vz {
 
 struct TRasterState;
 
-/// The paint device of pixels: exact-area coverage times a paint, through a clip, onto rows of premultiplied pixels.
-/// What it paints in a pixel does not depend on the region it is limited to. In a frame like the one before it
-/// allocates nothing: its working memory is kept by the thread.
+/// The paint device of pixels: exact-area coverage times a paint, through a clip, onto rows of premultiplied
+/// pixels. What it paints in a pixel does not depend on the region it is limited to. In a frame like the one
+/// before it allocates nothing: its working memory is kept by the thread.
 class TRasterDevice final : public IPaintDevice {
 public:
     explicit TRasterDevice(const TPixels& target);
@@ -20,7 +20,8 @@ public:
     ~TRasterDevice() override;
 
     void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override;
-    void DrawImage(const TPixels& image, const TAffine& toDevice, double opacity, TInterpolation mode) override;
+    void DrawImage(const TPixels& image, const TAffine& toDevice, double opacity,
+                   TInterpolation mode) override;
     void PushClip(std::span<const TClipShape> shapes) override;
     void PopClip() override;
     void PushLayer(const TLayerStyle& style) override;
@@ -37,7 +38,8 @@ public:
     /// The same, but as late as can be: pixels that kept pictures are about to be copied to are not touched
     /// twice. Done when the device goes, or before anything else is drawn.
     void ClearOnDemand(TVZGPColor color);
-    /// Replaces the region's pixels by those of a picture whose pixel (0, 0) lies at (x, y); outside of it: transparent.
+    /// Replaces the region's pixels by those of a picture whose pixel (0, 0) lies at (x, y); outside of it:
+    /// transparent.
     void Copy(const TPixels& image, int x, int y);
 
 private:

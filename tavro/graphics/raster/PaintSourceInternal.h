@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/graphics/raster/ImageSamplerInternal.h"
 #include "tavro/graphics/PaintDevice.h"
+#include "tavro/graphics/raster/ImageSamplerInternal.h"
 #include "tavro/graphics/raster/RowOpsInternal.h"
 
 namespace Vz {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/graphics/raster/CoverageInternal.h"
 #include "tavro/graphics/PaintDevice.h"
+#include "tavro/graphics/raster/CoverageInternal.h"
 
 #include <cmath>
 #include <cstdint>

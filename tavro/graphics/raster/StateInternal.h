@@ -1,9 +1,9 @@
 #pragma once
 
 #include "tavro/graphics/raster/CoverageInternal.h"
+#include "tavro/graphics/raster/Device.h"
 #include "tavro/graphics/raster/LayerPair.h"
 #include "tavro/graphics/raster/PaintSourceInternal.h"
-#include "tavro/graphics/raster/Device.h"
 
 #include <algorithm>
 #include <memory>

@@ -103,10 +103,9 @@ std::vector<TCluster> Scale(const TShapedText& shaped, std::span<const TTextSpan
 }
 
 TFontMetrics Scale(TFontMetrics metrics, double size) {
-    for (double* figure :
-         {&metrics.Ascent, &metrics.Descent, &metrics.XHeight, &metrics.CapHeight, &metrics.UnderlinePosition,
-          &metrics.UnderlineThickness, &metrics.StrikePosition, &metrics.StrikeThickness,
-          &metrics.SubscriptDrop, &metrics.SuperscriptRise})
+    for (double* figure : {&metrics.Ascent, &metrics.Descent, &metrics.XHeight, &metrics.CapHeight,
+                           &metrics.UnderlinePosition, &metrics.UnderlineThickness, &metrics.StrikePosition,
+                           &metrics.StrikeThickness, &metrics.SubscriptDrop, &metrics.SuperscriptRise})
         *figure *= size;
     return metrics;
 }

@@ -25,8 +25,8 @@ void SetPath(cairo_t* context, const TPolygons& polygons, const TAffine& matrix)
 
 /// A surface that draws on the pixels.
 TCairoSurface MakeSurface(const TPixels& pixels);
-/// A copy of the pixels, their opacity lowered: a file's pictures are written when it is finished, when the pixels may
-/// be gone.
+/// A copy of the pixels, their opacity lowered: a file's pictures are written when it is finished, when the
+/// pixels may be gone.
 TCairoSurface MakePicture(const TPixels& pixels, double opacity);
 cairo_filter_t FilterOf(TInterpolation mode);
 /// The operator that lays a layer down in this way.

@@ -1,8 +1,8 @@
 #include "tavro/graphics/vector/Device.h"
 
 #include "tavro/graphics/raster/BlendModesInternal.h"
-#include "tavro/graphics/vector/CairoPaintInternal.h"
 #include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/vector/CairoPaintInternal.h"
 #include "tavro/runtime/Exceptions.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
+#include "tavro/svg/css/StyleProps.h"
 #include "tavro/svg/css/SyntaxInternal.h"
 #include "tavro/svg/values/Scan.h"
-#include "tavro/svg/css/StyleProps.h"
 #include "tavro/svg/values/TransformText.h"
 
 #include <array>

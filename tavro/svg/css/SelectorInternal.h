@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/svg/values/Scan.h"
 #include "tavro/svg/css/StyleSheet.h"
+#include "tavro/svg/values/Scan.h"
 
 #include <cstdint>
 #include <optional>

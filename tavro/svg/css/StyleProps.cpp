@@ -1,10 +1,10 @@
 #include "tavro/svg/css/StyleProps.h"
 
 #include "tavro/svg/css/ColorText.h"
+#include "tavro/svg/css/StyleValuesInternal.h"
 #include "tavro/svg/css/SyntaxInternal.h"
 #include "tavro/svg/values/NameTableInternal.h"
 #include "tavro/svg/values/Scan.h"
-#include "tavro/svg/css/StyleValuesInternal.h"
 
 #include <algorithm>
 #include <array>

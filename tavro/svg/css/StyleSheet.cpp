@@ -1,9 +1,9 @@
 #include "tavro/svg/css/StyleSheet.h"
 
 #include "tavro/runtime/Utf8.h"
+#include "tavro/svg/css/SelectorInternal.h"
 #include "tavro/svg/css/SyntaxInternal.h"
 #include "tavro/svg/values/Scan.h"
-#include "tavro/svg/css/SelectorInternal.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/svg/filter/OpsInternal.h"
 #include "tavro/svg/css/Style.h"
+#include "tavro/svg/filter/OpsInternal.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "tavro/runtime/Object.h"
+#include "tavro/svg/css/Style.h"
 #include "tavro/svg/model/CopyOnWrite.h"
 #include "tavro/svg/model/IdTable.h"
-#include "tavro/svg/css/Style.h"
 #include "tavro/svg/values/Types.h"
 
 #include <functional>

@@ -1,10 +1,10 @@
 #include "tavro/svg/model/ElementFactory.h"
 
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/values/NameTableInternal.h"
 #include "tavro/svg/model/Servers.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/model/TextElements.h"
+#include "tavro/svg/values/NameTableInternal.h"
 
 namespace Vz {
 

@@ -1,11 +1,11 @@
 #include "tavro/svg/model/Reader.h"
 
 #include "tavro/runtime/Exceptions.h"
+#include "tavro/svg/css/StyleSheet.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/ElementFactory.h"
-#include "tavro/svg/values/Scan.h"
-#include "tavro/svg/css/StyleSheet.h"
 #include "tavro/svg/model/TextElements.h"
+#include "tavro/svg/values/Scan.h"
 
 #include <expat.h>
 

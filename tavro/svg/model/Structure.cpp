@@ -1,8 +1,8 @@
 #include "tavro/svg/model/Structure.h"
 
 #include "tavro/runtime/Exceptions.h"
-#include "tavro/svg/values/DataUri.h"
 #include "tavro/svg/model/Document.h"
+#include "tavro/svg/values/DataUri.h"
 #include "tavro/svg/values/Scan.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "tavro/svg/model/CompiledInternal.h"
-#include "tavro/svg/paint/DeviceSwitchInternal.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/Servers.h"
 #include "tavro/svg/model/Shapes.h"
+#include "tavro/svg/paint/DeviceSwitchInternal.h"
 #include "tavro/svg/text/Layout.h"
 
 #include <list>

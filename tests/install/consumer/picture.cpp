@@ -1,5 +1,5 @@
-#include <tavro/controls/HeadlessHost.h>
 #include <tavro/Vz.Tavro.Speedometers.h>
+#include <tavro/controls/HeadlessHost.h>
 #include <tavro/runtime/AtomicFile.h>
 
 int main(int count, char** arguments) {

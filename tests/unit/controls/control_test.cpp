@@ -349,8 +349,8 @@ TEST_F(ControlTest, StalePaintingTouchesTheRegionOnly) {
 }
 
 TEST_F(ControlTest, HostRefusesScalesThatAreNone) {
-    for (const double scale :
-         {0.0, -1.0, 1025.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+    for (const double scale : {0.0, -1.0, 1025.0, std::numeric_limits<double>::quiet_NaN(),
+                               std::numeric_limits<double>::infinity()})
         EXPECT_THROW(Host.SetScale(scale), EArgumentOutOfRange) << scale;
     EXPECT_EQ(Host.GetScale(), 1);
     try {

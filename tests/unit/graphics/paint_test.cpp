@@ -1,5 +1,5 @@
-#include "tavro/graphics/raster/PaintSourceInternal.h"
 #include "tavro/graphics/raster/Device.h"
+#include "tavro/graphics/raster/PaintSourceInternal.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "tavro/instruments/CircularGaugeProps.h"
-#include "tavro/Vz.Tavro.Clocks.h"
-#include "tavro/Vz.Tavro.Speedometers.h"
 #include "tavro/Vz.Tavro.Altimeters.h"
 #include "tavro/Vz.Tavro.Barometers.h"
+#include "tavro/Vz.Tavro.Clocks.h"
 #include "tavro/Vz.Tavro.FuelGauges.h"
+#include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/instruments/CircularGaugeProps.h"
 
 #include <cmath>
 #include <limits>

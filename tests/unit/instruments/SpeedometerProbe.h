@@ -1,8 +1,8 @@
 #pragma once
 
 #include "InstrumentProbe.h"
-#include "tavro/controls/HeadlessHost.h"
 #include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/controls/HeadlessHost.h"
 
 #include <cmath>
 #include <cstdint>

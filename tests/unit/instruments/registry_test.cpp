@@ -1,5 +1,6 @@
 // What holds for every published property of every registered class.
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/AtomicFile.h"
@@ -9,7 +10,6 @@
 #include "tavro/runtime/PropAccess.h"
 #include "tavro/runtime/PropText.h"
 #include "tavro/runtime/Strings.h"
-#include "tavro/VZSVGControl.h"
 
 #include "tests/support/Environment.h"
 

@@ -1,6 +1,7 @@
 // Random settings, good and bad, one after another, on every registered class: nothing may crash, a value
 // that is refused stays as it was, and the picture, its document and its form stay whole.
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/ClassRegistry.h"
@@ -8,7 +9,6 @@
 #include "tavro/runtime/FormFile.h"
 #include "tavro/runtime/PropAccess.h"
 #include "tavro/runtime/PropText.h"
-#include "tavro/VZSVGControl.h"
 
 #include <gtest/gtest.h>
 

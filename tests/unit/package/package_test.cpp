@@ -1,10 +1,10 @@
 #include "tavro/package/Package.h"
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/controls/Form.h"
 #include "tavro/controls/Palette.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/Exceptions.h"
-#include "tavro/VZSVGControl.h"
 
 #include <gtest/gtest.h>
 

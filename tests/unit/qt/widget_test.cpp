@@ -6,12 +6,12 @@
 #include "VzSVGControl.h"
 #include "VzSpeedometer.h"
 
-#include "tavro/controls/Form.h"
-#include "tavro/controls/HeadlessHost.h"
-#include "tavro/graphics/Bitmap.h"
 #include "hosts/qt/WidgetList.h"
 #include "tavro/Vz.Tavro.Clocks.h"
 #include "tavro/Vz.Tavro.Speedometers.h"
+#include "tavro/controls/Form.h"
+#include "tavro/controls/HeadlessHost.h"
+#include "tavro/graphics/Bitmap.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/ClassRegistry.h"
 

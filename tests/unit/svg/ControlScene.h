@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/controls/HeadlessHost.h"
 #include "tavro/VZSVGControl.h"
+#include "tavro/controls/HeadlessHost.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -19,7 +19,8 @@ inline constexpr float NoNumber = std::numeric_limits<float>::quiet_NaN();
 inline constexpr float Endless = std::numeric_limits<float>::infinity();
 
 /// A document with this content in an svg element of 100 by 100 pixels.
-inline std::string SvgText(std::string_view content, std::string_view attributes = "width='100' height='100'") {
+inline std::string SvgText(std::string_view content,
+                           std::string_view attributes = "width='100' height='100'") {
     return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' " +
            std::string(attributes) + ">" + std::string(content) + "</svg>";
 }
@@ -69,7 +70,8 @@ inline int GreatestDifference(const TDrawing& a, const TDrawing& b) {
     int worst = 0;
     for (std::size_t i = 0; i < a.Pixels.size(); ++i)
         for (int shift = 0; shift < 32; shift += 8)
-            worst = std::max(worst, std::abs(int(a.Pixels[i] >> shift & 255u) - int(b.Pixels[i] >> shift & 255u)));
+            worst = std::max(worst,
+                             std::abs(int(a.Pixels[i] >> shift & 255u) - int(b.Pixels[i] >> shift & 255u)));
     return worst;
 }
 

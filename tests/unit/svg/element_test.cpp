@@ -48,8 +48,9 @@ TEST(Element, ListsItsChildrenInOrder) {
 }
 
 TEST(Element, IsNamedAsInSvg) {
-    const auto document = LoadContent("<linearGradient id='a'><stop id='b'/></linearGradient><clipPath id='c'/>"
-                                      "<text id='d'><textPath id='e'/></text>");
+    const auto document =
+        LoadContent("<linearGradient id='a'><stop id='b'/></linearGradient><clipPath id='c'/>"
+                    "<text id='d'><textPath id='e'/></text>");
     EXPECT_EQ(document->GetTagName(), "svg");
     EXPECT_EQ(document->FindElement("a")->GetTagName(), "linearGradient");
     EXPECT_EQ(document->FindElement("b")->GetTagName(), "stop");
@@ -148,8 +149,10 @@ TEST(Element, CloneDrawsAsTheOriginal) {
         "<linearGradient id='g'><stop stop-color='red'/><stop offset='1' stop-color='blue'/></linearGradient>"
         "<g id='all' transform='rotate(10 50 50)' opacity='.8' fill='url(#g)' stroke='green'>"
         "<path d='M10 10 C 40 0 60 90 90 20' stroke-width='3' stroke-dasharray='6 2'/>"
-        "<rect x='20' y='30' width='30' height='20' rx='5' style='fill-opacity:.5'/><circle cx='60' cy='70' r='9'/>"
-        "<polygon points='70 60 90 60 80 80'/><text x='10' y='80' font-size='14'>Tab<tspan dy='4'>le</tspan></text>"
+        "<rect x='20' y='30' width='30' height='20' rx='5' style='fill-opacity:.5'/><circle cx='60' cy='70' "
+        "r='9'/>"
+        "<polygon points='70 60 90 60 80 80'/><text x='10' y='80' font-size='14'>Tab<tspan "
+        "dy='4'>le</tspan></text>"
         "<use xlink:href='#star' x='3'/></g><defs><path id='star' d='M5 40h10v10z'/></defs>");
     const TDrawing before = Drawn(*document);
     ASSERT_FALSE(before.IsEmpty());
@@ -269,7 +272,8 @@ TEST(GraphicElement, ClampsItsOpacity) {
 }
 
 TEST(GraphicElement, ReplacesItsTransform) {
-    const auto document = LoadContent("<rect id='a' width='1' height='1' transform='rotate(30) translate(4 5)'/>");
+    const auto document =
+        LoadContent("<rect id='a' width='1' height='1' transform='rotate(30) translate(4 5)'/>");
     auto* const a = document->Find<TSVGGraphicElement>("a");
     const TMatrix matrix{2, 0.5f, 0, -0.5f, 3, 0, 7, -8, 1};
     a->SetMatrix(matrix);
@@ -284,8 +288,8 @@ TEST(GraphicElement, RefusesMatricesThatAreNotFinite) {
     box->SetMatrix(good);
     TNotices notices(*document);
     for (const float bad : {NoNumber, Endless, -Endless})
-        for (float TMatrix::*figure : {&TMatrix::M11, &TMatrix::M12, &TMatrix::M21, &TMatrix::M22, &TMatrix::M31,
-                                       &TMatrix::M32}) {
+        for (float TMatrix::*figure :
+             {&TMatrix::M11, &TMatrix::M12, &TMatrix::M21, &TMatrix::M22, &TMatrix::M31, &TMatrix::M32}) {
             TMatrix matrix = good;
             matrix.*figure = bad;
             box->SetMatrix(matrix);
@@ -320,7 +324,8 @@ TEST(Style, EntriesOfFillAndStrokeHaveTheirNumbers) {
 }
 
 TEST(Style, ExcludedPropertyIsInheritedAgain) {
-    const auto document = LoadContent("<g fill='red' stroke='lime'><rect id='r' width='50' height='50' fill='blue'/></g>");
+    const auto document =
+        LoadContent("<g fill='red' stroke='lime'><rect id='r' width='50' height='50' fill='blue'/></g>");
     auto* const r = document->Find<TSVGGraphicElement>("r");
     EXPECT_TRUE(r->GetStyle().Contains(P::Fill));
     EXPECT_FALSE(r->GetStyle().Contains(P::Stroke));
@@ -335,7 +340,8 @@ TEST(Style, ExcludedPropertyIsInheritedAgain) {
 }
 
 TEST(Style, IncludedPropertyKeepsWhatWasInherited) {
-    const auto document = LoadContent("<g id='g' fill='red' stroke='lime'><rect id='r' width='50' height='50'/></g>");
+    const auto document =
+        LoadContent("<g id='g' fill='red' stroke='lime'><rect id='r' width='50' height='50'/></g>");
     auto* const r = document->Find<TSVGGraphicElement>("r");
     r->SetSet(static_cast<P>(14), true);
     r->SetSet(static_cast<P>(40), true);
@@ -359,8 +365,9 @@ TEST(Style, IncludedPropertyThatNobodySetKeepsItsInitialValue) {
 }
 
 TEST(Style, WholeSetIsReplaced) {
-    const auto document = LoadContent("<g fill='red'><rect id='r' width='50' height='50' fill='blue' stroke='lime' "
-                                      "stroke-width='4'/></g>");
+    const auto document =
+        LoadContent("<g fill='red'><rect id='r' width='50' height='50' fill='blue' stroke='lime' "
+                    "stroke-width='4'/></g>");
     auto* const r = document->Find<TSVGGraphicElement>("r");
     TSVGStyleSet set;
     set.Put(P::Stroke, ColorValue(0xFF00FFFF));
@@ -429,8 +436,9 @@ TEST(Style, IsSharedByCopiesUntilEdited) {
 }
 
 TEST(Style, FindsTheNearestValue) {
-    const auto document = LoadContent("<g stroke-width='5' stop-color='red'><g stroke-width='inherit'>"
-                                      "<rect id='r'/><linearGradient id='l'><stop id='s'/></linearGradient></g></g>");
+    const auto document =
+        LoadContent("<g stroke-width='5' stop-color='red'><g stroke-width='inherit'>"
+                    "<rect id='r'/><linearGradient id='l'><stop id='s'/></linearGradient></g></g>");
     const TStyleValue* const width = document->FindElement("r")->FindInherited(P::StrokeWidth);
     ASSERT_NE(width, nullptr);
     EXPECT_EQ(width->Number, 5);

@@ -16,11 +16,13 @@ std::unique_ptr<TSVGDocument> Filled(std::string_view defs) {
 }
 
 std::string Linear(std::string_view attributes, std::string_view stops = TwoStops) {
-    return "<linearGradient id='g' " + std::string(attributes) + ">" + std::string(stops) + "</linearGradient>";
+    return "<linearGradient id='g' " + std::string(attributes) + ">" + std::string(stops) +
+           "</linearGradient>";
 }
 
 std::string Radial(std::string_view attributes, std::string_view stops = TwoStops) {
-    return "<radialGradient id='g' " + std::string(attributes) + ">" + std::string(stops) + "</radialGradient>";
+    return "<radialGradient id='g' " + std::string(attributes) + ">" + std::string(stops) +
+           "</radialGradient>";
 }
 
 int GreyAt(const TDrawing& drawing, int x, int y) { return GreenOf(drawing.At(x, y)); }
@@ -90,8 +92,9 @@ TEST(GradientStop, ClampsItsOffset) {
 }
 
 TEST(GradientStop, TakesColorsOfOthers) {
-    const auto document = Filled(Linear("color='#123456' stop-color='#abcdef'",
-                                        "<stop stop-color='currentColor'/><stop offset='1' stop-color='inherit'/>"));
+    const auto document =
+        Filled(Linear("color='#123456' stop-color='#abcdef'",
+                      "<stop stop-color='currentColor'/><stop offset='1' stop-color='inherit'/>"));
     const auto* const gradient = document->Find<TSVGCustomGradient>("g");
     EXPECT_EQ(gradient->GetStop(0).GetStopColor(), 0xFF123456u);
     EXPECT_EQ(gradient->GetStop(0).GetStopBrush().GetColor(), 0xFF123456u);
@@ -101,7 +104,8 @@ TEST(GradientStop, TakesColorsOfOthers) {
 
 TEST(GradientStop, OffsetsDoNotFall) {
     // The second stop counts at .5: the left half is black, then a step to white.
-    const auto document = Filled(Linear("", "<stop offset='.5' stop-color='#000'/><stop offset='.2' stop-color='#fff'/>"));
+    const auto document =
+        Filled(Linear("", "<stop offset='.5' stop-color='#000'/><stop offset='.2' stop-color='#fff'/>"));
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(GreyAt(drawing, 30, 50), 0);
     EXPECT_EQ(GreyAt(drawing, 70, 50), 255);
@@ -127,8 +131,8 @@ TEST(LinearGradient, RunsFromLeftToRight) {
 }
 
 TEST(LinearGradient, TakesUserSpaceAndTransform) {
-    const TDrawing drawing =
-        Drawn(*Filled(Linear("gradientUnits='userSpaceOnUse' x1='0' y1='20' x2='0' y2='60' gradientTransform='translate(0 10)'")));
+    const TDrawing drawing = Drawn(*Filled(Linear(
+        "gradientUnits='userSpaceOnUse' x1='0' y1='20' x2='0' y2='60' gradientTransform='translate(0 10)'")));
     EXPECT_EQ(GreyAt(drawing, 50, 28), 0);
     EXPECT_NEAR(GreyAt(drawing, 50, 49), 124, 1) << "19.5 of 40";
     EXPECT_EQ(GreyAt(drawing, 50, 71), 255);
@@ -136,7 +140,8 @@ TEST(LinearGradient, TakesUserSpaceAndTransform) {
 
 TEST(LinearGradient, Spreads) {
     const auto at = [](const char* spread, int x) {
-        return GreyAt(Drawn(*Filled(Linear("x1='.4' x2='.6' spreadMethod='" + std::string(spread) + "'"))), x, 50);
+        return GreyAt(Drawn(*Filled(Linear("x1='.4' x2='.6' spreadMethod='" + std::string(spread) + "'"))), x,
+                      50);
     };
     EXPECT_EQ(at("pad", 30), 0);
     EXPECT_EQ(at("pad", 70), 255);
@@ -151,21 +156,21 @@ TEST(LinearGradient, OfOneStopIsAColor) {
     EXPECT_EQ(Drawn(*Filled(Linear("", "<stop offset='.7' stop-color='red'/>"))).At(1, 1), 0xFFFF0000u);
 }
 
-TEST(LinearGradient, WithoutStopsPaintsNothing) {
-    EXPECT_TRUE(Drawn(*Filled(Linear("", ""))).IsEmpty());
-}
+TEST(LinearGradient, WithoutStopsPaintsNothing) { EXPECT_TRUE(Drawn(*Filled(Linear("", ""))).IsEmpty()); }
 
 TEST(LinearGradient, WithoutLengthIsItsLastColor) {
     EXPECT_EQ(Drawn(*Filled(Linear("x1='.5' x2='.5'"))).At(10, 10), 0xFFFFFFFFu);
 }
 
 TEST(LinearGradient, OfABoxWithoutExtentFallsBack) {
-    const auto document = LoadContent(Linear("") + "<path d='M0 50H100' stroke='url(#g) lime' stroke-width='10'/>");
+    const auto document =
+        LoadContent(Linear("") + "<path d='M0 50H100' stroke='url(#g) lime' stroke-width='10'/>");
     EXPECT_EQ(Drawn(*document).At(50, 50), 0xFF00FF00u);
 }
 
 TEST(LinearGradient, FadesWithFillOpacity) {
-    const auto document = Filled(Linear("", "<stop stop-color='red'/><stop offset='1' stop-color='red' stop-opacity='.5'/>"));
+    const auto document =
+        Filled(Linear("", "<stop stop-color='red'/><stop offset='1' stop-color='red' stop-opacity='.5'/>"));
     document->Find<TSVGGraphicElement>("r")->GetBrush().SetColor(0x80000000);
     const TDrawing drawing = Drawn(*document);
     EXPECT_NEAR(AlphaOf(drawing.At(0, 50)), 128, 1);
@@ -183,7 +188,8 @@ TEST(RadialGradient, GrowsFromItsCentre) {
 }
 
 TEST(RadialGradient, HasAFocus) {
-    const TDrawing drawing = Drawn(*Filled(Radial("gradientUnits='userSpaceOnUse' cx='50' cy='50' r='40' fx='30' fy='50'")));
+    const TDrawing drawing =
+        Drawn(*Filled(Radial("gradientUnits='userSpaceOnUse' cx='50' cy='50' r='40' fx='30' fy='50'")));
     EXPECT_NEAR(GreyAt(drawing, 30, 50), 4, 4);
     // On the axis the ramp runs from 30 to 90 on one side, from 30 to 10 on the other.
     EXPECT_NEAR(GreyAt(drawing, 60, 50), 130, 2) << "30.5 of 60";
@@ -210,7 +216,8 @@ TEST(RadialGradient, OfNoDepthIsAStep) {
 }
 
 TEST(RadialGradient, FocusFollowsTheCentreWhereNotGiven) {
-    EXPECT_EQ(Drawn(*Filled(Radial("cx='.2' cy='.3'"))), Drawn(*Filled(Radial("cx='.2' cy='.3' fx='.2' fy='.3'"))));
+    EXPECT_EQ(Drawn(*Filled(Radial("cx='.2' cy='.3'"))),
+              Drawn(*Filled(Radial("cx='.2' cy='.3' fx='.2' fy='.3'"))));
 }
 
 TEST(RadialGradient, OfNoRadiusIsItsLastColor) {
@@ -220,9 +227,9 @@ TEST(RadialGradient, OfNoRadiusIsItsLastColor) {
 // Templates
 
 TEST(Gradient, TakesFromItsTemplateWhatItDoesNotSay) {
-    const auto document = Filled("<radialGradient id='t' spreadMethod='reflect' gradientUnits='userSpaceOnUse'>" +
-                                 std::string(TwoStops) + "</radialGradient>" +
-                                 Linear("xlink:href='#t' x1='0' x2='50'", ""));
+    const auto document =
+        Filled("<radialGradient id='t' spreadMethod='reflect' gradientUnits='userSpaceOnUse'>" +
+               std::string(TwoStops) + "</radialGradient>" + Linear("xlink:href='#t' x1='0' x2='50'", ""));
     const auto* const gradient = document->Find<TSVGCustomGradient>("g");
     EXPECT_EQ(gradient->GetTemplate(), document->FindElement("t"));
     const TDrawing drawing = Drawn(*document);
@@ -231,14 +238,16 @@ TEST(Gradient, TakesFromItsTemplateWhatItDoesNotSay) {
 }
 
 TEST(Gradient, FollowsAChainWhateverItsOrder) {
-    const auto document = Filled(Linear("href='#b'", "") + "<linearGradient id='b' href='#c' x2='.5'/><linearGradient id='c' x2='.1'>" +
+    const auto document = Filled(Linear("href='#b'", "") +
+                                 "<linearGradient id='b' href='#c' x2='.5'/><linearGradient id='c' x2='.1'>" +
                                  std::string(TwoStops) + "</linearGradient>");
     EXPECT_NEAR(GreyAt(Drawn(*document), 25, 50), 130, 1) << "the nearest x2 counts";
 }
 
 TEST(Gradient, LeavesACycleOfTemplates) {
     EXPECT_TRUE(Drawn(*Filled(Linear("xlink:href='#g'", ""))).IsEmpty());
-    EXPECT_TRUE(Drawn(*Filled(Linear("xlink:href='#h'", "") + "<linearGradient id='h' xlink:href='#g'/>")).IsEmpty());
+    EXPECT_TRUE(
+        Drawn(*Filled(Linear("xlink:href='#h'", "") + "<linearGradient id='h' xlink:href='#g'/>")).IsEmpty());
 }
 
 TEST(Gradient, KeepsOnlyTheLengthsOfItsKind) {
@@ -253,7 +262,8 @@ TEST(Gradient, KeepsOnlyTheLengthsOfItsKind) {
 TEST(Gradient, OfManyStopsIsBounded) {
     std::string stops;
     for (int i = 0; i < 50000; ++i)
-        stops += "<stop offset='" + std::to_string(i / 50000.0) + "' stop-color='" + (i % 2 ? "red" : "blue") + "'/>";
+        stops += "<stop offset='" + std::to_string(i / 50000.0) + "' stop-color='" +
+                 (i % 2 ? "red" : "blue") + "'/>";
     const auto document = Filled(Linear("", stops));
     EXPECT_EQ(document->Find<TSVGCustomGradient>("g")->GetStopCount(), 50000u);
     EXPECT_FALSE(Drawn(*document).IsEmpty());

@@ -13,10 +13,13 @@ std::string Hit(const TSVGDocument& document, float x, float y) {
     return element ? element->GetId() : std::string();
 }
 
-std::string Hit(std::string_view content, float x = 50, float y = 50) { return Hit(*LoadContent(content), x, y); }
+std::string Hit(std::string_view content, float x = 50, float y = 50) {
+    return Hit(*LoadContent(content), x, y);
+}
 
 TEST(HitTest, FindsTheTopmostElement) {
-    const auto document = LoadContent("<rect id='low' width='100' height='100'/><circle id='high' cx='50' cy='50' r='20'/>");
+    const auto document =
+        LoadContent("<rect id='low' width='100' height='100'/><circle id='high' cx='50' cy='50' r='20'/>");
     EXPECT_EQ(Hit(*document, 50, 50), "high");
     EXPECT_EQ(Hit(*document, 5, 5), "low");
     EXPECT_EQ(Hit(*document, 36, 36), "high") << "just inside of the circle";
@@ -30,23 +33,33 @@ TEST(HitTest, FindsTheShapeNotItsGroup) {
 }
 
 TEST(HitTest, FindsTheUseThroughWhichAnElementIsDrawn) {
-    const auto document = LoadContent("<defs><g id='g'><rect id='r' width='20' height='20'/></g><use id='inner' href='#g'/></defs>"
-                                      "<use id='outer' href='#inner' x='40' y='40'/>");
+    const auto document = LoadContent(
+        "<defs><g id='g'><rect id='r' width='20' height='20'/></g><use id='inner' href='#g'/></defs>"
+        "<use id='outer' href='#inner' x='40' y='40'/>");
     EXPECT_EQ(Hit(*document, 50, 50), "outer") << "the outermost";
     EXPECT_EQ(Hit(*document, 10, 10), "");
 }
 
 TEST(HitTest, RespectsVisibility) {
-    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' visibility='hidden'/>"), "a");
-    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><g display='none'><rect id='b' width='100' height='100'/></g>"), "a");
-    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' opacity='0'/>"), "a");
-    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' opacity='.01'/>"), "b");
+    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' "
+                  "visibility='hidden'/>"),
+              "a");
+    EXPECT_EQ(Hit("<rect id='a' width='100' height='100'/><g display='none'><rect id='b' width='100' "
+                  "height='100'/></g>"),
+              "a");
+    EXPECT_EQ(
+        Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' opacity='0'/>"),
+        "a");
+    EXPECT_EQ(
+        Hit("<rect id='a' width='100' height='100'/><rect id='b' width='100' height='100' opacity='.01'/>"),
+        "b");
 }
 
 TEST(HitTest, CountsWhatIsPainted) {
     EXPECT_EQ(Hit("<rect id='a' width='100' height='100' fill='none'/>"), "");
     EXPECT_EQ(Hit("<rect id='a' width='100' height='100' fill='none' stroke='red' stroke-width='4'/>"), "");
-    EXPECT_EQ(Hit("<rect id='a' width='100' height='100' fill='none' stroke='red' stroke-width='4'/>", 1, 50), "a");
+    EXPECT_EQ(Hit("<rect id='a' width='100' height='100' fill='none' stroke='red' stroke-width='4'/>", 1, 50),
+              "a");
     EXPECT_EQ(Hit("<rect id='a' width='100' height='100' fill-opacity='0'/>"), "");
     EXPECT_EQ(Hit("<path id='a' d='M0 0H100V100H0ZM20 20H80V80H20Z' fill-rule='evenodd'/>"), "");
     EXPECT_EQ(Hit("<path id='a' d='M0 0H100V100H0ZM20 20H80V80H20Z' fill-rule='evenodd'/>", 10, 10), "a");
@@ -77,7 +90,8 @@ TEST(HitTest, FindsTexts) {
 }
 
 TEST(HitTest, FindsImages) {
-    EXPECT_EQ(Hit("<image id='i' width='60' height='60' href='data:image/svg+xml,%3Csvg xmlns=\"http://www.w3.org/2000/svg\" "
+    EXPECT_EQ(Hit("<image id='i' width='60' height='60' href='data:image/svg+xml,%3Csvg "
+                  "xmlns=\"http://www.w3.org/2000/svg\" "
                   "width=\"10\" height=\"10\"%3E%3Crect width=\"10\" height=\"10\"/%3E%3C/svg%3E'/>"),
               "i");
 }
@@ -92,7 +106,9 @@ TEST(HitTest, IsNotMisledByMasksAndPatterns) {
 }
 
 TEST(HitTest, FindsWhatAFilterPaintsOf) {
-    EXPECT_EQ(Hit("<filter id='f'><feOffset/></filter><rect id='a' width='100' height='100' filter='url(#f)'/>"), "a");
+    EXPECT_EQ(
+        Hit("<filter id='f'><feOffset/></filter><rect id='a' width='100' height='100' filter='url(#f)'/>"),
+        "a");
 }
 
 TEST(HitTest, OfOddPointsFindsNothing) {

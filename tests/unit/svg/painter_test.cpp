@@ -17,7 +17,9 @@ std::uint32_t Middle(std::string_view content) { return Drawn(*LoadContent(conte
 // Fill and stroke
 
 TEST(Painter, PaintsInDocumentOrder) {
-    EXPECT_EQ(Middle("<rect width='100' height='100' fill='red'/><rect width='100' height='100' fill='blue'/>"), Blue);
+    EXPECT_EQ(
+        Middle("<rect width='100' height='100' fill='red'/><rect width='100' height='100' fill='blue'/>"),
+        Blue);
     EXPECT_EQ(Middle("<rect width='100' height='100' fill='red'/>"), Red);
     EXPECT_EQ(Middle("<rect width='100' height='100'/>"), 0xFF000000u);
 }
@@ -30,7 +32,8 @@ TEST(Painter, FillsByTheRule) {
 }
 
 TEST(Painter, StrokesOverTheFill) {
-    const std::string shape = "<rect x='50' y='0' width='40' height='100' fill='red' stroke='blue' stroke-width='10'";
+    const std::string shape =
+        "<rect x='50' y='0' width='40' height='100' fill='red' stroke='blue' stroke-width='10'";
     EXPECT_EQ(Drawn(*LoadContent(shape + "/>")).At(52, 50), Blue);
     EXPECT_EQ(Drawn(*LoadContent(shape + "/>")).At(47, 50), Blue);
     EXPECT_EQ(Drawn(*LoadContent(shape + " style='paint-order:stroke'/>")).At(52, 50), Red);
@@ -39,8 +42,11 @@ TEST(Painter, StrokesOverTheFill) {
 
 TEST(Painter, MixesOpacities) {
     EXPECT_EQ(Middle("<rect width='100' height='100' fill='red' fill-opacity='.5'/>"), 0x80800000u);
-    EXPECT_EQ(Middle("<rect width='100' height='100' fill='red' opacity='.5' fill-opacity='.5'/>"), 0x40400000u);
-    EXPECT_EQ(Middle("<rect width='100' height='100' fill='none' stroke='red' stroke-width='200' stroke-opacity='.5'/>"), 0x80800000u);
+    EXPECT_EQ(Middle("<rect width='100' height='100' fill='red' opacity='.5' fill-opacity='.5'/>"),
+              0x40400000u);
+    EXPECT_EQ(Middle("<rect width='100' height='100' fill='none' stroke='red' stroke-width='200' "
+                     "stroke-opacity='.5'/>"),
+              0x80800000u);
     EXPECT_EQ(Middle("<rect width='100' height='100' opacity='0'/>"), 0u);
 }
 
@@ -49,12 +55,14 @@ TEST(Painter, LaysAGroupDownAsOne) {
     const std::uint32_t one = Middle("<g opacity='.5'><rect width='100' height='100' fill='red'/>"
                                      "<rect width='100' height='100' fill='blue'/></g>");
     EXPECT_EQ(one, 0x80000080u);
-    const std::uint32_t shape = Middle("<rect x='50' width='40' height='100' fill='red' stroke='blue' stroke-width='20' opacity='.5'/>");
+    const std::uint32_t shape = Middle(
+        "<rect x='50' width='40' height='100' fill='red' stroke='blue' stroke-width='20' opacity='.5'/>");
     EXPECT_EQ(shape, 0x80000080u) << "fill and stroke of one shape, too";
 }
 
 TEST(Painter, PaintsTheDocumentsOwnOpacity) {
-    const auto document = LoadContent("<rect width='100' height='100' fill='red'/><rect width='100' height='100' fill='blue'/>");
+    const auto document = LoadContent(
+        "<rect width='100' height='100' fill='red'/><rect width='100' height='100' fill='blue'/>");
     document->SetOpacity(0.5f);
     EXPECT_EQ(Drawn(*document).At(50, 50), 0x80000080u);
     document->SetOpacity(0);
@@ -66,8 +74,9 @@ TEST(Painter, PaintsTheDocumentsOwnOpacity) {
 }
 
 TEST(Painter, AppliesTransformsInnermostFirst) {
-    const auto document = LoadContent("<g transform='translate(50 0)'><g transform='scale(2)'><rect x='5' y='5' width='10' height='10' "
-                                      "fill='red' transform='rotate(90 5 5)'/></g></g>");
+    const auto document = LoadContent(
+        "<g transform='translate(50 0)'><g transform='scale(2)'><rect x='5' y='5' width='10' height='10' "
+        "fill='red' transform='rotate(90 5 5)'/></g></g>");
     // Turned about (5, 5) the square covers -5..5 by 5..15; twice that and 50 to the right: 40..60 by 10..30.
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(41, 11), Red);
@@ -85,7 +94,8 @@ TEST(Painter, TurnsClockwise) {
 
 TEST(Painter, HidesByVisibility) {
     EXPECT_EQ(Middle("<rect width='100' height='100' visibility='hidden'/>"), 0u);
-    EXPECT_EQ(Middle("<g visibility='hidden'><rect width='100' height='100' fill='red'/><rect width='100' height='100' fill='lime' "
+    EXPECT_EQ(Middle("<g visibility='hidden'><rect width='100' height='100' fill='red'/><rect width='100' "
+                     "height='100' fill='lime' "
                      "visibility='visible'/></g>"),
               Lime);
 }
@@ -102,20 +112,23 @@ TEST(Painter, Clips) {
                                       "<rect width='100' height='100' fill='red' clip-path='url(#c)'/>");
     EXPECT_EQ(Drawn(*document).At(25, 50), Red);
     EXPECT_EQ(Drawn(*document).At(75, 50), 0u);
-    EXPECT_EQ(Middle("<clipPath id='c'/><rect width='100' height='100' clip-path='url(#c)'/>"), 0u) << "an empty one hides all";
+    EXPECT_EQ(Middle("<clipPath id='c'/><rect width='100' height='100' clip-path='url(#c)'/>"), 0u)
+        << "an empty one hides all";
     EXPECT_EQ(Middle("<rect width='100' height='100' fill='red' clip-path='url(#absent)'/>"), Red);
 }
 
 TEST(Painter, Masks) {
-    const auto document = LoadContent("<mask id='m'><rect width='50' height='100' fill='white'/><rect x='50' width='50' height='100' "
-                                      "fill='white' fill-opacity='.5'/></mask><rect width='100' height='100' fill='red' mask='url(#m)'/>");
+    const auto document = LoadContent(
+        "<mask id='m'><rect width='50' height='100' fill='white'/><rect x='50' width='50' height='100' "
+        "fill='white' fill-opacity='.5'/></mask><rect width='100' height='100' fill='red' mask='url(#m)'/>");
     EXPECT_EQ(Drawn(*document).At(25, 50), Red);
     EXPECT_NEAR(AlphaOf(Drawn(*document).At(75, 50)), 128, 1);
 }
 
 TEST(Painter, RepeatsPatterns) {
-    const auto document = LoadContent("<pattern id='p' width='20' height='20' patternUnits='userSpaceOnUse'><rect width='10' height='20' "
-                                      "fill='red'/></pattern><rect width='100' height='100' fill='url(#p)'/>");
+    const auto document = LoadContent(
+        "<pattern id='p' width='20' height='20' patternUnits='userSpaceOnUse'><rect width='10' height='20' "
+        "fill='red'/></pattern><rect width='100' height='100' fill='url(#p)'/>");
     for (const int tile : {0, 2, 4}) {
         EXPECT_EQ(Drawn(*document).At(tile * 20 + 5, 50), Red);
         EXPECT_EQ(Drawn(*document).At(tile * 20 + 15, 50), 0u);
@@ -123,9 +136,10 @@ TEST(Painter, RepeatsPatterns) {
 }
 
 TEST(Painter, PutsMarkersOnVertices) {
-    const auto document = LoadContent("<marker id='m' markerWidth='10' markerHeight='10' refX='5' refY='5' markerUnits='userSpaceOnUse'>"
-                                      "<rect width='10' height='10' fill='red'/></marker><path d='M20 50H50H80' fill='none' "
-                                      "marker-start='url(#m)' marker-end='url(#m)'/>");
+    const auto document = LoadContent(
+        "<marker id='m' markerWidth='10' markerHeight='10' refX='5' refY='5' markerUnits='userSpaceOnUse'>"
+        "<rect width='10' height='10' fill='red'/></marker><path d='M20 50H50H80' fill='none' "
+        "marker-start='url(#m)' marker-end='url(#m)'/>");
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(16, 46), Red);
     EXPECT_EQ(drawing.At(84, 54), Red);
@@ -152,7 +166,8 @@ TEST(Painter, GreysGradientsPatternsStrokesAndUses) {
     const auto document = LoadContent(
         "<linearGradient id='l'><stop stop-color='red'/><stop offset='1' stop-color='red'/></linearGradient>"
         "<pattern id='p' width='1' height='1'><rect width='100' height='100' fill='red'/></pattern>"
-        "<rect id='a' width='20' height='100' fill='url(#l)'/><rect x='20' width='20' height='100' fill='url(#p)'/>"
+        "<rect id='a' width='20' height='100' fill='url(#l)'/><rect x='20' width='20' height='100' "
+        "fill='url(#p)'/>"
         "<path d='M50 0V100' stroke='red' stroke-width='20'/><use href='#a' x='60'/>");
     document->SetEnabled(false);
     const TDrawing drawing = Drawn(*document);
@@ -168,9 +183,11 @@ TEST(Painter, KeepsAlphaWhenDisabled) {
 
 // Parts
 
-constexpr std::string_view Stack = "<rect id='low' width='100' height='100' fill='red'/><g id='outer'><rect id='in' width='60' height='100' "
-                                   "fill='lime'/><g id='pivot'><circle cx='50' cy='50' r='30' fill='blue'/></g><rect id='over' x='50' "
-                                   "width='10' height='100' fill='#ff0' fill-opacity='.5'/></g><rect id='top' y='90' width='100' height='10'/>";
+constexpr std::string_view Stack =
+    "<rect id='low' width='100' height='100' fill='red'/><g id='outer'><rect id='in' width='60' height='100' "
+    "fill='lime'/><g id='pivot'><circle cx='50' cy='50' r='30' fill='blue'/></g><rect id='over' x='50' "
+    "width='10' height='100' fill='#ff0' fill-opacity='.5'/></g><rect id='top' y='90' width='100' "
+    "height='10'/>";
 
 TEST(Painter, DrawsBeforeElementAndAfter) {
     const auto document = LoadContent(Stack);
@@ -204,13 +221,15 @@ TEST(Painter, SaysWhereThePartsAreNotTheWhole) {
         return document->CanDrawInParts(*document->Find<TSVGGraphicElement>(id));
     };
     EXPECT_TRUE(can("<g><a><switch><rect id='r'/></switch></a></g>"));
-    EXPECT_TRUE(can("<g><rect id='r' opacity='.5' clip-path='url(#c)'/></g>")) << "its own layer does no harm";
+    EXPECT_TRUE(can("<g><rect id='r' opacity='.5' clip-path='url(#c)'/></g>"))
+        << "its own layer does no harm";
     EXPECT_FALSE(can("<g opacity='.5'><rect id='r'/></g>"));
     EXPECT_FALSE(can("<g clip-path='url(#c)'><g><rect id='r'/></g></g>"));
     EXPECT_FALSE(can("<g mask='url(#c)'><rect id='r'/></g>"));
     EXPECT_FALSE(can("<g style='mix-blend-mode:multiply'><rect id='r'/></g>"));
     EXPECT_TRUE(can("<g mask='none' style='mix-blend-mode:normal;isolation:auto'><rect id='r'/></g>"));
-    EXPECT_FALSE(can("<rect id='r'/><rect style='mix-blend-mode:multiply'/>")) << "blends with what was cached apart";
+    EXPECT_FALSE(can("<rect id='r'/><rect style='mix-blend-mode:multiply'/>"))
+        << "blends with what was cached apart";
     EXPECT_TRUE(can("<g id='r' style='mix-blend-mode:screen'><rect style='mix-blend-mode:multiply'/></g>"));
     EXPECT_FALSE(can("<defs><rect id='r'/></defs>"));
     EXPECT_FALSE(can("<pattern><rect id='r'/></pattern>"));
@@ -282,14 +301,17 @@ TEST(Painter, DrawsTheElementAtAnyScale) {
         TVZGPBitmap bitmap(100, 100);
         const TAffine matrix = TAffine::Scaling(scale, scale);
         document->DrawElement(bitmap.GetCanvas(), matrix, pivot);
-        EXPECT_EQ(DrawingOf(bitmap), Drawn(*document, 100, 100, matrix)) << "what it kept is for another scale: " << scale;
+        EXPECT_EQ(DrawingOf(bitmap), Drawn(*document, 100, 100, matrix))
+            << "what it kept is for another scale: " << scale;
     }
 }
 
 TEST(Painter, KnowsThePixelsOfAnElement) {
-    const auto document = LoadContent("<g id='g'><rect x='10' y='20' width='30' height='40' stroke='red' stroke-width='4'/></g>"
-                                      "<g id='none'/>");
-    const TRectD box = document->GetDrawBounds(TAffine::Scaling(2, 2), *document->Find<TSVGGraphicElement>("g"));
+    const auto document =
+        LoadContent("<g id='g'><rect x='10' y='20' width='30' height='40' stroke='red' stroke-width='4'/></g>"
+                    "<g id='none'/>");
+    const TRectD box =
+        document->GetDrawBounds(TAffine::Scaling(2, 2), *document->Find<TSVGGraphicElement>("g"));
     EXPECT_NEAR(box.Left, 16, 0.01);
     EXPECT_NEAR(box.Top, 36, 0.01);
     EXPECT_NEAR(box.Right, 84, 0.01);
@@ -309,8 +331,9 @@ TEST(Painter, DrawsNothingOfAnotherDocument) {
 }
 
 TEST(Painter, AShapeInAGradientIsInNoPicture) {
-    const auto document = LoadContent("<linearGradient><rect id='pivot' width='50' height='50'/></linearGradient>"
-                                      "<rect x='60' width='9' height='9' fill='red'/>");
+    const auto document =
+        LoadContent("<linearGradient><rect id='pivot' width='50' height='50'/></linearGradient>"
+                    "<rect x='60' width='9' height='9' fill='red'/>");
     const auto& pivot = *document->Find<TSVGGraphicElement>("pivot");
     EXPECT_TRUE(document->GetDrawBounds({}, pivot).IsEmpty());
     TVZGPBitmap bitmap(100, 100);
@@ -335,8 +358,9 @@ TEST(Painter, DrawsWithAnyMatrix) {
     const auto document = LoadContent(Stack);
     const double none = NoNumber;
     const double endless = Endless;
-    for (const TAffine& matrix : {TAffine{none, 0, 0, 1, 0, 0}, TAffine{1, 0, 0, 1, endless, 0}, TAffine{0, 0, 0, 0, 0, 0},
-                                  TAffine{1e300, 0, 0, 1e300, 0, 0}, TAffine{1e-300, 0, 0, 1e-300, 0, 0}})
+    for (const TAffine& matrix :
+         {TAffine{none, 0, 0, 1, 0, 0}, TAffine{1, 0, 0, 1, endless, 0}, TAffine{0, 0, 0, 0, 0, 0},
+          TAffine{1e300, 0, 0, 1e300, 0, 0}, TAffine{1e-300, 0, 0, 1e-300, 0, 0}})
         Drawn(*document, 50, 50, matrix);
 }
 

@@ -43,9 +43,9 @@ TEST(Reader, RaisesWhereTheRootIsAnother) {
 
 TEST(Reader, RaisesWhereXmlIsBroken) {
     for (const char* text :
-         {"", " ", "text", "<svg", "<svg>", "<svg></g>", "<svg/><svg/>", "<svg a='1' a='2'/>", "<svg>&nothing;</svg>",
-          "<svg a=1/>", "<svg>\x01</svg>", "<svg>\xFF</svg>", "<svg>&#0;</svg>", "<?xml version='1.0' encoding='koi-9'?><svg/>",
-          "<svg:g xmlns:svg='http://www.w3.org/2000/svg'/>"})
+         {"", " ", "text", "<svg", "<svg>", "<svg></g>", "<svg/><svg/>", "<svg a='1' a='2'/>",
+          "<svg>&nothing;</svg>", "<svg a=1/>", "<svg>\x01</svg>", "<svg>\xFF</svg>", "<svg>&#0;</svg>",
+          "<?xml version='1.0' encoding='koi-9'?><svg/>", "<svg:g xmlns:svg='http://www.w3.org/2000/svg'/>"})
         EXPECT_FALSE(ErrorOf(text).GetReason().empty()) << text;
 }
 
@@ -58,9 +58,12 @@ TEST(Reader, RaisesWhereTheTextIsTooLarge) {
 
 TEST(Reader, TakesTheEncodingsOfXml) {
     EXPECT_NE(LoadText("\xEF\xBB\xBF<svg><g id='a'/></svg>")->FindElement("a"), nullptr);
-    EXPECT_NE(LoadText("<?xml version='1.0' encoding='ISO-8859-1'?><svg><g id='\xE4'/></svg>")->FindElement("\xC3\xA4"), nullptr);
+    EXPECT_NE(LoadText("<?xml version='1.0' encoding='ISO-8859-1'?><svg><g id='\xE4'/></svg>")
+                  ->FindElement("\xC3\xA4"),
+              nullptr);
     std::string wide("\xFF\xFE", 2);
-    for (const char c : std::string("<svg><style>rect{fill:lime}</style><rect id='a' width='100' height='100'/></svg>"))
+    for (const char c :
+         std::string("<svg><style>rect{fill:lime}</style><rect id='a' width='100' height='100'/></svg>"))
         wide += {c, '\0'};
     const auto document = LoadText(wide);
     ASSERT_NE(document->FindElement("a"), nullptr);
@@ -68,11 +71,13 @@ TEST(Reader, TakesTheEncodingsOfXml) {
 }
 
 TEST(Reader, KnowsElementsByTheirNamespace) {
-    const auto prefixed = LoadText("<s:svg xmlns:s='http://www.w3.org/2000/svg'><s:g id='a'/><g id='b'/></s:svg>");
+    const auto prefixed =
+        LoadText("<s:svg xmlns:s='http://www.w3.org/2000/svg'><s:g id='a'/><g id='b'/></s:svg>");
     EXPECT_NE(prefixed->FindElement("a"), nullptr);
-    const auto foreign = LoadText("<svg xmlns='http://www.w3.org/2000/svg' xmlns:e='http://example.org/editor'>"
-                                  "<e:g id='a'><g id='in'/></e:g><g xmlns='http://example.org/x' id='b'/>"
-                                  "<metadata><rdf:g xmlns:rdf='r' id='c'/></metadata><g id='d' e:id='e' e:opacity='0'/></svg>");
+    const auto foreign = LoadText(
+        "<svg xmlns='http://www.w3.org/2000/svg' xmlns:e='http://example.org/editor'>"
+        "<e:g id='a'><g id='in'/></e:g><g xmlns='http://example.org/x' id='b'/>"
+        "<metadata><rdf:g xmlns:rdf='r' id='c'/></metadata><g id='d' e:id='e' e:opacity='0'/></svg>");
     for (const char* id : {"a", "in", "b", "c", "e"})
         EXPECT_EQ(foreign->FindElement(id), nullptr) << id;
     ASSERT_NE(foreign->FindElement("d"), nullptr);
@@ -81,9 +86,10 @@ TEST(Reader, KnowsElementsByTheirNamespace) {
 }
 
 TEST(Reader, BindsPrefixesWhereTheyAreDeclared) {
-    const auto document = LoadText("<svg xmlns='http://www.w3.org/2000/svg' xmlns:p='http://example.org/'>"
-                                   "<g xmlns:p='http://www.w3.org/2000/svg'><p:g id='in'/><g xmlns:p=''><p:g id='deep'/></g>"
-                                   "<p:g id='in2'/></g><p:g id='out'/></svg>");
+    const auto document =
+        LoadText("<svg xmlns='http://www.w3.org/2000/svg' xmlns:p='http://example.org/'>"
+                 "<g xmlns:p='http://www.w3.org/2000/svg'><p:g id='in'/><g xmlns:p=''><p:g id='deep'/></g>"
+                 "<p:g id='in2'/></g><p:g id='out'/></svg>");
     EXPECT_NE(document->FindElement("in"), nullptr);
     EXPECT_NE(document->FindElement("in2"), nullptr);
     EXPECT_EQ(document->FindElement("out"), nullptr);
@@ -133,8 +139,9 @@ TEST(Reader, SkipsWhatItDoesNotKnowWithANote) {
 }
 
 TEST(Reader, NotesWhereAStyleIsBrokenBesideASheet) {
-    const auto document = LoadText("<svg xmlns='http://www.w3.org/2000/svg'>\n<style>g{fill:red}\nrect:hover(1){fill:red}</style>\n"
-                                   "<g style='fill:nothing'/>\n<g/></svg>");
+    const auto document = LoadText(
+        "<svg xmlns='http://www.w3.org/2000/svg'>\n<style>g{fill:red}\nrect:hover(1){fill:red}</style>\n"
+        "<g style='fill:nothing'/>\n<g/></svg>");
     ASSERT_EQ(document->GetDiagnostics().size(), 2u);
     EXPECT_EQ(document->GetDiagnostics()[1].Line, 4);
     EXPECT_THAT(document->GetDiagnostics()[1].Text, HasSubstr("nothing"));
@@ -184,20 +191,23 @@ TEST(Reader, KnowsEverythingThatArtworksUse) {
 }
 
 TEST(Reader, IgnoresTitleAndMetadataWhenDrawing) {
-    const auto document = LoadContent("<title>A <b>bold</b> name</title><desc>d</desc><metadata><rect width='9' height='9'/></metadata>");
+    const auto document = LoadContent(
+        "<title>A <b>bold</b> name</title><desc>d</desc><metadata><rect width='9' height='9'/></metadata>");
     EXPECT_TRUE(Drawn(*document).IsEmpty());
     EXPECT_EQ(static_cast<const TSVGPlainElement&>(document->GetChild(0)).GetText(), "A  name");
 }
 
 TEST(Reader, ReadsTextWithItsParts) {
-    const auto document = LoadContent("<text id='t'>a&amp;b<tspan id='s'> c\n</tspan>d<![CDATA[<e>]]><unknown>f</unknown>g</text>");
+    const auto document = LoadContent(
+        "<text id='t'>a&amp;b<tspan id='s'> c\n</tspan>d<![CDATA[<e>]]><unknown>f</unknown>g</text>");
     EXPECT_EQ(document->Find<TSVGCustomText>("t")->GetText(), "a&b c\nd<e>g");
     EXPECT_EQ(document->Find<TSVGCustomText>("s")->GetText(), " c\n");
 }
 
 TEST(Reader, PutsCharactersOfAnotherTextIn) {
-    const auto document = LoadContent("<defs><text id='a'>one <tspan>two</tspan></text></defs>"
-                                      "<text id='t'><tref xlink:href='#a'/>!</text><text id='u'><tref xlink:href='#u'/></text>");
+    const auto document = LoadContent(
+        "<defs><text id='a'>one <tspan>two</tspan></text></defs>"
+        "<text id='t'><tref xlink:href='#a'/>!</text><text id='u'><tref xlink:href='#u'/></text>");
     EXPECT_EQ(document->Find<TSVGCustomText>("t")->GetText(), "one two!");
     EXPECT_EQ(document->Find<TSVGCustomText>("u")->GetText(), "");
 }
@@ -219,8 +229,9 @@ TEST(Reader, BoundsTheDepthOfElements) {
 
 TEST(Reader, AppliesTheCascade) {
     const auto color = [](std::string_view sheet, std::string_view attributes) {
-        return LoadContent("<style>" + std::string(sheet) + "</style><g class='up'><rect id='r' class='a b' " +
-                           std::string(attributes) + "/></g>")
+        return LoadContent("<style>" + std::string(sheet) +
+                           "</style><g class='up'><rect id='r' class='a b' " + std::string(attributes) +
+                           "/></g>")
             ->Find<TSVGGraphicElement>("r")
             ->GetBrush()
             .GetColor();
@@ -240,8 +251,9 @@ TEST(Reader, AppliesTheCascade) {
 }
 
 TEST(Reader, AppliesSheetsToElementsBeforeThem) {
-    const auto document = LoadContent("<rect id='r' width='50' height='50'/><style type='text/css'><![CDATA[#r{fill:lime;"
-                                      "transform:translate(20px,0)}]]></style><style type='text/other'>#r{fill:red}</style>");
+    const auto document =
+        LoadContent("<rect id='r' width='50' height='50'/><style type='text/css'><![CDATA[#r{fill:lime;"
+                    "transform:translate(20px,0)}]]></style><style type='text/other'>#r{fill:red}</style>");
     EXPECT_EQ(Drawn(*document).At(60, 25), 0xFF00FF00u);
     EXPECT_EQ(Drawn(*document).At(10, 25), 0u);
 }
@@ -256,9 +268,10 @@ TEST(Reader, HidesThroughASheet) {
 // Names that belong to others
 
 TEST(Reader, TakesUnitsOnlyFromAnElementsOwnAttribute) {
-    const auto document = LoadContent("<mask id='m' patternUnits='userSpaceOnUse' maskContentUnits='objectBoundingBox'/>"
-                                      "<marker id='k' width='7' markerWidth='5' markerUnits='userSpaceOnUse'/>"
-                                      "<pattern id='p' patternUnits='strokeWidth'/>");
+    const auto document =
+        LoadContent("<mask id='m' patternUnits='userSpaceOnUse' maskContentUnits='objectBoundingBox'/>"
+                    "<marker id='k' width='7' markerWidth='5' markerUnits='userSpaceOnUse'/>"
+                    "<pattern id='p' patternUnits='strokeWidth'/>");
     const auto find = [&](const char* id) { return document->Find<TSVGReferenced>(id); };
     EXPECT_FALSE(find("m")->GetUnits().has_value());
     EXPECT_EQ(find("m")->GetContentUnits(), TSVGUnits::ObjectBoundingBox);

@@ -16,7 +16,8 @@ constexpr std::uint32_t Lime = 0xFF00FF00;
 TEST(ViewBox, IsReadWithBlanksOrCommas) {
     EXPECT_EQ(ParseViewBox("0 0 10 20"), (TSVGViewBox{0, 0, 10, 20}));
     EXPECT_EQ(ParseViewBox(" -1,-2.5 , 1e1,\n20 "), (TSVGViewBox{-1, -2.5, 10, 20}));
-    for (const char* bad : {"", "0 0 10", "0 0 10 20 30", "0 0 0 20", "0 0 10 -20", "0 0 a 20", "0 0 10px 20"})
+    for (const char* bad :
+         {"", "0 0 10", "0 0 10 20 30", "0 0 0 20", "0 0 10 -20", "0 0 a 20", "0 0 10px 20"})
         EXPECT_FALSE(ParseViewBox(bad).has_value()) << bad;
 }
 
@@ -78,8 +79,9 @@ TEST(Group, ConditionsCountOutsideOfASwitchToo) {
 // Use
 
 TEST(Use, DrawsAnotherElementInItsPlace) {
-    const auto document = LoadContent("<defs><rect id='r' width='10' height='10'/></defs>"
-                                      "<use id='u' xlink:href='#r' x='20' y='30' fill='red' transform='scale(2)'/>");
+    const auto document =
+        LoadContent("<defs><rect id='r' width='10' height='10'/></defs>"
+                    "<use id='u' xlink:href='#r' x='20' y='30' fill='red' transform='scale(2)'/>");
     TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(41, 61), Red);
     EXPECT_EQ(drawing.At(59, 79), Red);
@@ -94,7 +96,8 @@ TEST(Use, DrawsAnotherElementInItsPlace) {
 }
 
 TEST(Use, FollowsEditsOfItsTarget) {
-    const auto document = LoadContent("<defs><rect id='r' width='10' height='10' fill='red'/></defs><use href='#r'/>");
+    const auto document =
+        LoadContent("<defs><rect id='r' width='10' height='10' fill='red'/></defs><use href='#r'/>");
     document->Find<TSVGGraphicElement>("r")->GetBrush().SetColor(Blue);
     EXPECT_EQ(Drawn(*document).At(5, 5), Blue);
     document->FindElement("r")->Remove();
@@ -102,8 +105,9 @@ TEST(Use, FollowsEditsOfItsTarget) {
 }
 
 TEST(Use, FitsASymbolIntoItsSize) {
-    const auto document = LoadContent("<symbol id='s' viewBox='0 0 10 10'><rect x='-5' width='20' height='10' fill='red'/></symbol>"
-                                      "<use href='#s' x='10' y='20' width='40' height='20'/>");
+    const auto document = LoadContent(
+        "<symbol id='s' viewBox='0 0 10 10'><rect x='-5' width='20' height='10' fill='red'/></symbol>"
+        "<use href='#s' x='10' y='20' width='40' height='20'/>");
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(11, 30), Red) << "the symbol's viewport is 40 wide, 20 on each side left over";
     EXPECT_EQ(drawing.At(49, 30), Red);
@@ -116,7 +120,10 @@ TEST(Use, FitsASymbolIntoItsSize) {
 TEST(Use, LeavesCycles) {
     EXPECT_TRUE(Drawn(*LoadContent("<use id='u' href='#u'/>")).IsEmpty());
     EXPECT_TRUE(Drawn(*LoadContent("<use id='a' href='#b'/><use id='b' href='#a'/>")).IsEmpty());
-    EXPECT_EQ(Drawn(*LoadContent("<g id='g'><rect width='9' height='9' fill='red'/><use href='#g' x='9'/></g>")).At(12, 3), 0u);
+    EXPECT_EQ(
+        Drawn(*LoadContent("<g id='g'><rect width='9' height='9' fill='red'/><use href='#g' x='9'/></g>"))
+            .At(12, 3),
+        0u);
     EXPECT_TRUE(Drawn(*LoadContent("<use href='#root'/>", "id='root' width='100' height='100'")).IsEmpty());
 }
 
@@ -133,7 +140,8 @@ TEST(View, HasItsOwnViewport) {
 }
 
 TEST(View, WithoutExtentIsNotDrawn) {
-    EXPECT_TRUE(Drawn(*LoadContent("<svg width='0' height='9'><rect width='9' height='9'/></svg>")).IsEmpty());
+    EXPECT_TRUE(
+        Drawn(*LoadContent("<svg width='0' height='9'><rect width='9' height='9'/></svg>")).IsEmpty());
 }
 
 // Images
@@ -152,9 +160,9 @@ std::string PngUri() {
 }
 
 TEST(Image, DrawsAPngFromADataUri) {
-    const auto document =
-        LoadContent("<image id='i' width='40' height='20' preserveAspectRatio='none' style='image-rendering:pixelated' href='" +
-                    PngUri() + "'/>");
+    const auto document = LoadContent("<image id='i' width='40' height='20' preserveAspectRatio='none' "
+                                      "style='image-rendering:pixelated' href='" +
+                                      PngUri() + "'/>");
     ASSERT_NE(document->Find<TSVGImage>("i")->GetBitmap(), nullptr);
     EXPECT_EQ(document->Find<TSVGImage>("i")->GetBitmap()->GetWidth(), 2u);
     const TDrawing drawing = Drawn(*document);
@@ -165,9 +173,10 @@ TEST(Image, DrawsAPngFromADataUri) {
 }
 
 TEST(Image, DrawsAnSvgFromADataUri) {
-    const auto document = LoadContent("<image id='i' x='10' width='20' height='20' href='data:image/svg+xml;utf8,"
-                                      "%3Csvg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"%3E"
-                                      "%3Crect width=\"5\" height=\"10\" fill=\"lime\"/%3E%3C/svg%3E'/>");
+    const auto document =
+        LoadContent("<image id='i' x='10' width='20' height='20' href='data:image/svg+xml;utf8,"
+                    "%3Csvg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"%3E"
+                    "%3Crect width=\"5\" height=\"10\" fill=\"lime\"/%3E%3C/svg%3E'/>");
     ASSERT_NE(document->Find<TSVGImage>("i")->GetEmbedded(), nullptr);
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(12, 10), Lime);
@@ -175,9 +184,10 @@ TEST(Image, DrawsAnSvgFromADataUri) {
 }
 
 TEST(Image, IsNeverAFile) {
-    for (const char* href : {"picture.png", "file:///etc/passwd", "http://localhost/picture.png", "data:image/png;base64,AAAA",
-                             "data:image/png;base64,!", "data:nothing", ""}) {
-        const auto document = LoadContent("<image id='i' width='9' height='9' href='" + std::string(href) + "'/>");
+    for (const char* href : {"picture.png", "file:///etc/passwd", "http://localhost/picture.png",
+                             "data:image/png;base64,AAAA", "data:image/png;base64,!", "data:nothing", ""}) {
+        const auto document =
+            LoadContent("<image id='i' width='9' height='9' href='" + std::string(href) + "'/>");
         EXPECT_EQ(document->Find<TSVGImage>("i")->GetBitmap(), nullptr) << href;
         EXPECT_EQ(document->Find<TSVGImage>("i")->GetEmbedded(), nullptr) << href;
         EXPECT_EQ(document->GetDiagnostics().size(), 1u) << href;
@@ -207,17 +217,26 @@ TEST(BasicShape, HasItsLengthsByName) {
 
 TEST(BasicShape, DrawsEachKind) {
     EXPECT_EQ(Drawn(*LoadContent("<rect x='10' y='10' width='20' height='20' fill='red'/>")).At(11, 11), Red);
-    EXPECT_EQ(Drawn(*LoadContent("<rect x='10' y='10' width='20' height='20' rx='8' fill='red'/>")).At(10, 10), 0u);
+    EXPECT_EQ(
+        Drawn(*LoadContent("<rect x='10' y='10' width='20' height='20' rx='8' fill='red'/>")).At(10, 10), 0u);
     EXPECT_EQ(Drawn(*LoadContent("<circle cx='50%' cy='50%' r='20' fill='red'/>")).At(50, 31), Red);
     EXPECT_EQ(Drawn(*LoadContent("<ellipse cx='50' cy='50' rx='20' ry='10' fill='red'/>")).At(50, 35), 0u);
-    EXPECT_EQ(Drawn(*LoadContent("<ellipse cx='50' cy='50' ry='20' fill='red'/>")).At(31, 50), Red) << "rx as ry";
-    EXPECT_EQ(Drawn(*LoadContent("<line x1='10' y1='50' x2='90' y2='50' stroke='red' stroke-width='4'/>")).At(50, 51), Red);
+    EXPECT_EQ(Drawn(*LoadContent("<ellipse cx='50' cy='50' ry='20' fill='red'/>")).At(31, 50), Red)
+        << "rx as ry";
+    EXPECT_EQ(Drawn(*LoadContent("<line x1='10' y1='50' x2='90' y2='50' stroke='red' stroke-width='4'/>"))
+                  .At(50, 51),
+              Red);
     EXPECT_EQ(Drawn(*LoadContent("<polyline points='10,10 90,10 90,90' fill='red'/>")).At(80, 20), Red);
-    EXPECT_EQ(Drawn(*LoadContent("<polygon points='10 10 90 10 90 90' fill='none' stroke='red' stroke-width='4'/>")).At(50, 50), Red)
+    EXPECT_EQ(
+        Drawn(*LoadContent("<polygon points='10 10 90 10 90 90' fill='none' stroke='red' stroke-width='4'/>"))
+            .At(50, 50),
+        Red)
         << "closed";
-    EXPECT_TRUE(Drawn(*LoadContent("<rect width='-10' height='10'/><circle r='-1'/><rect width='0' height='10' stroke='red'/>"
-                                   "<polyline points='10 10' stroke='red'/>"))
-                    .IsEmpty());
+    EXPECT_TRUE(
+        Drawn(*LoadContent(
+                  "<rect width='-10' height='10'/><circle r='-1'/><rect width='0' height='10' stroke='red'/>"
+                  "<polyline points='10 10' stroke='red'/>"))
+            .IsEmpty());
 }
 
 TEST(Poly, DrawsUpToItsFirstFault) {

@@ -26,21 +26,24 @@ TEST(Writer, WritesAnEmptyDocument) {
 }
 
 TEST(Writer, WritesElementsInOrderWithTheirIds) {
-    const auto document = LoadContent("<title>t</title><g id='a'><rect id='b' width='1' height='2'/><path id='c' d='M0 0h9'/></g>",
-                                      "width='30' height='2cm' viewBox='0 0 3 4'");
-    EXPECT_EQ(document->WriteText(),
-              "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"30\" "
-              "height=\"2cm\" viewBox=\"0 0 3 4\">\n"
-              "  <title>t</title>\n"
-              "  <g id=\"a\">\n"
-              "    <rect id=\"b\" width=\"1\" height=\"2\"/>\n"
-              "    <path id=\"c\" d=\"M0 0L9 0\"/>\n"
-              "  </g>\n"
-              "</svg>\n");
+    const auto document = LoadContent(
+        "<title>t</title><g id='a'><rect id='b' width='1' height='2'/><path id='c' d='M0 0h9'/></g>",
+        "width='30' height='2cm' viewBox='0 0 3 4'");
+    EXPECT_EQ(
+        document->WriteText(),
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"30\" "
+        "height=\"2cm\" viewBox=\"0 0 3 4\">\n"
+        "  <title>t</title>\n"
+        "  <g id=\"a\">\n"
+        "    <rect id=\"b\" width=\"1\" height=\"2\"/>\n"
+        "    <path id=\"c\" d=\"M0 0L9 0\"/>\n"
+        "  </g>\n"
+        "</svg>\n");
 }
 
 TEST(Writer, WritesOneMatrixOrNone) {
-    const auto document = LoadContent("<g id='a' transform='translate(1 2) rotate(90)'/><g id='b' transform='scale(1)'/>");
+    const auto document =
+        LoadContent("<g id='a' transform='translate(1 2) rotate(90)'/><g id='b' transform='scale(1)'/>");
     EXPECT_THAT(Tag(*document, "a"), HasSubstr(" transform=\"matrix("));
     EXPECT_THAT(Tag(*document, "b"), Not(HasSubstr("transform")));
     auto* const b = document->Find<TSVGGraphicElement>("b");
@@ -51,7 +54,8 @@ TEST(Writer, WritesOneMatrixOrNone) {
 }
 
 TEST(Writer, WritesVisibilityAndOpacity) {
-    const auto document = LoadContent("<g id='a' style='display:none;opacity:.5'/><g id='b' display='inline' opacity='1'/>");
+    const auto document =
+        LoadContent("<g id='a' style='display:none;opacity:.5'/><g id='b' display='inline' opacity='1'/>");
     EXPECT_EQ(Tag(*document, "a"), "<g id=\"a\" display=\"none\" opacity=\"0.5\"/>");
     EXPECT_EQ(Tag(*document, "b"), "<g id=\"b\"/>");
     document->Find<TSVGGraphicElement>("a")->SetVisible(true);
@@ -63,7 +67,8 @@ TEST(Writer, WritesVisibilityAndOpacity) {
 }
 
 TEST(Writer, WritesStylesAsAttributes) {
-    const auto document = LoadContent("<style>#a{stroke:#0f0}</style><g id='a' fill='red' style='stroke-width:2px;mix-blend-mode:multiply'/>");
+    const auto document = LoadContent("<style>#a{stroke:#0f0}</style><g id='a' fill='red' "
+                                      "style='stroke-width:2px;mix-blend-mode:multiply'/>");
     const std::string tag = Tag(*document, "a");
     EXPECT_THAT(tag, HasSubstr(" fill=\"#ff0000\""));
     EXPECT_THAT(tag, HasSubstr(" stroke=\"#00ff00\""));
@@ -88,16 +93,22 @@ TEST(Writer, EscapesWhatXmlNeeds) {
 TEST(Writer, LeavesOutWhatXmlCannotHold) {
     const auto document = LoadContent("<text id='t'/>");
     auto* const text = document->Find<TSVGCustomText>("t");
-    text->SetText(std::string_view("a\0b\x01" "c\x1F", 6));
+    text->SetText(std::string_view("a\0b\x01"
+                                   "c\x1F",
+                                   6));
     EXPECT_EQ(LoadText(document->WriteText())->Find<TSVGCustomText>("t")->GetText(), "abc");
-    text->SetText("good\xFF" "bad");
+    text->SetText("good\xFF"
+                  "bad");
     EXPECT_EQ(LoadText(document->WriteText())->Find<TSVGCustomText>("t")->GetText(), "good");
 }
 
 TEST(Writer, WritesNoAttributeTwice) {
-    const auto document = LoadContent("<filter id='f'><feFlood fill='freeze' style='fill:red;flood-color:lime' flood-opacity='.5'/></filter>"
-                                      "<pattern id='p' x='1' y='2' width='3' height='4' viewBox='0 0 1 1' patternTransform='scale(2)' href='#q'/>"
-                                      "<marker id='m' x='1' markerWidth='2' width='3' refX='center' orient='45deg' opacity='.5' style='opacity:.2'/>");
+    const auto document = LoadContent("<filter id='f'><feFlood fill='freeze' "
+                                      "style='fill:red;flood-color:lime' flood-opacity='.5'/></filter>"
+                                      "<pattern id='p' x='1' y='2' width='3' height='4' viewBox='0 0 1 1' "
+                                      "patternTransform='scale(2)' href='#q'/>"
+                                      "<marker id='m' x='1' markerWidth='2' width='3' refX='center' "
+                                      "orient='45deg' opacity='.5' style='opacity:.2'/>");
     const auto again = LoadText(document->WriteText());
     EXPECT_EQ(again->WriteText(), document->WriteText());
     EXPECT_THAT(Tag(*document, "m"), HasSubstr("markerWidth=\"2\""));
@@ -141,38 +152,64 @@ TEST_P(WriterRoundTrip, DrawsAndReadsTheSame) {
 INSTANTIATE_TEST_SUITE_P(
     Pictures, WriterRoundTrip,
     testing::Values(
-        "<path d='M10 10 Q 30 0 40 40 T 80 40 A 20 10 30 0 1 50 80 S 10 90 20 60 z' fill='#8af' stroke='#123' stroke-width='3' "
-        "stroke-linejoin='round' stroke-linecap='square' stroke-dasharray='5,2 1' stroke-dashoffset='2' pathLength='300'/>",
-        "<g transform='rotate(33.3) skewX(7)' fill-rule='evenodd' opacity='.3'><path d='M10 10h60v20H10zM20 5h20v40H20z' "
+        "<path d='M10 10 Q 30 0 40 40 T 80 40 A 20 10 30 0 1 50 80 S 10 90 20 60 z' fill='#8af' "
+        "stroke='#123' stroke-width='3' "
+        "stroke-linejoin='round' stroke-linecap='square' stroke-dasharray='5,2 1' stroke-dashoffset='2' "
+        "pathLength='300'/>",
+        "<g transform='rotate(33.3) skewX(7)' fill-rule='evenodd' opacity='.3'><path d='M10 10h60v20H10zM20 "
+        "5h20v40H20z' "
         "fill='hsl(120 50% 40% / .7)'/></g>",
-        "<rect x='1%' y='1mm' width='50%' height='3em' rx='auto' ry='4'/><circle cx='50' cy='60' r='10%' stroke='red' fill='none'/>"
-        "<ellipse cx='70' cy='20' rx='20' ry='auto'/><line x2='90' y2='90' stroke='teal' stroke-miterlimit='2'/>",
-        "<linearGradient id='a' x1='10%' spreadMethod='reflect' gradientTransform='rotate(20)'><stop offset='20%' "
-        "stop-color='rgba(255,0,0,.5)'/><stop offset='1' stop-color='#00f' stop-opacity='.25'/></linearGradient>"
+        "<rect x='1%' y='1mm' width='50%' height='3em' rx='auto' ry='4'/><circle cx='50' cy='60' r='10%' "
+        "stroke='red' fill='none'/>"
+        "<ellipse cx='70' cy='20' rx='20' ry='auto'/><line x2='90' y2='90' stroke='teal' "
+        "stroke-miterlimit='2'/>",
+        "<linearGradient id='a' x1='10%' spreadMethod='reflect' gradientTransform='rotate(20)'><stop "
+        "offset='20%' "
+        "stop-color='rgba(255,0,0,.5)'/><stop offset='1' stop-color='#00f' "
+        "stop-opacity='.25'/></linearGradient>"
         "<radialGradient id='b' href='#a' cx='.3' fx='.4' fr='5%' gradientUnits='objectBoundingBox'/>"
-        "<rect width='50' height='90' fill='url(#a)'/><rect x='50' width='50' height='90' fill='url(#b) red' stroke='url(#a)'/>",
+        "<rect width='50' height='90' fill='url(#a)'/><rect x='50' width='50' height='90' fill='url(#b) red' "
+        "stroke='url(#a)'/>",
         "<text x='5 20 30' y='30' rotate='10 20' font-size='20' font-weight='bold' fill='red' stroke='blue' "
-        "stroke-width='.3'>abcd<tspan dx='2' dy='1em' letter-spacing='2' text-decoration='underline'>efg</tspan></text>",
-        "<defs><path id='p' d='M5 80 C 30 20 70 20 95 80'/></defs><text font-size='12'><textPath xlink:href='#p' "
+        "stroke-width='.3'>abcd<tspan dx='2' dy='1em' letter-spacing='2' "
+        "text-decoration='underline'>efg</tspan></text>",
+        "<defs><path id='p' d='M5 80 C 30 20 70 20 95 80'/></defs><text font-size='12'><textPath "
+        "xlink:href='#p' "
         "startOffset='10%' textLength='70' lengthAdjust='spacingAndGlyphs'>along a path</textPath></text>",
-        "<symbol id='s' viewBox='0 0 20 10' preserveAspectRatio='xMinYMin slice'><circle r='10' cx='10' cy='5' fill='red'/></symbol>"
-        "<use xlink:href='#s' x='10' y='10' width='40' height='40'/><use xlink:href='#s' x='60' width='20' height='50' "
+        "<symbol id='s' viewBox='0 0 20 10' preserveAspectRatio='xMinYMin slice'><circle r='10' cx='10' "
+        "cy='5' fill='red'/></symbol>"
+        "<use xlink:href='#s' x='10' y='10' width='40' height='40'/><use xlink:href='#s' x='60' width='20' "
+        "height='50' "
         "transform='rotate(5)' style='transform-origin:60px 20px'/>",
-        "<clipPath id='c' clipPathUnits='objectBoundingBox'><circle cx='.5' cy='.5' r='.5'/></clipPath><mask id='m' "
-        "maskContentUnits='objectBoundingBox' mask-type='alpha'><rect width='1' height='.5' opacity='.5'/></mask>"
-        "<rect width='60' height='60' clip-path='url(#c)' fill='red'/><rect x='60' width='40' height='60' mask='url(#m)'/>",
-        "<pattern id='p' width='10' height='8' patternUnits='userSpaceOnUse' patternTransform='rotate(30)'><path d='M0 0h5v4z' "
-        "fill='red'/></pattern><rect width='90' height='90' fill='url(#p)' stroke='url(#p)' stroke-width='9'/>",
-        "<marker id='m' markerWidth='4' markerHeight='4' refX='2' refY='2' orient='auto-start-reverse' overflow='visible'>"
-        "<path d='M0 0L4 2L0 4z' fill='context-stroke'/></marker><polyline points='10 10 50 50 90 10' fill='none' stroke='red' "
-        "stroke-width='3' marker-start='url(#m)' marker-mid='url(#m)' marker-end='url(#m)' paint-order='markers stroke'/>",
-        "<filter id='f' x='-20%' filterUnits='objectBoundingBox' primitiveUnits='userSpaceOnUse'><feGaussianBlur in='SourceAlpha' "
-        "stdDeviation='2 1' result='b'/><feOffset dx='3'/><feMerge><feMergeNode in='b'/><feMergeNode in='SourceGraphic'/></feMerge>"
+        "<clipPath id='c' clipPathUnits='objectBoundingBox'><circle cx='.5' cy='.5' r='.5'/></clipPath><mask "
+        "id='m' "
+        "maskContentUnits='objectBoundingBox' mask-type='alpha'><rect width='1' height='.5' "
+        "opacity='.5'/></mask>"
+        "<rect width='60' height='60' clip-path='url(#c)' fill='red'/><rect x='60' width='40' height='60' "
+        "mask='url(#m)'/>",
+        "<pattern id='p' width='10' height='8' patternUnits='userSpaceOnUse' "
+        "patternTransform='rotate(30)'><path d='M0 0h5v4z' "
+        "fill='red'/></pattern><rect width='90' height='90' fill='url(#p)' stroke='url(#p)' "
+        "stroke-width='9'/>",
+        "<marker id='m' markerWidth='4' markerHeight='4' refX='2' refY='2' orient='auto-start-reverse' "
+        "overflow='visible'>"
+        "<path d='M0 0L4 2L0 4z' fill='context-stroke'/></marker><polyline points='10 10 50 50 90 10' "
+        "fill='none' stroke='red' "
+        "stroke-width='3' marker-start='url(#m)' marker-mid='url(#m)' marker-end='url(#m)' "
+        "paint-order='markers stroke'/>",
+        "<filter id='f' x='-20%' filterUnits='objectBoundingBox' "
+        "primitiveUnits='userSpaceOnUse'><feGaussianBlur in='SourceAlpha' "
+        "stdDeviation='2 1' result='b'/><feOffset dx='3'/><feMerge><feMergeNode in='b'/><feMergeNode "
+        "in='SourceGraphic'/></feMerge>"
         "</filter><rect x='20' y='20' width='40' height='40' fill='red' filter='url(#f)'/>",
-        "<switch><g systemLanguage='xx'/><g requiredExtensions='none'/><a href='http://example.org/'><svg x='10' y='10' width='50' "
-        "height='20' viewBox='0 0 10 10' overflow='visible'><rect width='100%' height='10' fill='currentColor' color='red'/></svg></a></switch>",
-        "<g style='mix-blend-mode:multiply;isolation:isolate'><rect width='60' height='60' fill='#f80'/><rect x='20' y='20' width='60' "
-        "height='60' fill='#08f' style='mix-blend-mode:screen' shape-rendering='crispEdges' vector-effect='non-scaling-stroke'/></g>"));
+        "<switch><g systemLanguage='xx'/><g requiredExtensions='none'/><a href='http://example.org/'><svg "
+        "x='10' y='10' width='50' "
+        "height='20' viewBox='0 0 10 10' overflow='visible'><rect width='100%' height='10' "
+        "fill='currentColor' color='red'/></svg></a></switch>",
+        "<g style='mix-blend-mode:multiply;isolation:isolate'><rect width='60' height='60' "
+        "fill='#f80'/><rect x='20' y='20' width='60' "
+        "height='60' fill='#08f' style='mix-blend-mode:screen' shape-rendering='crispEdges' "
+        "vector-effect='non-scaling-stroke'/></g>"));
 
 constexpr const char* OnPaths = "<defs><path id='p' d='M0 20H90'/></defs>"
                                 "<g id='all' font-size='10' fill='#ff0000'>"
@@ -232,9 +269,11 @@ TEST(Writer, OnlyWhatIsDrawnInPlaceHasOutlines) {
     for (const std::string& content :
          {"<g display='none'>" + words + "</g>", "<defs><g>" + words + "</g></defs>",
           "<clipPath id='c'>" + words + "</clipPath>", std::string("<text x='5' y='9'>ab</text>")})
-        EXPECT_THAT(LoadContent((line + content).c_str())->WriteText(), Not(HasSubstr("<switch>"))) << content;
+        EXPECT_THAT(LoadContent((line + content).c_str())->WriteText(), Not(HasSubstr("<switch>")))
+            << content;
     // Beside other things a text stands for itself.
-    const std::string mixed = LoadContent((line + "<g><rect id='r'/>" + words + words + "</g>").c_str())->WriteText();
+    const std::string mixed =
+        LoadContent((line + "<g><rect id='r'/>" + words + words + "</g>").c_str())->WriteText();
     EXPECT_EQ(Count(mixed, "<switch>"), 2);
     EXPECT_EQ(Count(mixed, "<path d="), 2);
 }
