@@ -4,6 +4,7 @@
 
 #include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
+#include "tavro/runtime/Updates.h"
 
 #include <fstream>
 #include <numbers>
@@ -41,10 +42,12 @@ struct TScene {
     static double AngleDeg(int frame) { return -135 + 270.0 / FramesPerSweep * frame; }
     /// The edit of a frame, as an instrument's setter makes it.
     void Turn(int frame) {
-        Control->GetDocument().BeginUpdate();
-        Moving->SetMatrix(CreateRotationVZMatrix(
-            {Artwork.Center, Artwork.Center}, static_cast<float>(AngleDeg(frame) * std::numbers::pi / 180)));
-        Control->GetDocument().EndUpdate();
+        {
+            const TUpdateScope update(Control->GetDocument());
+            Moving->SetMatrix(
+                CreateRotationVZMatrix({Artwork.Center, Artwork.Center},
+                                       static_cast<float>(AngleDeg(frame) * std::numbers::pi / 180)));
+        }
         Control->Invalidate();
     }
     /// What the host is to paint in each frame of a sweep.

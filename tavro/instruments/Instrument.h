@@ -3,6 +3,7 @@
 #include "tavro/instruments/ColorFunctions.h"
 #include "tavro/instruments/Decoration.h"
 #include "tavro/instruments/InstrumentTables.h"
+#include "tavro/runtime/Updates.h"
 #include "tavro/svg/Control.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/Font.h"
@@ -178,7 +179,7 @@ protected:
     template <class T> T* Find(std::string_view id) const { return GetDocument().Find<T>(id); }
     /// Runs edits of the document inside one update of it, also ended by an exception.
     template <class F> void EditDocument(F edits) {
-        const TDocumentUpdate update(GetDocument());
+        const TUpdateScope update(GetDocument());
         edits();
     }
     /// What an edit reaches: anything of the picture, or the active element only, which is in no cache.
@@ -264,21 +265,6 @@ protected:
     TDecoration FDecoration = TDecoration::dcNone;
 
 private:
-    /// One update of a document, for the time of a scope.
-    class TDocumentUpdate {
-    public:
-        explicit TDocumentUpdate(TSVGDocument& document)
-            : FDocument(document) {
-            FDocument.BeginUpdate();
-        }
-        ~TDocumentUpdate() { FDocument.EndUpdate(); }
-        TDocumentUpdate(const TDocumentUpdate&) = delete;
-        TDocumentUpdate& operator=(const TDocumentUpdate&) = delete;
-
-    private:
-        TSVGDocument& FDocument;
-    };
-
     /// Where an element's centre was found to be, for as long as the document does not change but by what
     /// turns about it.
     struct TKnownCenter {

@@ -152,7 +152,10 @@ public:
     /// A setter that refuses its own earlier value does not keep the others from theirs.
     void Restore() const {
         FComponent.SetName(FName);
-        InUpdate(FComponent, [&] { RunBackwards(FUndo); });
+        {
+            const TUpdateScope update(FComponent);
+            RunBackwards(FUndo);
+        }
         RunBackwards(FTextUndo);
     }
 

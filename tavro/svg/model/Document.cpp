@@ -2,6 +2,7 @@
 
 #include "tavro/runtime/AtomicFile.h"
 #include "tavro/runtime/Events.h"
+#include "tavro/runtime/Updates.h"
 #include "tavro/svg/model/ElementMemoryInternal.h"
 #include "tavro/svg/model/Reader.h"
 
@@ -72,7 +73,7 @@ void TSVGDocument::LoadFromFile(const std::string& path) {
 void TSVGDocument::TakeContent(const TSVGDocument& other, std::vector<std::unique_ptr<TSVGElement>> children,
                                TSVGIdTable ids) {
     const bool enabled = GetEnabled();
-    BeginUpdate();
+    const TUpdateScope update(*this);
     RemoveChildren();
     CopyFrom(other);
     FEnabled = enabled;
@@ -86,7 +87,6 @@ void TSVGDocument::TakeContent(const TSVGDocument& other, std::vector<std::uniqu
     FIds = std::move(ids);
     if (FIdPlace) FIds.Set(FIdPlace, this);
     Changed(TSVGChangeKind::Structure);
-    EndUpdate();
 }
 
 void TSVGDocument::AssignContent(const TSVGDocument& source) {

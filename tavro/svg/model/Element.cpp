@@ -1,6 +1,7 @@
 #include "tavro/svg/model/Element.h"
 
 #include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Updates.h"
 #include "tavro/svg/model/CompiledInternal.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/ElementMemoryInternal.h"
@@ -185,12 +186,11 @@ void TSVGElement::SetSet(TSVGStyleProperty property, bool included) {
 
 void TSVGElement::SetValue(const TSVGStyleSet& set) {
     if (set == FStyle) return;
-    BeginUpdate();
+    const TUpdateScope update(*this);
     FStyle = {};
     for (const auto& [property, value] : set.Entries())
         PutStyle(property, value);
     Changed(TSVGChangeKind::Paint);
-    EndUpdate();
 }
 
 TComputedStyle TSVGElement::GetComputedStyle() const {
@@ -309,7 +309,7 @@ void TSVGBrush::SetColor(TVZGPColor color) {
         value.Fallback = TStyleValue::TFallback::Color;
     else if (value.Kind != K::NoPaint)
         value.Kind = K::Color;
-    FElement->BeginUpdate();
+    const TUpdateScope update(*FElement);
     Put(std::move(value));
     const TStyleValue* const inherited = FElement->FindInherited(FOpacity);
     const double opacity = AlphaOf(color) / 255.0;
@@ -319,7 +319,6 @@ void TSVGBrush::SetColor(TVZGPColor color) {
         number.Number = opacity;
         FElement->PutStyle(FOpacity, std::move(number));
     }
-    FElement->EndUpdate();
 }
 
 TSVGPen::TSVGPen(TSVGElement& element)
@@ -402,7 +401,7 @@ void TSVGGraphicElement::SetFont(const TSVGFont* font) {
     if (!font) return;
     using P = TSVGStyleProperty;
     using K = TStyleValue::TKind;
-    BeginUpdate();
+    const TUpdateScope update(*this);
     TStyleValue value;
     if (!font->GetFamily().empty()) {
         value.Kind = K::Text;
@@ -427,7 +426,6 @@ void TSVGGraphicElement::SetFont(const TSVGFont* font) {
         value.Word = font->GetStyle() == TSVGFontStyle::fsItalic ? TKeyword::Italic : TKeyword::Normal;
         PutStyle(P::FontStyle, value);
     }
-    EndUpdate();
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #include "tavro/svg/model/Reader.h"
 
 #include "tavro/runtime/Exceptions.h"
+#include "tavro/runtime/Updates.h"
 #include "tavro/svg/css/StyleSheet.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/ElementFactory.h"
@@ -465,9 +466,8 @@ void ReadSvg(std::string_view text, std::string_view source, TSVGDocument& docum
     const bool isWide = text.substr(0, 4).find('\0') != text.npos || text.starts_with("\xFE\xFF") ||
                         text.starts_with("\xFF\xFE");
     const bool hasSheets = isWide || text.find("<style") != text.npos || text.find(":style") != text.npos;
-    document.BeginUpdate();
+    const TUpdateScope update(document);
     TSVGReader(source, document, hasSheets).Run(text);
-    document.EndUpdate();
 }
 
 } // namespace Vz

@@ -1,5 +1,6 @@
 #include "tavro/svg/model/TextElements.h"
 
+#include "tavro/runtime/Updates.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/values/Scan.h"
 
@@ -60,10 +61,9 @@ void TSVGCustomText::SetText(std::string_view text) {
             characters->SetText(text);
             return;
         }
-    BeginUpdate();
+    const TUpdateScope update(*this);
     RemoveChildren();
     if (!text.empty()) Add<TSVGCharacters>().SetText(text);
-    EndUpdate();
 }
 
 bool TSVGCustomText::ReadAttribute(std::string_view name, std::string_view value) {

@@ -121,6 +121,16 @@ TEST(Instrument, SettersActAtOnceInsideABatch) {
     probe->EndUpdate();
 }
 
+TEST(Instrument, FaultOfAHandlerBelowASetterReachesTheCaller) {
+    const auto probe = TProbe::Create();
+    probe->GetDocument().OnChange = [](const TSVGChange&) { throw EConvertError("a handler's fault"); };
+    EXPECT_THROW(probe->SetDecorationFillColor(0xFF112233), EConvertError);
+    TWatch watch(*probe);
+    probe->SetDecorationFillColor(0xFF445566);
+    EXPECT_EQ(watch.Notices, 1) << "no update of the document was left open";
+    EXPECT_EQ(probe->GetDecorationFillColor(), 0xFF445566u);
+}
+
 // Steps
 
 TEST(Instrument, StepsEditMarkAndInvalidate) {

@@ -182,17 +182,30 @@ TEST_F(TComponentTest, ComponentsMoveBetweenOwners) {
     EXPECT_EQ(to->GetComponentCount(), 1);
 }
 
-TEST_F(TComponentTest, InUpdateEndsAlsoWhenTheEditFails) {
+TEST_F(TComponentTest, UpdateScopeEndsAlsoWhenTheEditFails) {
     struct TCounter {
         int Open = 0;
         int Ended = 0;
         void BeginUpdate() { ++Open; }
-        void EndUpdate() { --Open, ++Ended; }
+        bool Fails = false;
+        void EndUpdate() {
+            --Open, ++Ended;
+            if (Fails) throw EConvertError("a notice");
+        }
+        void Edit(bool fails) {
+            const TUpdateScope update(*this);
+            EXPECT_EQ(Open, 1);
+            if (fails) throw EReadError("an edit");
+        }
     } counter;
-    InUpdate(counter, [&] { EXPECT_EQ(counter.Open, 1); });
+    counter.Edit(false);
     EXPECT_EQ(counter.Ended, 1);
-    EXPECT_THROW(InUpdate(counter, [] { throw EReadError("x"); }), EReadError);
+    EXPECT_THROW(counter.Edit(true), EReadError);
     EXPECT_EQ(counter.Ended, 2);
+    counter.Fails = true;
+    EXPECT_THROW(counter.Edit(false), EConvertError) << "what a notice raises reaches the caller";
+    EXPECT_THROW(counter.Edit(true), EReadError) << "the edit's own fault goes first";
+    EXPECT_EQ(counter.Ended, 4);
     EXPECT_EQ(counter.Open, 0);
 }
 

@@ -211,6 +211,23 @@ TEST(Element, TellsNestedUpdatesOnceAtTheOutermostEnd) {
     EXPECT_EQ(notices.Take(), 0u) << "an update without an edit";
 }
 
+TEST(Element, FaultOfAHandlerReachesTheCallerAndBalancesTheUpdates) {
+    const auto document = Nested();
+    auto* const box = document->Find<TSVGGraphicElement>("box");
+    document->OnChange = [](const TSVGChange&) { throw EConvertError("a handler's fault"); };
+    EXPECT_THROW(box->GetBrush().SetColor(0x80FF0000), EConvertError); // an update of its own
+    EXPECT_THROW(box->SetVisible(false), EConvertError);
+    EXPECT_EQ(box->GetBrush().GetColor(), 0x80FF0000u) << "the edit stands";
+    TNotices notices(*document);
+    box->SetVisible(true);
+    EXPECT_EQ(notices.Take(), 1u) << "no update was left open";
+    document->BeginUpdate();
+    box->SetVisible(false);
+    EXPECT_EQ(notices.Take(), 0u);
+    document->EndUpdate();
+    EXPECT_EQ(notices.Take(), 1u);
+}
+
 TEST(Element, OutsideOfTheTreeTellsNothing) {
     const auto document = Nested();
     TNotices notices(*document);
