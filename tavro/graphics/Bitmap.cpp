@@ -90,6 +90,11 @@ std::string EncodePng(const TPixels& pixels) {
     return bytes;
 }
 
+std::uint64_t CountPngPixels(std::span<const char> bytes) {
+    const TSizeF size = ReadPngSize(bytes);
+    return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height);
+}
+
 std::unique_ptr<TVZGPBitmap> DecodePng(std::span<const char> bytes) {
     const TSizeF size = ReadPngSize(bytes);
     const TSurface surface(cairo_image_surface_create_from_png_stream(ReadBytes, &bytes));

@@ -57,6 +57,9 @@ private:
 std::string EncodePng(const TPixels& pixels);
 /// The most pixels that DecodePng takes, so that a few bytes cannot claim gigabytes.
 inline constexpr std::uint64_t MaxPngPixels = std::uint64_t{1} << 25;
+/// How many pixels a PNG file says that it has. Raises EReadError where its header is none, or exceeds
+/// TVZGPBitmap::MaxExtent or MaxPngPixels.
+std::uint64_t CountPngPixels(std::span<const char> bytes);
 /// A PNG file's picture, of any kind (grey, palette, 16 bits a channel by their upper 8, interlaced). Raises
 /// EReadError where the bytes are none or broken, or exceed TVZGPBitmap::MaxExtent or MaxPngPixels.
 std::unique_ptr<TVZGPBitmap> DecodePng(std::span<const char> bytes);

@@ -36,14 +36,16 @@ std::unique_ptr<TSVGElement> TSVGDocument::NewAlike(TSVGDocument&) const {
 
 // Content
 
-void TSVGDocument::LoadEmbedded(std::string_view text, int depth) {
-    FEmbeddingDepth = depth;
+void TSVGDocument::LoadEmbedded(std::string_view text, const TSVGDocument& outer) {
+    FEmbeddingDepth = outer.FEmbeddingDepth + 1;
+    FPictures = outer.FPictures;
     LoadFromText(text, "embedded SVG");
 }
 
 void TSVGDocument::LoadFromText(std::string_view text, std::string_view source) {
     TSVGDocument fresh;
     fresh.FEmbeddingDepth = FEmbeddingDepth;
+    if (FEmbeddingDepth > 0) fresh.FPictures = FPictures;
     {
         const TElementBlocks blocks(0);
         ReadSvg(text, source, fresh);
@@ -78,6 +80,7 @@ void TSVGDocument::TakeContent(const TSVGDocument& other, std::vector<std::uniqu
     CopyFrom(other);
     FEnabled = enabled;
     FDuplicateIds = other.FDuplicateIds;
+    FPictures = other.FPictures;
     FDiagnostics.clear();
     FChildren = std::move(children);
     for (const auto& child : FChildren)

@@ -15,6 +15,7 @@
 namespace Vz {
 
 enum class TPaintPass;
+class TSVGPictures;
 
 /// A note of something in a document that was skipped.
 struct TSVGDiagnostic {
@@ -48,8 +49,8 @@ public:
     /// The deepest nesting of documents in documents, by data URI, that is read.
     static constexpr int MaxEmbedding = 4;
     int GetEmbeddingDepth() const { return FEmbeddingDepth; }
-    /// LoadFromText for a document that lies in another one, `depth` levels down.
-    void LoadEmbedded(std::string_view text, int depth);
+    /// LoadFromText for a document that lies in another one, with which it shares the bounds.
+    void LoadEmbedded(std::string_view text, const TSVGDocument& outer);
     /// Replaces the content by a copy of another document's.
     void AssignContent(const TSVGDocument& source);
     /// What the elements share with copies of the document lives from here on as long as the program, which
@@ -131,6 +132,7 @@ public:
 private:
     friend class TSVGElement;
     friend class TSVGReader;
+    friend struct TSVGPicture;
     [[noreturn]] static void RaiseInvalidCast(std::string_view id, const TSVGElement& element);
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
     void ChangeId(TSVGElement& element, std::string_view id);
@@ -165,6 +167,7 @@ private:
     TAffine FDrawMatrix;
     std::vector<TSVGDiagnostic> FDiagnostics;
     int FEmbeddingDepth = 0;
+    std::shared_ptr<TSVGPictures> FPictures; ///< null as long as there are none
     /// Fills in the place while a text is being read; empty at other times.
     std::function<void(TSVGDiagnostic& note)> FReadPlace;
 };

@@ -228,10 +228,11 @@ void TSVGElement::MakeLasting() {
     FStyle.MakeLasting();
 }
 
-void TSVGElement::Refuse(std::string_view name, std::string_view value) {
+void TSVGElement::Refuse(std::string_view name, std::string_view value, std::string_view why) {
     constexpr std::size_t longest = 40;
     std::string text{GetTagName()};
-    text += ": " + std::string(name) + ": cannot read \"" + std::string(value.substr(0, longest));
+    text +=
+        ": " + std::string(name) + ": " + std::string(why) + " \"" + std::string(value.substr(0, longest));
     text += value.size() > longest ? "...\"" : "\"";
     FDocument->AddDiagnostic(std::move(text));
 }

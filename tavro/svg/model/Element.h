@@ -155,8 +155,8 @@ protected:
     virtual void CopyFrom(const TSVGElement& source);
     /// What this element shares with its copies lives from here on as long as the program (see Lasting.h).
     virtual void MakeLasting();
-    /// Notes an attribute whose value cannot be read.
-    void Refuse(std::string_view name, std::string_view value);
+    /// Notes an attribute whose value is not taken.
+    void Refuse(std::string_view name, std::string_view value, std::string_view why = "cannot read");
 
 private:
     friend class TSVGDocument;

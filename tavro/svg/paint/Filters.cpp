@@ -359,7 +359,7 @@ TFilterImage TSVGPainter::TFilterJob::PaintedImage(const TSVGPlainElement& part,
         }
         TSVGDocument holder;
         auto& image = holder.Add<TSVGImage>();
-        image.ReadAttribute("href", *href);
+        image.SetPicture(part.GetPicture());
         if (const std::string* const ratio = part.FindAttribute("preserveAspectRatio"))
             image.ReadAttribute("preserveAspectRatio", *ratio);
         image.SetWidthLength(TSVGLength{TSVGUnit::Number, area.Width()});
