@@ -77,7 +77,7 @@ std::optional<TSVGStyleProperty> FilterPartProperty(std::string_view name) {
 /// How many characters all references to texts together may bring in: each may refer to others.
 constexpr std::size_t MaxReferencedText = std::size_t{1} << 20;
 /// How many steps the search for matching rules may take in a document.
-constexpr std::int64_t MaxMatchSteps = 16'000'000;
+constexpr std::int64_t MaxMatchSteps = 8'000'000;
 
 void CollectCharacters(const TSVGElement& element, std::string& text) {
     if (text.size() > MaxReferencedText) return;

@@ -38,7 +38,9 @@ public:
     double Pixels() const { return TPaintWork::PixelsOf(*FDevice); }
 
     void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override {
-        if (FWork.IsFollowing()) FWork.Add(TPaintWork::CostOf(shape, paint, toDevice, *FDevice));
+        const bool isDashed = shape.Stroke && !shape.Stroke->Dashes.empty();
+        if (isDashed && !FWork.Take(TPaintWork::CostOfDashes(shape))) return;
+        if (FWork.CountsDrawn()) FWork.CountDrawn(TPaintWork::CostOf(shape, paint, toDevice, *FDevice));
         FDevice->Draw(shape, paint, toDevice);
     }
     void DrawImage(const TPixels& image, const TAffine& toDevice, double opacity,
@@ -73,7 +75,7 @@ private:
     /// Takes down what is done to each pixel, in nanoseconds.
     void Count(double pixelCost) {
         constexpr double call = 300;
-        if (FWork.IsFollowing()) FWork.Add(call + pixelCost * Pixels());
+        if (FWork.CountsDrawn()) FWork.CountDrawn(call + pixelCost * Pixels());
     }
 
     TPaintWork& FWork;

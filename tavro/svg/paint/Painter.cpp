@@ -330,6 +330,7 @@ void TSVGPainter::PaintImage(const TSVGImage& image, const TPaintContext& inner)
     TFigures frame;
     frame.AddRect(0, 0, w, h);
     const TClipShape clip{{&frame}, place};
+    if (bitmap && !FWork.Take(TPaintWork::CostOfReading(bitmap->GetPixels(), map, FDevice))) return;
     FDevice.PushClip({&clip, 1});
     if (bitmap) {
         const TKeyword rendering = inner.Style->ImageRendering;
