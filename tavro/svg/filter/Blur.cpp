@@ -26,8 +26,9 @@ private:
 
     std::vector<float> FKernel; ///< one side of a Gaussian, its middle first
     int FBegin, FEnd;
-    int FBox = 0;    ///< width of the boxes; 0: kernel
-    float FFlat = 0; ///< not 0: the curve is so wide that its height counts everywhere
+    int FBox = 0;         ///< width of the boxes; 0: kernel
+    bool FIsFlat = false; ///< the curve is so wide that its height counts everywhere
+    float FFlat = 0;      ///< that height; 0 for a curve lower than a float can tell
     int FReach = 0;
     std::vector<TFilterPixel> FLine, FNext;
 };
@@ -42,6 +43,7 @@ TLineBlur::TLineBlur(double sigma, int begin, int end)
     if (sigma > 4.0 * (end - begin)) {
         // Over this distance the curve falls by less than a thirtieth, and it is lower than a tenth of a
         // pixel.
+        FIsFlat = true;
         FFlat = static_cast<float>(1 / (sigma * std::sqrt(2 * std::numbers::pi)));
         return;
     }
@@ -53,7 +55,9 @@ TLineBlur::TLineBlur(double sigma, int begin, int end)
     FReach = static_cast<int>(std::ceil(3 * sigma));
     double sum = 0;
     for (int i = 0; i <= FReach; ++i) {
-        FKernel.push_back(static_cast<float>(std::exp(-i * i / (2 * sigma * sigma))));
+        // Divided before it is squared: the square of a small deviation may be 0.
+        const double steps = i / sigma;
+        FKernel.push_back(static_cast<float>(std::exp(-steps * steps / 2)));
         sum += FKernel.back() * (i ? 2 : 1);
     }
     for (float& weight : FKernel)
@@ -102,7 +106,7 @@ void TLineBlur::RunFlat(const TFilterPixel* line, int size, TFilterPixel* out, i
 }
 
 void TLineBlur::Run(const TFilterPixel* line, int at, int size, TFilterPixel* out, int from, int count) {
-    if (FFlat > 0) return RunFlat(line, size, out, count);
+    if (FIsFlat) return RunFlat(line, size, out, count);
     std::fill_n(out, count, TFilterPixel{});
     // Only what lies within reach of the line on the one hand and of the result on the other needs to be
     // computed.

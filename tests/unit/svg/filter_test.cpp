@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 namespace Vz {
@@ -157,6 +158,19 @@ TEST(FilterBlur, ADeviationBeyondThePictureSpreadsItEvenly) {
     for (int i = 0; i < 4; ++i)
         EXPECT_NEAR(out.At(i, 0).A, height, 1e-7);
     ExpectPixel(Blurred(Row({White}), 1e30, 1e30, Single, Single).At(0, 0), Clear);
+}
+
+TEST(FilterBlur, DeviationsBeyondFloatsBlurToNothingOrNotAtAll) {
+    const TFilterImage line = AlphaRow({1, 0, 1, 0});
+    const TRect box{0, 0, 4, 1};
+    // The height of the curve is no float any more.
+    for (const double sigma : {1e38, 1e45, 1e60, 1e300, std::numeric_limits<double>::infinity()})
+        for (int i = 0; i < 4; ++i)
+            EXPECT_NEAR(Blurred(line, sigma, 0, box, box).At(i, 0).A, 0, 1e-30) << sigma;
+    // Neither is its square.
+    for (const double sigma : {1e-30, 1e-200, std::numeric_limits<double>::denorm_min()})
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(Blurred(line, sigma, 0, box, box).At(i, 0).A, i % 2 ? 0 : 1) << sigma;
 }
 
 TEST(FilterShadow, LiesUnderThePictureInItsColour) {
