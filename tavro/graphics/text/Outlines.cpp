@@ -82,6 +82,7 @@ void MakeKey(std::string& key, std::string_view text, std::span<const TTextSpan>
 std::vector<TCluster> Scale(const TShapedText& shaped, std::span<const TTextSpan> spans) {
     std::vector<TCluster> result;
     result.reserve(shaped.Clusters.size());
+    std::size_t numbers = 0;
     for (const TShapedCluster& cluster : shaped.Clusters) {
         const double size = GetUsableSize(GetStyle(spans[cluster.Span]).Size);
         TCluster& made = result.emplace_back();
@@ -95,8 +96,9 @@ std::vector<TCluster> Scale(const TShapedText& shaped, std::span<const TTextSpan
         for (std::size_t i = cluster.FirstGlyph; i < cluster.FirstGlyph + cluster.GlyphCount; ++i) {
             const TPlacedGlyph& glyph = shaped.Glyphs[i];
             const double scale = size * glyph.Scale;
-            made.Outline.Append(glyph.Face->GetOutline(glyph.Glyph),
-                                {scale, 0, 0, scale, glyph.X * size, glyph.Y * size});
+            const TFigures& outline = glyph.Face->GetOutline(glyph.Glyph);
+            if ((numbers += outline.Numbers.size()) > MostTextNumbers) break;
+            made.Outline.Append(outline, {scale, 0, 0, scale, glyph.X * size, glyph.Y * size});
         }
     }
     return result;

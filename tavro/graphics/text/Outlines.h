@@ -45,6 +45,9 @@ struct TFontMetrics {
     double SuperscriptRise = 0; ///< of a superscript's base line, above the base line positive
 };
 
+/// The most numbers that the outlines of one text have: 64 MB. Glyphs beyond stay without an outline.
+inline constexpr std::size_t MostTextNumbers = std::size_t{1} << 23;
+
 /// Shapes one line of text: bidirectional order, fonts with fallback, glyphs. The clusters come in visual
 /// order from left to right. Control characters and line ends count as blanks. Broken UTF-8 is shown as
 /// U+FFFD. A character that no font has is shown by the box that stands for such in the first font. The spans

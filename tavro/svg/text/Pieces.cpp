@@ -106,6 +106,14 @@ void TPieceMaker::AddStretch(std::span<const std::size_t> glyphs) {
     const std::size_t node = FLines.Glyphs[glyphs.front()].Node;
     AddLines(glyphs, false);
     TFigures outline;
+    std::size_t verbs = 0;
+    std::size_t numbers = 0;
+    for (const std::size_t i : glyphs) {
+        verbs += FLines.Glyphs[i].Outline.Verbs.size();
+        numbers += FLines.Glyphs[i].Outline.Numbers.size();
+    }
+    outline.Verbs.reserve(verbs);
+    outline.Numbers.reserve(numbers);
     for (const std::size_t i : glyphs) {
         TTextGlyph& glyph = FLines.Glyphs[i];
         if (glyph.Visible)

@@ -76,7 +76,8 @@ private:
     std::string FBuffer;                    ///< what is shaped: characters and what directs their order
     std::vector<std::size_t> FCharacterAt;  ///< one a byte of FBuffer
     std::vector<TTextSpan> FSpans;
-    std::vector<int> FOpen; ///< nodes that are opened in FBuffer
+    std::vector<int> FOpen;       ///< nodes that are opened in FBuffer
+    std::size_t FNumberCount = 0; ///< of the outlines so far
 };
 
 TChunkShaper::TChunkShaper(const TTextContent& content, TTextLines& lines)
@@ -187,7 +188,8 @@ void TChunkShaper::AddGlyph(TCluster& cluster) {
     glyph.Character = FCharacterAt[cluster.Begin];
     const TTextCharacter& character = FContent.Characters[glyph.Character];
     const TTextNode& node = FContent.Nodes[character.Node];
-    glyph.Outline = std::move(cluster.Outline);
+    FNumberCount += cluster.Outline.Numbers.size();
+    if (FNumberCount <= MostTextNumbers) glyph.Outline = std::move(cluster.Outline);
     glyph.Node = character.Node;
     glyph.Chunk = static_cast<std::uint32_t>(FLines.Chunks.size());
     glyph.RightToLeft = cluster.RightToLeft;
