@@ -277,10 +277,11 @@ TEST_F(ControlTest, ParentAndChildMayGoInAnyOrder) {
 }
 
 TEST_F(ControlTest, OwnerGoesWithAllItsChildrenAndTheHostStays) {
-    AddPlate(0, 0, 5, 5, &AddPlate(0, 0, 50, 50));
+    AddPlate(0, 0, 5, 5, &AddPlate(0, 0, 50, 50)).Color = 0xFF00FF00;
+    EXPECT_EQ(Host.Paint().GetPixels().Row(1)[1], 0xFF00FF00u);
     Form.reset();
-    Host.Paint();
     Host.Click(1, 1);
+    EXPECT_EQ(Host.Paint().GetPixels().Row(1)[1], 0xFF00FF00u) << "as last painted";
 }
 
 TEST_F(ControlTest, PointersToAControlBecomeNull) {

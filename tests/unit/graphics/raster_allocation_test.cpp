@@ -55,6 +55,7 @@ public:
         device.DrawImage(Pixels(FLayer), {}, 0.7, TInterpolation::Bilinear);
         device.DrawImage(Pixels(FLayer), {0.4, 0, 0, 0.4, 3, 4}, 1, TInterpolation::Bilinear);
     }
+    const std::vector<std::uint32_t>& Picture() const { return FStore; }
 
 private:
     TPixels Pixels(std::vector<std::uint32_t>& store) const { return {store.data(), FSize, FSize, FSize}; }
@@ -111,15 +112,21 @@ TEST(RasterAllocation, ManySmallFramesAfterAGreatOneGiveItsMemoryBack) {
 }
 
 TEST(RasterAllocation, ThreadsPaintEachForItself) {
+    constexpr int count = 4;
+    const auto painted = [](int i) {
+        TFrame frame(60 + i);
+        for (int k = 0; k < 20; ++k)
+            frame.Paint(0.1 * k);
+        return frame.Picture();
+    };
+    std::vector<std::uint32_t> pictures[count];
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([i] {
-            TFrame frame(60 + i);
-            for (int k = 0; k < 20; ++k)
-                frame.Paint(0.1 * k);
-        });
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&, i] { pictures[i] = painted(i); });
     for (std::thread& thread : threads)
         thread.join();
+    for (int i = 0; i < count; ++i)
+        EXPECT_TRUE(pictures[i] == painted(i)) << i << ": as painted by one thread";
 }
 
 TEST(RasterAllocation, ADeviceMayOutliveItsThread) {

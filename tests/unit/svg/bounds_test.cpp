@@ -108,8 +108,10 @@ TEST(Bounds, OfTheDocumentAreInItsUnits) {
 
 TEST(Bounds, UnderAMatrixThatIsNotFiniteDoNoHarm) {
     const auto document = LoadContent("<rect id='e' width='30' height='40'/>");
-    document->Find<TSVGGraphicElement>("e")->GetBounds({NoNumber, 0, 0, 0, 1, 0, 0, 0, 1});
-    document->Find<TSVGGraphicElement>("e")->GetBounds({Endless, 0, 0, 0, 1, 0, 0, 0, 1});
+    const auto& element = *document->Find<TSVGGraphicElement>("e");
+    for (const float number : {NoNumber, Endless})
+        EXPECT_EQ(element.GetBounds({number, 0, 0, 0, 1, 0, 0, 0, 1}), (TRectF{})) << number;
+    ExpectNear(element.GetBounds(), {0, 0, 30, 40});
 }
 
 } // namespace

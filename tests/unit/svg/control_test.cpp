@@ -677,12 +677,16 @@ TEST(SVGControl, ElementsAreFoundAtControlPoints) {
 
 TEST(SVGControl, AnySizeIsPainted) {
     for (const auto& [width, height] : {std::pair{0, 0}, {0, 100}, {100, 0}, {1, 1}, {1, 30000}}) {
+        SCOPED_TRACE(testing::Message() << width << " by " << height);
         TScene scene(1, width, height);
-        scene.Paint();
+        scene.Control->SetStretch(true);
+        const auto whole = scene.Paint();
+        EXPECT_EQ(whole.size(), std::size_t(width * height));
+        EXPECT_EQ(std::ranges::all_of(whole, [](std::uint32_t p) { return p == 0; }), whole.empty());
         scene.Activate("NeedleGroup");
-        scene.Paint();
+        EXPECT_LE(WorstDifference(scene.Paint(), whole), 2) << "from the caches";
         scene.Control->SetQuality(8);
-        scene.Paint();
+        EXPECT_EQ(scene.Paint().size(), whole.size());
     }
 }
 

@@ -369,10 +369,17 @@ TEST(Document, AlignmentsHaveTheirNumbers) {
 
 TEST(Document, FitsToOddRectanglesWithoutHarm) {
     const auto document = LoadContent("<rect width='100' height='100'/>");
-    for (const TRectF rect : {TRectF{0, 0, 0, 0}, TRectF{5, 5, 1, 1}, TRectF{NoNumber, 0, 10, 10},
-                              TRectF{0, 0, Endless, 10}, TRectF{0, 0, 1e38f, 1e38f}}) {
+    const std::pair<TRectF, std::uint32_t> cases[] = {{{0, 0, 0, 0}, 0},
+                                                      {{5, 5, 1, 1}, 0},
+                                                      {{NoNumber, 0, 10, 10}, 0},
+                                                      {{0, 0, Endless, 10}, 0},
+                                                      {{0, 0, 1e38f, 1e38f}, 0xFF000000}};
+    for (const auto& [rect, expected] : cases) {
+        SCOPED_TRACE(testing::Message() << rect.Left << " to " << rect.Right);
         document->FitToRect(rect);
-        Drawn(*document, 20, 20, document->GetDrawMatrix());
+        EXPECT_EQ(Drawn(*document, 20, 20, document->GetDrawMatrix()).At(10, 10), expected);
+        document->FitToRect({0, 0, 20, 20});
+        EXPECT_EQ(Drawn(*document, 20, 20, document->GetDrawMatrix()).At(10, 10), 0xFF000000u) << "again";
     }
 }
 

@@ -361,7 +361,8 @@ TEST(Painter, DrawsWithAnyMatrix) {
     for (const TAffine& matrix :
          {TAffine{none, 0, 0, 1, 0, 0}, TAffine{1, 0, 0, 1, endless, 0}, TAffine{0, 0, 0, 0, 0, 0},
           TAffine{1e300, 0, 0, 1e300, 0, 0}, TAffine{1e-300, 0, 0, 1e-300, 0, 0}})
-        Drawn(*document, 50, 50, matrix);
+        EXPECT_TRUE(Drawn(*document, 50, 50, matrix).IsEmpty()) << matrix.A << ' ' << matrix.E;
+    EXPECT_EQ(Drawn(*document, 50, 50, {1e6, 0, 0, 1e6, 0, 0}).At(25, 25), Lime) << "a corner, enlarged";
 }
 
 } // namespace
