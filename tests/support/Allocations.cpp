@@ -1,6 +1,6 @@
 #include "tests/support/Allocations.h"
 
-#include "tests/support/Costs.h"
+#include "tests/support/Sanitized.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -9,6 +9,12 @@
 namespace {
 
 std::atomic<std::size_t> Allocations = 0;
+std::atomic<std::size_t> AllocatedBytes = 0;
+
+void CountOne(std::size_t size) {
+    ++Allocations;
+    AllocatedBytes += size;
+}
 
 } // namespace
 
@@ -20,7 +26,7 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const 
 
 namespace {
 
-void Count(const volatile void*, std::size_t) { ++Allocations; }
+void Count(const volatile void*, std::size_t size) { CountOne(size); }
 void Ignore(const volatile void*) {}
 
 [[maybe_unused]] const int Installed = __sanitizer_install_malloc_and_free_hooks(Count, Ignore);
@@ -32,13 +38,13 @@ void Ignore(const volatile void*) {}
 namespace {
 
 void* Allocate(std::size_t size) {
-    ++Allocations;
+    CountOne(size);
     if (void* memory = std::malloc(size ? size : 1)) return memory;
     throw std::bad_alloc();
 }
 
 void* AllocateAligned(std::size_t size, std::align_val_t alignment) {
-    ++Allocations;
+    CountOne(size);
     const auto step = static_cast<std::size_t>(alignment);
     if (void* memory = std::aligned_alloc(step, (size + step) / step * step)) return memory;
     throw std::bad_alloc();
@@ -67,5 +73,6 @@ void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { s
 namespace Vz::Test {
 
 std::size_t CountAllocations() { return Allocations; }
+std::size_t CountAllocatedBytes() { return AllocatedBytes; }
 
 } // namespace Vz::Test

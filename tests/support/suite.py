@@ -4,8 +4,8 @@
   suite.py --suite DIR --runner PROGRAM --output DIR --known FILE [--case TEXT] [--update-known]
 
 The list may only shrink: a case that fails and is not on it, and a case on it that passes, fail the test. Also
-required: at least 97 % of the core group, no crash, no time-out, no case above 2 s of processor time. Ends with
-status 77 (skipped) where the folder of cases, or what scores them, is not there.
+required: at least 97 % of the core group, no crash, and none that hangs. Ends with status 77 (skipped) where the
+folder of cases, or what scores them, is not there.
 """
 import argparse
 import json
@@ -15,7 +15,6 @@ import subprocess
 import sys
 
 CORE_PERCENT = 97.0
-MAX_SECONDS = 2.0
 SKIPPED = 77
 
 
@@ -46,7 +45,7 @@ def draw(options, cases, fonts):
     environment = dict(os.environ, FONTCONFIG_FILE=fonts, LANG='C.UTF-8', LC_ALL='C.UTF-8', LANGUAGE='en')
     command = [options.runner, '--jobs', str(os.cpu_count() or 1)]
     if options.sanitized:
-        command += ['--megabytes', '0', '--seconds', '60']
+        command += ['--megabytes', '0']
     run = subprocess.run(command, input=lines, stdout=subprocess.PIPE, text=True, env=environment, check=False)
     if run.returncode != 0:
         sys.exit(f'the runner ended with status {run.returncode}')
@@ -70,7 +69,7 @@ def score(options, verdicts):
         return json.load(file)
 
 
-def judge(options, cases, verdicts, seconds, known):
+def judge(options, cases, verdicts, known):
     """All that is wrong, a line each."""
     faults = []
     results = verdicts['cases']
@@ -78,8 +77,6 @@ def judge(options, cases, verdicts, seconds, known):
         why = result.get('why', '')
         if why.startswith(('crash', 'time-out')):
             faults.append(f'{name}: {why}')
-        if seconds.get(name, 0) > MAX_SECONDS and not options.sanitized:
-            faults.append(f'{name}: took {seconds[name]:.1f} s')
         if cases[name].get('ref', 'ok') != 'ok':
             continue
         if not result['pass'] and name not in known:
@@ -120,7 +117,7 @@ def main():
     parser.add_argument('--known', required=True)
     parser.add_argument('--case', help='only cases whose name contains this')
     parser.add_argument('--sanitized', action='store_true', default=bool(os.environ.get('TAVRO_SANITIZED')),
-                        help='do not limit time and memory')
+                        help='do not limit memory')
     parser.add_argument('--update-known', action='store_true')
     options = parser.parse_args()
     manifest = os.path.join(options.suite, 'manifest.json')
@@ -143,7 +140,7 @@ def main():
     if options.update_known:
         update_known(options.known, cases, verdicts['cases'], known)
         return
-    faults = judge(options, cases, verdicts, seconds, known)
+    faults = judge(options, cases, verdicts, known)
     times = sorted(seconds.values())
     if times:
         print(f'processor time a case: median {times[len(times) // 2]:.3f} s, longest {times[-1]:.2f} s')

@@ -5,7 +5,8 @@
 //
 // LIST has a line a case: SVG file, PNG file, width, height, separated by tabs. Where a picture fails the
 // reason stands in the file of the PNG's name that ends in .fail. Prints a line a case: processor seconds,
-// SVG file. S (default 10) limits the processor time of a case, M (default 1024, 0: none) its memory.
+// SVG file. A case of more than S processor seconds (default 600) hangs; M (default 1024, 0: none) limits its
+// memory.
 
 #include "tavro/VZSVGControl.h"
 #include "tavro/controls/HeadlessHost.h"
@@ -30,7 +31,7 @@ using namespace Vz;
 
 struct TLimits {
     int Jobs = 2;
-    unsigned Seconds = 10;
+    unsigned Seconds = 600;
     unsigned Megabytes = 1024;
 };
 
@@ -74,7 +75,7 @@ void Limit(const TLimits& limits) {
     set(RLIMIT_CPU, limits.Seconds);
     set(RLIMIT_CORE, 0);
     if (limits.Megabytes > 0) set(RLIMIT_AS, rlim_t{limits.Megabytes} << 20);
-    alarm(limits.Seconds * 6); // for what waits instead of working
+    alarm(limits.Seconds * 2); // for what waits instead of working
 }
 
 class TPool {

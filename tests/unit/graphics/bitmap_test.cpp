@@ -2,13 +2,15 @@
 
 #include "tavro/graphics/Canvas.h"
 #include "tavro/runtime/Exceptions.h"
-#include "tests/support/Costs.h"
+#include "tests/support/Sanitized.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <gtest/gtest.h>
+
 #include <random>
+#include <sys/resource.h>
 
 namespace Vz {
 namespace {
