@@ -351,7 +351,7 @@ std::span<const TProp> TControl::GetCommonProps() const {
     return Rows;
 }
 
-std::span<const TProp> TControl::GetCommonEvents() const {
+std::span<const TProp> TControl::ControlEvents() {
     static constexpr std::array Rows{
         EventProp<&TControl::SetOnMouseDown>("OnMouseDown"),
         EventProp<&TControl::SetOnMouseMove>("OnMouseMove"),

@@ -135,7 +135,9 @@ public:
     /// The events that every control of the class has, beside those of its property table: OnMouseDown,
     /// OnMouseMove, OnMouseUp, OnMouseWheel, OnKeyDown, OnClick, OnResize, and OnInvalidate, whose row is
     /// named "Invalidate".
-    virtual std::span<const TProp> GetCommonEvents() const;
+    virtual std::span<const TProp> GetCommonEvents() const { return ControlEvents(); }
+    /// Those of them that all controls have.
+    static std::span<const TProp> ControlEvents();
 
     void SetParentComponent(TComponent& parent) override;
     /// The child controls that it owns, in their order, and then what else it owns.

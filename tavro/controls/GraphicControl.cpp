@@ -20,10 +20,9 @@ void TVZCustomTransparentGraphicControl::DoPainted(TVZGPCanvas& canvas) { Raise(
 
 std::span<const TProp> TVZCustomTransparentGraphicControl::GetCommonEvents() const {
     using T = TVZCustomTransparentGraphicControl;
-    static const auto rows = [this] {
-        std::vector<TProp> all;
-        for (const TProp& row : TControl::GetCommonEvents())
-            all.push_back(row);
+    static const auto rows = [] {
+        const auto base = ControlEvents();
+        std::vector<TProp> all(base.begin(), base.end());
         all.push_back(EventProp<&T::SetOnPainting>("OnPainting"));
         all.push_back(EventProp<&T::SetOnPainted>("OnPainted"));
         return all;

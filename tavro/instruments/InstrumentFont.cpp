@@ -12,8 +12,9 @@ void TInstrumentFont::SetDefaultSize(float value) {
 }
 
 std::span<const TProp> TInstrumentFont::GetPropTable() const {
-    static const std::vector<TProp> rows = [this] {
-        const auto base = TSVGFont::GetPropTable();
+    static const std::vector<TProp> rows = [] {
+        const TSVGFont font;
+        const auto base = font.GetPropTable();
         std::vector<TProp> all(base.begin(), base.end());
         for (TProp& row : all) {
             if (row.Name != "Size") continue;
