@@ -21,6 +21,10 @@ using TAttributesPtr = std::unique_ptr<PangoAttrList, TRelease<pango_attr_list_u
 /// and a text that is drawn turned and scaled has no one size in pixels anyway.
 constexpr int NominalSize = 16;
 constexpr std::size_t MaxFaces = 512;
+/// pango remembers each choice of fonts with 12 to 23 kB, families that are not there like others.
+constexpr std::size_t MaxChoices = 256;
+/// A list of families is this long at most; a name that makes it longer is left out.
+constexpr std::size_t MaxFamilyText = 1024;
 constexpr std::size_t MaxOutlineNumbers = 1'500'000; // 12 MB
 
 TConfigPtr LoadConfiguration(const std::string& file) {
@@ -178,7 +182,7 @@ std::string ReadFamilyList(std::string_view list) {
     std::string result;
     for (std::size_t i = 0; i < list.size();) {
         std::string name = ReadFamily(list, i);
-        if (name.empty()) continue;
+        if (name.empty() || result.size() + name.size() > MaxFamilyText) continue;
         for (const auto& [from, to] : others)
             if (name == from) name = to;
         // pango separates the names by commas and knows no quotes.
@@ -196,6 +200,7 @@ bool TFontLibrary::Configure(const std::string& file) {
     const TConfigPtr config = LoadConfiguration(file);
     if (!config && !file.empty()) return false;
     FFaces.clear();
+    FChoices.clear();
     FContext.reset();
     FFontMap.reset();
     if (!config || !HasUsableFont(config.get())) return true;
@@ -225,6 +230,7 @@ TFontFace& TFontLibrary::GetFace(PangoFont* font, const TTextStyle& style) {
 
 TFontFace& TFontLibrary::GetFirstFace(const TTextStyle& style) {
     if (!FContext) return GetBlankFace();
+    NoteChoice(style, nullptr);
     const TFontPtr font(pango_context_load_font(FContext.get(), Describe(style).get()));
     return GetFace(font.get(), style);
 }
@@ -249,6 +255,7 @@ std::vector<TFontRun> TFontLibrary::Itemize(const std::string& text, std::span<c
         const auto* item = static_cast<const PangoItem*>(link->data);
         while (piece + 1 < pieces.size() && static_cast<std::size_t>(item->offset) >= pieces[piece].End)
             ++piece;
+        NoteChoice(*pieces[piece].Style, item->analysis.language);
         const auto count = static_cast<std::size_t>(item->num_chars);
         runs.push_back({firstChar, count, piece, &GetFace(item->analysis.font, *pieces[piece].Style),
                         GetScript(item->analysis), GetLanguage(item->analysis), item->analysis.level});
@@ -259,12 +266,24 @@ std::vector<TFontRun> TFontLibrary::Itemize(const std::string& text, std::span<c
     return runs;
 }
 
+/// Fonts are chosen once for each description and language.
+void TFontLibrary::NoteChoice(const TTextStyle& style, const PangoLanguage* language) {
+    std::size_t hash = std::hash<std::string>()(style.Family);
+    for (const std::size_t part :
+         {std::hash<int>()(style.Weight), std::hash<int>()(static_cast<int>(style.Slant)),
+          std::hash<double>()(style.Stretch), std::hash<const PangoLanguage*>()(language)})
+        hash = hash * 31 + part;
+    FChoices.insert(hash);
+}
+
 bool TFontLibrary::TidyUp() {
     std::size_t numbers = 0;
     for (const auto& [key, kept] : FFaces)
         numbers += kept.Face.GetKeptNumbers();
-    if (FFaces.size() > MaxFaces) {
+    if (FFaces.size() > MaxFaces || FChoices.size() > MaxChoices) {
         FFaces.clear();
+        FChoices.clear();
+        if (FFontMap) pango_fc_font_map_cache_clear(PANGO_FC_FONT_MAP(FFontMap.get()));
         return true;
     }
     if (numbers > MaxOutlineNumbers)

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <tuple>
+#include <unordered_set>
 
 namespace Vz {
 
@@ -53,8 +54,8 @@ public:
     /// The face that the style names first.
     TFontFace& GetFirstFace(const TTextStyle& style);
 
-    /// Keeps memory in bounds: drops outlines, or all faces, when there are many. To be called when no run is
-    /// in use. True when faces were dropped.
+    /// Keeps memory in bounds: drops outlines, or all faces and choices, when there are many. To be called
+    /// when no run is in use. True when faces were dropped.
     bool TidyUp();
 
 private:
@@ -65,11 +66,13 @@ private:
     };
 
     TFontFace& GetFace(PangoFont* font, const TTextStyle& style);
+    void NoteChoice(const TTextStyle& style, const PangoLanguage* language);
     TFontFace& GetBlankFace();
 
     TFontMapPtr FFontMap;
     TFontContextPtr FContext; ///< null where the configuration has no font at all
     std::map<TFaceKey, TKeptFace> FFaces;
+    std::unordered_set<std::size_t> FChoices; ///< hashes of what pango was asked for
 };
 
 /// The families of a CSS list, quotes and escapes resolved, separated by commas; never empty.

@@ -10,8 +10,10 @@
 namespace Vz {
 namespace {
 
-/// Only short texts are kept shaped: numerals and captions, which come again with each frame or change.
+/// Only short texts in few styles are kept shaped: numerals and captions, which come again with each frame or
+/// change. A longer key is not kept; keys are bounded because families may have names of any length.
 constexpr std::size_t LongestKept = 64;
+constexpr std::size_t LongestKey = 1024;
 constexpr std::size_t MaxKept = 1024;
 /// Beyond this size of the em no outline can be drawn.
 constexpr double MaxSize = 1e9;
@@ -118,11 +120,12 @@ std::vector<TCluster> ShapeText(std::string_view text, std::span<const TTextSpan
                                 TTextDirection direction) {
     TTextState& state = GetState();
     const std::lock_guard lock(state.Mutex);
-    if (text.size() > LongestKept) {
+    const bool isShort = text.size() <= LongestKept;
+    if (isShort) MakeKey(state.Key, text, spans, direction);
+    if (!isShort || state.Key.size() > LongestKey) {
         state.TidyUp();
         return Scale(ShapeSpans(state.Library, text, spans, direction), spans);
     }
-    MakeKey(state.Key, text, spans, direction);
     auto place = state.Texts.find(state.Key);
     if (place == state.Texts.end()) {
         state.TidyUp();
@@ -136,6 +139,10 @@ TFontMetrics GetFontMetrics(const TTextStyle& style) {
     const std::lock_guard lock(state.Mutex);
     state.Key.clear();
     AppendStyle(state.Key, style);
+    if (state.Key.size() > LongestKey) {
+        state.TidyUp();
+        return Scale(state.Library.GetFirstFace(style).GetMetrics(), GetUsableSize(style.Size));
+    }
     auto place = state.Metrics.find(state.Key);
     if (place == state.Metrics.end()) {
         state.TidyUp();

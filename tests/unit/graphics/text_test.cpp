@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <malloc.h>
 #include <numeric>
 #include <thread>
 #include <unistd.h>
@@ -487,6 +488,34 @@ TEST_F(TextTest, ManyDifferentTextsAndStylesStayRight) {
                     1e-3)
             << i;
     }
+}
+
+/// Bytes that the program has taken and not given back. 0 where a sanitizer counts them itself.
+std::size_t GetTakenBytes() { return mallinfo2().uordblks; }
+
+TEST_F(TextTest, FamiliesThatAreNotThereAreForgotten) {
+    TTextStyle style;
+    const std::size_t before = GetTakenBytes();
+    std::size_t most = before;
+    for (int i = 0; i < 3'000; ++i) {
+        style.Family = "Nowhere " + std::to_string(i);
+        EXPECT_NEAR(GetWidth(Shape("240", style)), 3 * Digit * 16, 1e-9);
+        most = std::max(most, GetTakenBytes());
+    }
+    EXPECT_LT(most - before, std::size_t{4} << 20); // 9 MB if they were kept, and 35 with the system's fonts
+}
+
+TEST_F(TextTest, LongNamesOfFamiliesAreNotKept) {
+    TTextStyle style;
+    const std::size_t before = GetTakenBytes();
+    std::size_t most = before;
+    for (int i = 0; i < 300; ++i) {
+        style.Family = std::string(100'000, 'x') + std::to_string(i) + ", Noto Sans";
+        EXPECT_NEAR(GetWidth(Shape("240", style)), 3 * Digit * 16, 1e-9);
+        EXPECT_NEAR(GetFontMetrics(style).Ascent, 1.069 * 16, 1e-9);
+        most = std::max(most, GetTakenBytes());
+    }
+    EXPECT_LT(most - before, std::size_t{10} << 20);
 }
 
 TEST_F(TextTest, LongTextsAreCoveredWhole) {
