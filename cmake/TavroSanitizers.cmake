@@ -25,6 +25,7 @@ function(tavro_prepare_sanitized_tests)
         endif()
         set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT TAVRO_SANITIZED=1 ASAN_OPTIONS=fast_unwind_on_malloc=0
             UBSAN_OPTIONS=print_stacktrace=1
+            TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/races.supp
             LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0)
     endforeach()
 endfunction()

@@ -326,7 +326,7 @@ const TFigures& TVZPathData::NoFigures() {
 }
 
 TFigures& TVZPathData::Edit() {
-    if (FFigures.use_count() != 1) FFigures = std::make_shared<TFigures>(GetFigures());
+    if (!IsSoleHolder(FFigures)) FFigures = std::make_shared<TFigures>(GetFigures());
     return *FFigures;
 }
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <mutex>
 
 namespace Vz {
 
@@ -20,6 +21,8 @@ namespace {
 const TSVGDocument& Prototype(std::string_view name) {
     using TPrototypes = std::map<std::string, std::unique_ptr<const TSVGDocument>, std::less<>>;
     static TPrototypes& prototypes = *std::make_unique<TPrototypes>().release(); // outlives all copies
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
     if (const auto found = prototypes.find(name); found != prototypes.end()) return *found->second;
     TSVGDocument read;
     read.LoadFromText(GetResource(name), name);

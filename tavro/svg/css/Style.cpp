@@ -524,8 +524,7 @@ TSVGStyleSet::TEntry* TSVGStyleSet::Place(TSVGStyleProperty property) const {
 
 /// An entry on its way to another block; it stays where others share this one.
 TSVGStyleSet::TEntry TSVGStyleSet::TakeOrCopy(std::size_t index) {
-    if (FEntries.use_count() != 1) return FEntries[index];
-    return std::move(FEntries[index]);
+    return IsSoleHolder(FEntries) ? std::move(FEntries[index]) : FEntries[index];
 }
 
 const TStyleValue* TSVGStyleSet::Find(TSVGStyleProperty property) const {
@@ -536,7 +535,7 @@ const TStyleValue* TSVGStyleSet::Find(TSVGStyleProperty property) const {
 void TSVGStyleSet::Put(TSVGStyleProperty property, TStyleValue value) {
     const auto place = static_cast<std::size_t>(Place(property) - FEntries.get());
     const bool isThere = place < FCount && FEntries[place].Property == property;
-    if (isThere && FEntries.use_count() == 1) {
+    if (isThere && IsSoleHolder(FEntries)) {
         FEntries[place].Value = std::move(value);
         return;
     }

@@ -3,6 +3,7 @@
 #include "tavro/graphics/PaintDevice.h"
 #include "tavro/svg/model/Element.h"
 
+#include <thread>
 #include <vector>
 
 namespace Vz {
@@ -42,6 +43,8 @@ struct TSVGGraphicElement::TCompiled {
     bool HasList = false; ///< of a shape or text: List is its, made with this opacity
     double Opacity = 1;
     TDrawList List;
+    /// Which painted it, and alone uses it: painting fills the steps' caches.
+    std::thread::id Thread = std::this_thread::get_id();
     friend bool operator==(const TCompiled&, const TCompiled&) = default;
 
     /// The one of this value that elements of this thread keep.

@@ -21,7 +21,7 @@ public:
     /// The value itself, for whoever tells values apart by where they are; null where it is T{}.
     std::shared_ptr<const T> Share() const { return FValue; }
     T& Edit() {
-        if (FValue.use_count() != 1) FValue = std::make_shared<T>(**this);
+        if (!IsSoleHolder(FValue)) FValue = std::make_shared<T>(**this);
         return *FValue;
     }
     /// The value, if it is not T{}, lives from here on as long as the program (see Lasting.h).

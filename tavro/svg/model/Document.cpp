@@ -96,7 +96,9 @@ void TSVGDocument::AssignContent(const TSVGDocument& source) {
     TSVGIdTable ids = source.FIds.EmptyCopy();
     const TElementBlocks blocks(source.FCopySize);
     auto children = source.CloneChildren(*this, *this, &ids);
-    FCopySize = source.FCopySize = blocks.Used();
+    FCopySize = blocks.Used();
+    // Several threads may copy a prototype at once: its size is known already.
+    if (source.FCopySize != FCopySize) source.FCopySize = FCopySize;
     TakeContent(source, std::move(children), std::move(ids));
 }
 

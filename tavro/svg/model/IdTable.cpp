@@ -1,5 +1,7 @@
 #include "tavro/svg/model/IdTable.h"
 
+#include "tavro/runtime/Lasting.h"
+
 namespace Vz {
 
 TSVGElement* TSVGIdTable::Find(std::string_view id) const {
@@ -11,7 +13,7 @@ TSVGElement* TSVGIdTable::Find(std::string_view id) const {
 TSVGIdTable::TPlace TSVGIdTable::Add(std::string_view id) {
     if (!FPlaces) FPlaces = std::make_shared<TPlaces>();
     if (const auto at = FPlaces->find(id); at != FPlaces->end()) return at->second;
-    if (FPlaces.use_count() > 1) FPlaces = std::make_shared<TPlaces>(*FPlaces);
+    if (!IsSoleHolder(FPlaces)) FPlaces = std::make_shared<TPlaces>(*FPlaces);
     if (FFree.empty()) {
         FFree.push_back(static_cast<TPlace>(FElements.size()));
         FElements.push_back(nullptr);
@@ -24,7 +26,7 @@ TSVGIdTable::TPlace TSVGIdTable::Add(std::string_view id) {
 
 void TSVGIdTable::Drop(TPlace place, std::string_view id) {
     FElements[place] = nullptr;
-    if (FPlaces.use_count() > 1) return; // others have the name still
+    if (!IsSoleHolder(FPlaces)) return; // others have the name still
     FPlaces->erase(FPlaces->find(id));
     FFree.push_back(place);
 }

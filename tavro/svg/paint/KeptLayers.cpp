@@ -1,5 +1,6 @@
 #include "tavro/svg/paint/KeptLayers.h"
 
+#include "tavro/runtime/Lasting.h"
 #include "tavro/svg/model/KeptByHashInternal.h"
 
 #include <algorithm>
@@ -48,7 +49,8 @@ bool TKeptLayers::IsEqual(const TKeptLayers& other) const {
 
 std::shared_ptr<TKeptLayers> TKeptLayers::Renew(std::shared_ptr<TKeptLayers> layers) {
     // Not make_shared: pictures that are gone must not hold memory for as long as they have an entry.
-    if (!layers || layers.use_count() > 1) return std::shared_ptr<TKeptLayers>(new TKeptLayers);
+    if (!layers || layers->FThread != std::this_thread::get_id() || !IsSoleHolder(layers))
+        return std::shared_ptr<TKeptLayers>(new TKeptLayers);
     layers->FCanBeFound = false;
     return layers;
 }

@@ -4,6 +4,7 @@
 #include "tavro/graphics/raster/LayerPair.h"
 
 #include <memory>
+#include <thread>
 
 namespace Vz {
 
@@ -16,7 +17,7 @@ public:
     /// What is known of the pictures, as of Share.
     const TLayerPair& GetPair() const { return FPair; }
 
-    /// Pictures to be drawn anew: these, where nobody else keeps them, else others.
+    /// Pictures to be drawn anew: these, where nobody else keeps them and this thread made them, else others.
     static std::shared_ptr<TKeptLayers> Renew(std::shared_ptr<TKeptLayers> layers);
     /// Equal pictures that a control of this thread keeps already, else these, which others may then find.
     static std::shared_ptr<TKeptLayers> Share(std::shared_ptr<TKeptLayers> layers);
@@ -26,6 +27,7 @@ private:
 
     TLayerPair FPair;
     bool FCanBeFound = false;
+    const std::thread::id FThread = std::this_thread::get_id(); ///< which finds them
 };
 
 } // namespace Vz

@@ -72,7 +72,8 @@ const TComputedStyle& TSVGPainter::StyleOf(const TSVGGraphicElement& element, co
     }
     using TCompiled = TSVGGraphicElement::TCompiled;
     auto& kept = element.FCompiled;
-    if (!kept || element.FCompiledEpoch != FDocument.GetEpoch() || kept->Enabled != context.Enabled) {
+    if (!kept || element.FCompiledEpoch != FDocument.GetEpoch() || kept->Enabled != context.Enabled ||
+        kept->Thread != FThread) {
         compute(scratch);
         kept = TCompiled::Keep({TCompiled::KeepStyle(scratch), context.Enabled});
         element.FCompiledEpoch = FDocument.GetEpoch();

@@ -160,6 +160,7 @@ private:
     TPaintWork FOwnWork;
     TPaintWork& FWork;
     TDeviceSwitch FDevice;
+    const std::thread::id FThread = std::this_thread::get_id();
     TPaintPass FPass = TPaintPass::Whole;
     const TSVGGraphicElement* FPivot = nullptr;
     std::vector<const TSVGElement*> FActive; ///< references being followed
