@@ -212,6 +212,19 @@ std::optional<double> Share(TScanner& scanner, double whole) {
 }
 
 std::optional<double> ByteShare(TScanner& scanner) { return Share(scanner, 255); }
+
+/// True where some of the three parts before the alpha are percentages and some are not.
+bool MixesPercentages(std::string_view arguments) {
+    int parts = 0;
+    int percentages = 0;
+    while (parts < 3 && !arguments.empty()) {
+        const std::size_t comma = std::min(arguments.find(','), arguments.size());
+        percentages += Trimmed(arguments.substr(0, comma)).ends_with('%');
+        ++parts;
+        arguments.remove_prefix(std::min(comma + 1, arguments.size()));
+    }
+    return percentages > 0 && percentages < parts;
+}
 /// Saturation and lightness; without a sign they count in per cent too (CSS Color 4, 7).
 std::optional<double> PercentShare(TScanner& scanner) { return Share(scanner, 100); }
 std::optional<double> AlphaShare(TScanner& scanner) { return Share(scanner, 1); }
@@ -246,7 +259,9 @@ std::optional<TParts> ReadParts(std::string_view arguments, const std::array<TPa
 
 std::optional<TVZGPColor> RgbColor(std::string_view arguments) {
     const auto parts = ReadParts(arguments, {ByteShare, ByteShare, ByteShare});
-    if (!parts) return std::nullopt;
+    // With commas all three are numbers or all three are percentages (CSS Color 4, 5.1).
+    const bool hasCommas = arguments.find(',') != std::string_view::npos;
+    if (!parts || (hasCommas && MixesPercentages(arguments))) return std::nullopt;
     const auto& [red, green, blue] = parts->Value;
     return MakeColor(ByteOf(parts->Alpha), ByteOf(red), ByteOf(green), ByteOf(blue));
 }
