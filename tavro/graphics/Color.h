@@ -41,5 +41,11 @@ constexpr TVZGPColor GreyOf(TVZGPColor color) {
     const unsigned grey = (luma + 160u) / 2u;
     return MakeColor(AlphaOf(color), grey, grey, grey);
 }
+/// The same of a premultiplied pixel.
+constexpr std::uint32_t GreyOfPremultiplied(std::uint32_t pixel) {
+    const unsigned luma = RedOf(pixel) * 299u + GreenOf(pixel) * 587u + BlueOf(pixel) * 114u;
+    const unsigned grey = (luma * 255u + AlphaOf(pixel) * 160000u + 255000u) / 510000u;
+    return MakeColor(AlphaOf(pixel), grey, grey, grey);
+}
 
 } // namespace Vz

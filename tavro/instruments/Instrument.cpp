@@ -277,7 +277,7 @@ using TOutlines = std::vector<std::shared_ptr<const void>>;
 
 /// Gathers what the box of an element depends on, where that is no more than which outlines are shown.
 bool CollectOutlines(const TSVGGraphicElement& element, TOutlines& outlines) {
-    if (!element.GetVisible()) return true;
+    if (!element.IsDisplayed()) return true;
     if (!(element.GetTransform() == TAffine{}) || !element.ConditionsHold()) return false;
     if (element.GetTag() == TSVGTag::G)
         return std::ranges::all_of(element.Children(), [&](const auto& child) {
@@ -295,7 +295,7 @@ TPointF TVZSVGCustomInstrument::FindCenter(const TSVGGraphicElement& element) {
     const auto find = [&] { return VZCenterPoint(element.GetBounds()); };
     thread_local TMemo<TOutlines, TPointF> known;
     TOutlines outlines;
-    const bool canKnow = element.GetVisible() && CollectOutlines(element, outlines);
+    const bool canKnow = element.IsDisplayed() && CollectOutlines(element, outlines);
     return canKnow ? known.Get(outlines, find) : find();
 }
 
@@ -309,10 +309,12 @@ bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view c
     TKnownCenter& known = FKnownCenter;
     if (known.Element != center || known.ChangeCount != document.GetChangeCount())
         known = {center, document.GetChangeCount(), FindCenter(*center)};
-    EditDocument(
-        [&] { element->SetMatrix(CreateRotationVZMatrix(known.Center, static_cast<float>(radians))); });
-    // The centre is under its own transform and those below it, not under what turns around it.
-    if (element != center && !element->HasAncestor(center)) known.ChangeCount = document.GetChangeCount();
+    EditDocument([&] {
+        element->SetMatrix(CreateRotationVZMatrix(known.Center, static_cast<float>(radians)));
+        // The centre is under its own transform and those below it, not under what turns around it. Counted
+        // before anybody is told: a handler's edit may move it.
+        if (element != center && !element->HasAncestor(center)) known.ChangeCount = document.GetChangeCount();
+    });
     return true;
 }
 

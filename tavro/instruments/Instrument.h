@@ -7,7 +7,7 @@
 #include "tavro/svg/Control.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/Font.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/model/TextElements.h"
 

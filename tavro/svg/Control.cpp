@@ -32,13 +32,6 @@ const TSVGDocument& Prototype(std::string_view name) {
     return *prototypes.emplace(name, std::move(document)).first->second;
 }
 
-/// True when the element, which may be gone, is one of those below `parent`. Compares places in memory only.
-bool Holds(const TSVGElement& parent, const TSVGElement* element) {
-    return std::any_of(parent.Children().begin(), parent.Children().end(), [element](const auto& child) {
-        return child.get() == element || Holds(*child, element);
-    });
-}
-
 } // namespace
 
 TVZSVGControl::TVZSVGControl(TCreateKey key)
@@ -78,16 +71,15 @@ void TVZSVGControl::LoadFromFile(const std::string& path) {
 void TVZSVGControl::ReplaceContent(const std::function<void()>& load) {
     load();
     FActiveSVGElement = nullptr;
+    FSVG->Watch(nullptr);
     FSVG->SetEnabled(GetEnabled());
     FBuffersStale = true;
     Invalidate();
 }
 
-/// Forgets an active element that has left the document. Looks only where the tree has changed.
+/// Forgets an active element that has left the document.
 void TVZSVGControl::CheckActiveElement() const {
-    if (!FActiveSVGElement || FSVG->GetStructureEpoch() == FCheckedEpoch) return;
-    FCheckedEpoch = FSVG->GetStructureEpoch();
-    if (Holds(*FSVG, FActiveSVGElement)) return;
+    if (FActiveSVGElement == FSVG->GetWatched()) return;
     FActiveSVGElement = nullptr;
     FBuffersStale = true;
 }
@@ -99,8 +91,8 @@ TSVGGraphicElement* TVZSVGControl::GetActiveSVGElement() const {
 
 void TVZSVGControl::SetActiveSVGElement(TSVGGraphicElement* element) {
     if (element == GetActiveSVGElement()) return;
-    FActiveSVGElement = element;
-    FCheckedEpoch = 0;
+    FSVG->Watch(element);
+    FActiveSVGElement = FSVG->GetWatched();
     FBuffersStale = true;
 }
 

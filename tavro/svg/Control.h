@@ -159,7 +159,7 @@ private:
     TAffine PlaceDocument(const TRectF& rect) const;
     TCachePlan MakePlan(const TAffine& surface) const;
     bool CanCache(const TCachePlan& plan) const;
-    void PaintWhole(TVZGPCanvas& canvas, const TRectF& rect);
+    bool CanPaintParts() const;
     void PaintParts(TVZGPCanvas& canvas, const TAffine& surface, const TRectF& rect);
     void PaintUncached(TVZGPCanvas& canvas, const TAffine& matrix);
     void PaintExact(TVZGPCanvas& canvas, const TAffine& matrix, const TRect& elementBox);
@@ -172,7 +172,7 @@ private:
     bool OnlyElementChanged(TAffine& total) const;
 
     std::unique_ptr<TSVGDocument> FSVG;
-    mutable TSVGGraphicElement* FActiveSVGElement = nullptr;
+    mutable TSVGGraphicElement* FActiveSVGElement = nullptr; ///< as the document watches it
     bool FBuffered = true;
     mutable bool FBuffersStale = true;
     bool FStretch = false;
@@ -180,8 +180,6 @@ private:
     float FOpacity = 1;
     int FQuality = 1;
 
-    /// Epoch of the document when the active element was last looked for in it.
-    mutable std::uint64_t FCheckedEpoch = 0; ///< of the structure
     TAffine FSurface; ///< control pixels -> device pixels of the last painting, without the transform
     TCachePlan FPlan; ///< of the caches as they are
     std::shared_ptr<TKeptLayers> FLayers;        ///< the caches as they are

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace Vz {
@@ -40,20 +41,15 @@ class TOpacityScope {
 public:
     TOpacityScope(TSVGDocument& document, float factor)
         : FDocument(document)
-        , FOnChange(std::exchange(document.OnChange, nullptr))
         , FOpacity(document.GetOpacity()) {
-        FDocument.SetOpacity(FOpacity * factor);
+        FDocument.SetOpacityUntold(FOpacity * factor);
     }
-    ~TOpacityScope() {
-        FDocument.SetOpacity(FOpacity);
-        FDocument.OnChange = std::move(FOnChange);
-    }
+    ~TOpacityScope() { FDocument.SetOpacityUntold(FOpacity); }
     TOpacityScope(const TOpacityScope&) = delete;
     TOpacityScope& operator=(const TOpacityScope&) = delete;
 
 private:
     TSVGDocument& FDocument;
-    decltype(TSVGDocument::OnChange) FOnChange;
     float FOpacity;
 };
 
@@ -191,24 +187,28 @@ void TVZSVGControl::DoPaint(TVZGPCanvas& controlCanvas) {
     const TRect box = isUpright ? TouchedPixels(toDevice, ToRectD(rect)) : canvas.GetDevice().GetClipBounds();
     const TClipScope clip(canvas.GetDevice(), box);
     if (clip.IsEmpty()) return;
-    const TSVGGraphicElement* const active = GetActiveSVGElement();
-    if (active && FBuffered && FSVG->CanDrawInParts(*active))
-        PaintParts(canvas, controlCanvas.ToDevice(), rect);
-    else
-        PaintWhole(canvas, rect);
+    const bool isInParts = CanPaintParts();
+    std::optional<TOpacityScope>
+        faded; // drawn whole the document has the control's opacity, also for handlers
+    if (!isInParts) faded.emplace(*FSVG, FOpacity);
+    const TAffine matrix = PlaceDocument(rect);
+    if (!FSVG->RaiseDrawing(canvas, matrix, rect)) {
+        if (isInParts && CanPaintParts()) {
+            PaintParts(canvas, controlCanvas.ToDevice(), rect);
+        } else {
+            if (!faded) faded.emplace(*FSVG, FOpacity);
+            FSVG->DrawContent(canvas, PlaceDocument(rect));
+        }
+    }
+    FSVG->RaiseDrawn(canvas, matrix, rect);
     // A change that shows for the first time without having been reported may have met a part of the control
     // only: then the next report has to be of all.
     if (!isReported && !FPainted.IsLike(last)) FPainted.IsValid = false;
 }
 
-void TVZSVGControl::PaintWhole(TVZGPCanvas& canvas, const TRectF& rect) {
-    const TAffine matrix = PlaceDocument(rect);
-    if (FOpacity == 1) {
-        FSVG->Draw(canvas, matrix, rect);
-        return;
-    }
-    const TOpacityScope opacity(*FSVG, FOpacity);
-    FSVG->Draw(canvas, matrix, rect);
+bool TVZSVGControl::CanPaintParts() const {
+    const TSVGGraphicElement* const active = GetActiveSVGElement();
+    return active && FBuffered && FSVG->CanDrawInParts(*active);
 }
 
 /// Paints what is before the active element, the element, and what is after it.

@@ -1,6 +1,7 @@
 #include "tavro/graphics/PathData.h"
 #include "tavro/runtime/Utf8.h"
 #include "tavro/svg/model/Document.h"
+#include "tavro/svg/model/PlainElement.h"
 #include "tavro/svg/model/TextElements.h"
 #include "tavro/svg/text/Layout.h"
 
@@ -69,7 +70,7 @@ bool IsInPicture(const TSVGElement& element) {
     for (const TSVGElement* at = &element; at; at = at->GetParent()) {
         const TSVGTag tag = at->GetTag();
         const auto* const graphic = at->AsGraphic();
-        if (!graphic || !graphic->GetVisible()) return false;
+        if (!graphic || !graphic->IsDisplayed()) return false;
         if (at != &element && tag != TSVGTag::Svg && tag != TSVGTag::G && tag != TSVGTag::A &&
             tag != TSVGTag::Switch)
             return false;
@@ -91,12 +92,33 @@ bool IsOutlines(const TSVGElement& element) {
            });
 }
 
+/// Moves the alpha of colours that stands in place of an opacity property into that property.
+void SplitOwnAlphas(TSVGStyleSet& style) {
+    using P = TSVGStyleProperty;
+    for (const auto& [paint, opacity] : {std::pair{P::Fill, P::FillOpacity},
+                                         {P::Stroke, P::StrokeOpacity},
+                                         {P::StopColor, P::StopOpacity}}) {
+        const TStyleValue* const own = style.Find(paint);
+        if (!own || own->Kind != TStyleValue::TKind::Color || !own->HasOwnAlpha) continue;
+        TStyleValue color = *own;
+        TStyleValue number;
+        number.Kind = TStyleValue::TKind::Number;
+        number.Number = AlphaOf(color.Color) / 255.0;
+        color.Color = WithAlpha(color.Color, 255);
+        color.HasOwnAlpha = false;
+        style.Put(paint, std::move(color));
+        style.Put(opacity, std::move(number));
+    }
+}
+
 /// What the elements from below an ancestor down to one of its descendants set, the inner ones over the
 /// outer.
 TSVGStyleSet StyleBelow(const TSVGElement& ancestor, const TSVGElement& element) {
     if (&element == &ancestor || !element.GetParent()) return {};
     TSVGStyleSet style = StyleBelow(ancestor, *element.GetParent());
-    for (const auto& [property, value] : element.GetStyle().Entries())
+    TSVGStyleSet own = element.GetStyle();
+    SplitOwnAlphas(own);
+    for (const auto& [property, value] : own.Entries())
         style.Put(property, value);
     return style;
 }
@@ -119,7 +141,7 @@ public:
 
 private:
     void WriteStyle(const TSVGElement& element) { WriteStyle(element.GetStyle(), element.GetTag()); }
-    void WriteStyle(const TSVGStyleSet& style, TSVGTag tag);
+    void WriteStyle(TSVGStyleSet style, TSVGTag tag);
     void WriteElement(const TSVGElement& element, int depth, bool isChoice);
     void WriteChoice(const TSVGElement& element, int depth);
     void WriteOutlines(const TSVGElement& element, int depth);
@@ -129,7 +151,8 @@ private:
     bool FInChoice = false; ///< outlines of what is written follow
 };
 
-void TSVGWriter::WriteStyle(const TSVGStyleSet& set, TSVGTag tag) {
+void TSVGWriter::WriteStyle(TSVGStyleSet set, TSVGTag tag) {
+    SplitOwnAlphas(set);
     // Parts of filters may have an attribute of the same name and another meaning.
     const bool isFilterPart = tag == TSVGTag::FilterPart;
     std::string style;

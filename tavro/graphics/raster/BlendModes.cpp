@@ -1,6 +1,6 @@
 #include "tavro/graphics/raster/BlendModesInternal.h"
 
-#include "tavro/graphics/raster/BlendColors.h"
+#include "tavro/graphics/raster/BlendModes.h"
 #include "tavro/graphics/raster/RowOpsInternal.h"
 
 #include <algorithm>

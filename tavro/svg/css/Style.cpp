@@ -292,6 +292,16 @@ private:
         return dashes;
     }
 
+    static bool IsOwnAlpha(const TStyleValue& v) { return v.Kind == K::Color && v.HasOwnAlpha; }
+    bool HasOwnAlpha(P property) const {
+        const TStyleValue* const v = Own.Find(property);
+        return v && IsOwnAlpha(*v);
+    }
+    static void TakeAlpha(TVZGPColor& color, double& opacity) {
+        opacity = AlphaOf(color) / 255.0;
+        color = WithAlpha(color, 255);
+    }
+
     void Apply(P property, const TStyleValue& v) {
         if (v.Kind == K::Inherit) {
             InheritExplicitly(property);
@@ -301,15 +311,17 @@ private:
         switch (property) {
         case P::Fill:
             S.Fill = Paint(v);
+            if (IsOwnAlpha(v)) TakeAlpha(S.Fill.Color, S.FillOpacity);
             break;
         case P::Stroke:
             S.Stroke = Paint(v);
+            if (IsOwnAlpha(v)) TakeAlpha(S.Stroke.Color, S.StrokeOpacity);
             break;
         case P::FillOpacity:
-            S.FillOpacity = v.Number;
+            if (!HasOwnAlpha(P::Fill)) S.FillOpacity = v.Number;
             break;
         case P::StrokeOpacity:
-            S.StrokeOpacity = v.Number;
+            if (!HasOwnAlpha(P::Stroke)) S.StrokeOpacity = v.Number;
             break;
         case P::FillRule:
             S.FillRule = rule;
@@ -406,9 +418,10 @@ private:
             break;
         case P::StopColor:
             S.StopColor = ColorValue(v, S.StopColor);
+            if (IsOwnAlpha(v)) TakeAlpha(S.StopColor, S.StopOpacity);
             break;
         case P::StopOpacity:
-            S.StopOpacity = v.Number;
+            if (!HasOwnAlpha(P::StopColor)) S.StopOpacity = v.Number;
             break;
         case P::FloodColor:
             S.FloodColor = ColorValue(v, S.FloodColor);

@@ -236,7 +236,7 @@ std::string FallbackText(const TStyleValue& value) {
 
 bool TStyleValue::operator==(const TStyleValue& other) const {
     return Kind == other.Kind && Word == other.Word && Fallback == other.Fallback && Color == other.Color &&
-           Number == other.Number && Unit == other.Unit &&
+           HasOwnAlpha == other.HasOwnAlpha && Number == other.Number && Unit == other.Unit &&
            (Text == other.Text || (Text && other.Text && *Text == *other.Text));
 }
 

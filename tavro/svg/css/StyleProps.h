@@ -113,6 +113,8 @@ struct TStyleValue {
     TFallback Fallback = TFallback::Absent;
     TSVGUnit Unit = TSVGUnit::Number;
     TVZGPColor Color = 0xFF000000;
+    /// Color: its alpha stands in place of the opacity property of the paint, which waits for another paint.
+    bool HasOwnAlpha = false;
     double Number = 0;
     std::shared_ptr<const std::string> Text{};
 

@@ -1,6 +1,6 @@
 #include "tavro/svg/filter/OpsInternal.h"
 
-#include "tavro/graphics/raster/BlendColors.h"
+#include "tavro/graphics/raster/BlendModes.h"
 
 #include <algorithm>
 #include <cmath>

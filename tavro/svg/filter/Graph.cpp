@@ -74,7 +74,7 @@ TPointD PixelShift(const TAffine& m, double dx, double dy) {
 
 // The graph
 
-TFilterGraph::TFilterGraph(const TSVGReferenced& filter, const TFilterPlace& place)
+TFilterGraph::TFilterGraph(const TSVGFilter& filter, const TFilterPlace& place)
     : FPlace(place) {
     for (const auto& child : filter.Children())
         if (child->GetTag() == TSVGTag::FilterPart && FNodes.size() < MostNodes)

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "tavro/svg/filter/OpsInternal.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/PlainElement.h"
+#include "tavro/svg/model/Referenced.h"
 
 #include <functional>
 #include <string>
@@ -63,7 +64,7 @@ TPointD PixelShift(const TAffine& toPixels, double dx, double dy);
 class TFilterGraph {
 public:
     /// `filter` is the element whose children count, `place` where it works.
-    TFilterGraph(const TSVGReferenced& filter, const TFilterPlace& place);
+    TFilterGraph(const TSVGFilter& filter, const TFilterPlace& place);
     bool IsEmpty() const { return FNodes.empty(); }
     TFilterSurvey Survey() const;
     /// The filter's result of the source, within the place's pixels.

@@ -79,6 +79,7 @@ void TSVGDocument::TakeContent(const TSVGDocument& other, std::vector<std::uniqu
     RemoveChildren();
     CopyFrom(other);
     FEnabled = enabled;
+    FViewPlacement = GetOwnAspectRatio().value_or(TSVGPreserveAspectRatio());
     FDuplicateIds = other.FDuplicateIds;
     FPictures = other.FPictures;
     FDiagnostics.clear();
@@ -189,22 +190,59 @@ void TSVGDocument::Register(TSVGElement& root) {
     if (root.IsInTree()) ForTree(root, [this](TSVGElement& element) { TakeId(element); });
 }
 
-/// Forgets the ids of trees that were taken out of the document.
+/// Forgets the ids of trees that were taken out of the document, and the watched element.
 void TSVGDocument::Unregister(std::span<const std::unique_ptr<TSVGElement>> roots) {
     bool lost = false;
     for (const auto& root : roots)
-        ForTree(*root, [&](TSVGElement& element) { lost = DropId(element) || lost; });
+        ForTree(*root, [&](TSVGElement& element) {
+            lost = DropId(element) || lost;
+            if (&element == FWatched) FWatched = nullptr;
+        });
     if (lost) FindIdsAgain();
+}
+
+void TSVGDocument::Watch(TSVGGraphicElement* element) {
+    FWatched = element && element->FDocument == this && element->IsInTree() ? element : nullptr;
+}
+
+void TSVGDocument::SetOpacityUntold(float value) {
+    const bool wasTelling = std::exchange(FIsTelling, true);
+    const bool wasPending = FPending;
+    const TSVGChange change = FPendingChange;
+    SetOpacity(value);
+    FPendingChange = change;
+    FPending = wasPending;
+    FIsTelling = wasTelling;
 }
 
 void TSVGDocument::Notify(const TSVGChange& change) {
     ++FChangeCount;
     if (change.Kind != TSVGChangeKind::Place) ++FEpoch;
     if (change.Kind == TSVGChangeKind::Structure) ++FStructureEpoch;
-    if (FUpdateCount > 0) {
-        FPending = true;
-        FPendingChange = change;
-    } else {
+    FPending = true;
+    FPendingChange = change;
+    if (FUpdateCount == 0) Tell();
+}
+
+/// Tells the change that waits, and those that the handler makes, one after the other.
+void TSVGDocument::Tell() {
+    if (FIsTelling) return;
+    struct TTelling {
+        bool& Flag;
+        explicit TTelling(bool& flag)
+            : Flag(flag) {
+            Flag = true;
+        }
+        ~TTelling() { Flag = false; }
+    } const telling(FIsTelling);
+    for (int notice = 0; FPending && FUpdateCount == 0; ++notice) {
+        FPending = false;
+        if (notice == MaxNotices)
+            throw EInvalidOperation(
+                "a handler of OnChange edits the document each time that it is told of an "
+                "edit; it was told " +
+                std::to_string(MaxNotices) + " times");
+        const TSVGChange change = FPendingChange;
         Raise(OnChange, change);
     }
 }
@@ -247,11 +285,19 @@ float TSVGDocument::GetHeight() const {
     return Extent(width ? *width * box->Height / box->Width : box->Height);
 }
 
-void TSVGDocument::FitToRect(const TRectF& rect) {
+void TSVGElement::FitToRect(const TRectF& rect) {
+    TSVGDocument& document = *FDocument;
     TSVGPreserveAspectRatio whole;
-    whole.SetAlign(FPlacement.GetAlign());
-    FDrawMatrix = ViewBoxMap({0, 0, GetWidth(), GetHeight()}, whole, rect.Width(), rect.Height())
-                      .Then(TAffine::Translation(rect.Left, rect.Top));
+    whole.SetAlign(document.FPlacement.GetAlign());
+    document.FDrawMatrix =
+        ViewBoxMap({0, 0, document.GetWidth(), document.GetHeight()}, whole, rect.Width(), rect.Height())
+            .Then(TAffine::Translation(rect.Left, rect.Top));
+}
+
+bool TSVGDocument::ReadAttribute(std::string_view name, std::string_view value) {
+    const bool isKnown = TSVGViewElement::ReadAttribute(name, value);
+    if (name == "preserveAspectRatio") FViewPlacement = GetOwnAspectRatio().value_or(FViewPlacement);
+    return isKnown;
 }
 
 } // namespace Vz

@@ -2,8 +2,8 @@
 
 #include "tavro/graphics/Canvas.h"
 #include "tavro/runtime/Exceptions.h"
+#include "tavro/svg/model/Containers.h"
 #include "tavro/svg/model/DrawingEvents.h"
-#include "tavro/svg/model/Structure.h"
 
 #include <functional>
 #include <iosfwd>
@@ -42,7 +42,8 @@ public:
 
     /// Replaces the content by that of an SVG text. `source` names it in errors. A text that is not
     /// well-formed XML or has no svg root raises EReadError with line and column, and the content stays.
-    /// Saved colours, opacity and the alignments of the document itself stay, too.
+    /// Of the document itself it keeps the enabled state and the alignment in FitToRect; opacity and all else
+    /// are the text's, or as in an empty document.
     void LoadFromText(std::string_view text, std::string_view source = "SVG");
     void LoadFromStream(std::istream& stream, std::string_view source = "SVG");
     void LoadFromFile(const std::string& path);
@@ -89,16 +90,21 @@ public:
     float GetHeight() const;
     /// How FitToRect places the picture. Default xMidYMid.
     TSVGPreserveAspectRatio& GetPreserveAspectRatio() { return FPlacement; }
-    /// How the view box is placed in the natural size where the file does not say. Default xMidYMid.
+    /// How the view box is placed in the natural size: as the content says when it is loaded (else xMidYMid),
+    /// and from then on as it is set here. What is written is the content's own.
     TSVGPreserveAspectRatio& GetViewPreserveAspectRatio() { return FViewPlacement; }
     const TSVGPreserveAspectRatio& GetViewAspectRatio() const { return FViewPlacement; }
-    /// Places the picture into the rectangle; what GetDrawMatrix gives then maps natural pixels to it.
-    void FitToRect(const TRectF& rect);
+    /// What the last FitToRect gave; the identity before the first.
     const TAffine& GetDrawMatrix() const { return FDrawMatrix; }
 
     // Drawing. `matrix` maps the natural picture to the canvas (GetDrawMatrix, or any).
 
+    /// The whole picture. `rect` is only handed to the events.
     void Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const;
+    /// The same without the events.
+    void DrawContent(TVZGPCanvas& canvas, const TAffine& matrix) const;
+    /// SetOpacity for the time of a drawing: nobody is told.
+    void SetOpacityUntold(float value);
     void DrawElement(TVZGPCanvas& canvas, const TAffine& matrix, const TSVGGraphicElement& element) const;
     /// All that is painted before the element, or after it: with the element between them they make the
     /// whole.
@@ -113,14 +119,27 @@ public:
     /// The topmost painted element at a point of the natural picture; null where there is none. What is drawn
     /// through a use gives the use.
     TSVGGraphicElement* ElementAt(TPointF point) const;
+    /// For who draws in parts: raises OnDrawing, and gives true where a handler drew the picture itself;
+    /// raises OnDrawn.
+    bool RaiseDrawing(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const;
+    void RaiseDrawn(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const;
 
-    /// Asked before the document is drawn as a whole: `handled` comes as false; a handler that sets it drew
-    /// the picture itself, and the document draws nothing.
+    /// Asked before the picture is drawn, by Draw or by a control from its caches: `handled` comes as false;
+    /// a handler that sets it drew the picture itself, and the document draws nothing.
     TSVGDrawingEvent OnDrawing;
-    /// Told after the document was drawn as a whole.
+    /// Told after the picture was drawn.
     TSVGDrawnEvent OnDrawn;
-    /// Told once after each edit, or at the outermost EndUpdate, with the last change.
+    /// How often a handler may answer a notice with an edit, before EInvalidOperation says that it has no
+    /// end.
+    static constexpr int MaxNotices = 100;
+    /// Told once after each edit, or at the outermost EndUpdate, with the last change. Edits that the handler
+    /// makes are told when it has returned. What it raises reaches the code that made the edit, which stands.
     std::function<void(const TSVGChange& change)> OnChange;
+
+    /// One element that the document watches for somebody: null (default) from when it leaves the document.
+    /// One that is not in the document is not watched.
+    TSVGGraphicElement* GetWatched() const { return FWatched; }
+    void Watch(TSVGGraphicElement* element);
 
     /// Grows with every change that is not only one of place.
     std::uint64_t GetEpoch() const { return FEpoch; }
@@ -128,6 +147,8 @@ public:
     std::uint64_t GetChangeCount() const { return FChangeCount; }
     /// Grows with every element that comes or goes.
     std::uint64_t GetStructureEpoch() const { return FStructureEpoch; }
+
+    bool ReadAttribute(std::string_view name, std::string_view value) override;
 
 private:
     friend class TSVGElement;
@@ -142,6 +163,7 @@ private:
     void Register(TSVGElement& root);
     void Unregister(std::span<const std::unique_ptr<TSVGElement>> roots);
     void Notify(const TSVGChange& change);
+    void Tell();
     void DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine& matrix,
                   const TSVGGraphicElement& element) const;
     /// All elements with a blend mode of their own.
@@ -155,8 +177,10 @@ private:
     mutable std::size_t FCopySize = 0; ///< bytes that the elements of a copy take; 0: nobody knows
     bool FDuplicateIds = false;
     int FUpdateCount = 0;
-    bool FPending = false;
+    bool FPending = false; ///< a change that was not told yet: FPendingChange
+    bool FIsTelling = false;
     TSVGChange FPendingChange{};
+    TSVGGraphicElement* FWatched = nullptr;
     std::uint64_t FEpoch = 1;
     std::uint64_t FChangeCount = 1;
     std::uint64_t FStructureEpoch = 1;

@@ -10,7 +10,6 @@
 #include "tavro/svg/values/TransformText.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 
 namespace Vz {
@@ -32,6 +31,24 @@ static_assert(std::size(TagNames) == static_cast<std::size_t>(TSVGTag::Other) + 
 void* TSVGElement::operator new(std::size_t size) { return TElementBlocks::Take(size); }
 
 void TSVGElement::operator delete(void* element) noexcept { TElementBlocks::Give(element); }
+
+/// What few elements have.
+struct TSVGElement::TRare {
+    /// Own values of properties that are excluded at present.
+    TSVGStyleSet Excluded;
+    // What the element asks of its viewer, as written.
+    std::optional<std::string> Extensions;
+    std::optional<std::string> Languages;
+};
+
+TSVGElement::TRare& TSVGElement::Rare() {
+    if (!FRare) FRare = std::make_unique<TRare>();
+    return *FRare;
+}
+
+TSVGElement::TSVGElement(TSVGDocument& document, TSVGTag tag)
+    : FDocument(&document)
+    , FTag(tag) {}
 
 TSVGElement::~TSVGElement() {
     // A deep tree is taken apart level by level, so that its depth does not become the stack's.
@@ -148,11 +165,7 @@ void TSVGElement::SetEnabled(bool value) {
 void TSVGElement::BeginUpdate() { ++FDocument->FUpdateCount; }
 
 void TSVGElement::EndUpdate() {
-    TSVGDocument& document = *FDocument;
-    assert(document.FUpdateCount > 0);
-    if (--document.FUpdateCount > 0 || !document.FPending) return;
-    document.FPending = false;
-    Raise(document.OnChange, document.FPendingChange);
+    if (FDocument->FUpdateCount > 0 && --FDocument->FUpdateCount == 0) FDocument->Tell();
 }
 
 void TSVGElement::Changed(TSVGChangeKind kind) {
@@ -168,23 +181,40 @@ bool TSVGElement::IsInTree() const {
 
 void TSVGElement::PutStyle(TSVGStyleProperty property, TStyleValue value) {
     if (const TStyleValue* const own = FStyle.Find(property); own && *own == value) return;
+    TakeExcluded(property);
     FStyle.Put(property, std::move(value));
     Changed(TSVGChangeKind::Paint);
 }
 
 void TSVGElement::SetSet(TSVGStyleProperty property, bool included) {
+    const TStyleValue* const own = FStyle.Find(property);
+    if (included == (own != nullptr)) return;
     if (!included) {
-        if (FStyle.Remove(property)) Changed(TSVGChangeKind::Paint);
-        return;
-    }
-    if (FStyle.Contains(property)) return;
-    if (const TStyleValue* const value = FindInherited(property))
+        KeepExcluded(property, *own);
+        FStyle.Remove(property);
+        Changed(TSVGChangeKind::Paint);
+    } else if (auto kept = TakeExcluded(property))
+        PutStyle(property, std::move(*kept));
+    else if (const TStyleValue* const value = FindInherited(property))
         PutStyle(property, TStyleValue(*value));
     else if (auto initial = ParseStyleValue(property, "initial"))
         PutStyle(property, std::move(*initial));
 }
 
+void TSVGElement::KeepExcluded(TSVGStyleProperty property, TStyleValue value) {
+    Rare().Excluded.Put(property, std::move(value));
+}
+
+std::optional<TStyleValue> TSVGElement::TakeExcluded(TSVGStyleProperty property) {
+    const TStyleValue* const kept = FRare ? FRare->Excluded.Find(property) : nullptr;
+    if (!kept) return {};
+    TStyleValue value = *kept;
+    FRare->Excluded.Remove(property);
+    return value;
+}
+
 void TSVGElement::SetValue(const TSVGStyleSet& set) {
+    if (FRare) FRare->Excluded = {};
     if (set == FStyle) return;
     const TUpdateScope update(*this);
     FStyle = {};
@@ -221,6 +251,7 @@ void TSVGElement::WriteAttributes(IAttributeSink&) const {}
 void TSVGElement::CopyFrom(const TSVGElement& source) {
     FStyle = source.FStyle;
     FEnabled = source.FEnabled;
+    FRare = source.FRare ? std::make_unique<TRare>(*source.FRare) : nullptr;
 }
 
 void TSVGElement::MakeLasting() {
@@ -294,32 +325,38 @@ void TSVGBrush::SetURI(std::string_view uri) {
     Put(std::move(value));
 }
 
+/// True where an element nearer than the one whose colour is in force sets the opacity property.
+bool TSVGBrush::IsAlphaOverridden() const {
+    for (const TSVGElement* at = FElement; at; at = at->GetParent()) {
+        if (const TStyleValue* const own = at->GetStyle().Find(FPaint);
+            own && own->Kind != TStyleValue::TKind::Inherit)
+            return false;
+        if (at->GetStyle().Contains(FOpacity)) return true;
+    }
+    return false;
+}
+
 TVZGPColor TSVGBrush::GetColor() const {
     const TStyleValue value = Own();
+    if (value.HasOwnAlpha && !IsAlphaOverridden()) return value.Color;
     const TVZGPColor color =
         value.Kind == TStyleValue::TKind::CurrentColor ? FElement->GetComputedStyle().Color : value.Color;
     const TStyleValue* const opacity = FElement->FindInherited(FOpacity);
-    return opacity ? Faded(color, opacity->Number) : color;
+    const TVZGPColor base = value.HasOwnAlpha ? WithAlpha(color, 255) : color;
+    return opacity ? Faded(base, opacity->Number) : base;
 }
 
 void TSVGBrush::SetColor(TVZGPColor color) {
     using K = TStyleValue::TKind;
     TStyleValue value = Own();
-    value.Color = WithAlpha(color, 255);
+    value.Color = color;
+    const TStyleValue* const opacity = FElement->FindInherited(FOpacity);
+    value.HasOwnAlpha = AlphaOf(color) != 255 || (opacity && opacity->Number != 1);
     if (value.Kind == K::Url)
         value.Fallback = TStyleValue::TFallback::Color;
     else if (value.Kind != K::NoPaint)
         value.Kind = K::Color;
-    const TUpdateScope update(*FElement);
     Put(std::move(value));
-    const TStyleValue* const inherited = FElement->FindInherited(FOpacity);
-    const double opacity = AlphaOf(color) / 255.0;
-    if ((inherited ? inherited->Number : 1.0) != opacity) {
-        TStyleValue number;
-        number.Kind = K::Number;
-        number.Number = opacity;
-        FElement->PutStyle(FOpacity, std::move(number));
-    }
 }
 
 TSVGPen::TSVGPen(TSVGElement& element)
@@ -338,14 +375,6 @@ void TSVGPen::SetWidth(double value) {
 
 // Graphic elements
 
-/// What the element asks of its viewer, as written.
-struct TSVGGraphicElement::TConditions {
-    std::string Extensions;
-    std::string Languages;
-    bool HasExtensions = false;
-    bool HasLanguages = false;
-};
-
 TSVGGraphicElement::TSVGGraphicElement(TSVGDocument& document, TSVGTag tag)
     : TSVGElement(document, tag) {
     FIsGraphic = true;
@@ -356,7 +385,7 @@ TSVGGraphicElement::~TSVGGraphicElement() = default;
 void TSVGGraphicElement::PutStyle(TSVGStyleProperty property, TStyleValue value) {
     using K = TStyleValue::TKind;
     if (property == TSVGStyleProperty::Display) {
-        if (value.Kind == K::Keyword) SetVisible(value.Word != TKeyword::None);
+        if (value.Kind == K::Keyword) SetDisplayed(value.Word != TKeyword::None);
     } else if (property == TSVGStyleProperty::Opacity) {
         const TSVGGraphicElement* const parent = GetParent() ? GetParent()->AsGraphic() : nullptr;
         SetOpacity(value.Kind == K::Inherit ? (parent ? parent->FOpacity : 1.0f)
@@ -367,23 +396,49 @@ void TSVGGraphicElement::PutStyle(TSVGStyleProperty property, TStyleValue value)
 }
 
 void TSVGGraphicElement::SetSet(TSVGStyleProperty property, bool included) {
-    if (property == TSVGStyleProperty::Display) {
-        if (!included) SetVisible(true);
-    } else if (property == TSVGStyleProperty::Opacity) {
-        if (!included) SetOpacity(1);
-    } else {
-        TSVGElement::SetSet(property, included);
+    using K = TStyleValue::TKind;
+    const bool isDisplay = property == TSVGStyleProperty::Display;
+    if (!isDisplay && property != TSVGStyleProperty::Opacity) return TSVGElement::SetSet(property, included);
+    if (included) {
+        if (auto kept = TakeExcluded(property)) PutStyle(property, std::move(*kept));
+        return;
     }
+    if (isDisplay ? FDisplayed : FOpacity == 1) return;
+    TStyleValue own;
+    own.Kind = isDisplay ? K::Keyword : K::Number;
+    own.Word = TKeyword::None;
+    own.Number = FOpacity;
+    isDisplay ? SetDisplayed(true) : SetOpacity(1);
+    KeepExcluded(property, own);
 }
 
+/// True where the element's own style says that it is not visible.
+bool TSVGGraphicElement::IsHidden() const {
+    const TStyleValue* const own = GetStyle().Find(TSVGStyleProperty::Visibility);
+    return own && own->Kind == TStyleValue::TKind::Keyword && own->Word != TKeyword::Visible;
+}
+
+bool TSVGGraphicElement::GetVisible() const { return FDisplayed && !IsHidden(); }
+
 void TSVGGraphicElement::SetVisible(bool value) {
-    if (value == FVisible) return;
-    FVisible = value;
+    const TUpdateScope update(*this);
+    if (value && IsHidden()) {
+        FStyle.Remove(TSVGStyleProperty::Visibility);
+        Changed(TSVGChangeKind::Paint);
+    }
+    SetDisplayed(value);
+}
+
+void TSVGGraphicElement::SetDisplayed(bool value) {
+    TakeExcluded(TSVGStyleProperty::Display);
+    if (value == FDisplayed) return;
+    FDisplayed = value;
     Changed(TSVGChangeKind::Place);
 }
 
 void TSVGGraphicElement::SetOpacity(float value) {
     if (std::isnan(value)) return;
+    TakeExcluded(TSVGStyleProperty::Opacity);
     value = std::clamp(value, 0.0f, 1.0f);
     if (value == FOpacity) return;
     FOpacity = value;
@@ -429,6 +484,8 @@ void TSVGGraphicElement::SetFont(const TSVGFont* font) {
     }
 }
 
+TSVGFont TSVGGraphicElement::GetFont() const { return TSVGFont(*this); }
+
 namespace {
 
 /// The language that documents are asked for (SVG 1.1, 5.8.5): the library takes it from nowhere, so it is
@@ -450,9 +507,7 @@ bool LanguageFits(std::string_view list) {
 } // namespace
 
 bool TSVGGraphicElement::ConditionsHold() const {
-    if (!FConditions) return true;
-    return !FConditions->HasExtensions &&
-           (!FConditions->HasLanguages || LanguageFits(FConditions->Languages));
+    return !FRare || (!FRare->Extensions && (!FRare->Languages || LanguageFits(*FRare->Languages)));
 }
 
 bool TSVGGraphicElement::ReadAttribute(std::string_view name, std::string_view value) {
@@ -464,10 +519,7 @@ bool TSVGGraphicElement::ReadAttribute(std::string_view name, std::string_view v
         return true;
     }
     if (name == "requiredExtensions" || name == "systemLanguage") {
-        if (!FConditions) FConditions = std::make_unique<TConditions>();
-        const bool language = name == "systemLanguage";
-        (language ? FConditions->Languages : FConditions->Extensions) = value;
-        (language ? FConditions->HasLanguages : FConditions->HasExtensions) = true;
+        (name == "systemLanguage" ? Rare().Languages : Rare().Extensions) = value;
         return true;
     }
     return TSVGElement::ReadAttribute(name, value);
@@ -475,11 +527,11 @@ bool TSVGGraphicElement::ReadAttribute(std::string_view name, std::string_view v
 
 void TSVGGraphicElement::WriteAttributes(IAttributeSink& sink) const {
     TSVGElement::WriteAttributes(sink);
-    if (!FVisible) sink.Put("display", "none");
+    if (!FDisplayed) sink.Put("display", "none");
     if (FOpacity != 1) sink.Put("opacity", NumberText(FOpacity));
     if (!(*FTransform == TAffine{})) sink.Put("transform", TransformText(*FTransform));
-    if (FConditions && FConditions->HasExtensions) sink.Put("requiredExtensions", FConditions->Extensions);
-    if (FConditions && FConditions->HasLanguages) sink.Put("systemLanguage", FConditions->Languages);
+    if (FRare && FRare->Extensions) sink.Put("requiredExtensions", *FRare->Extensions);
+    if (FRare && FRare->Languages) sink.Put("systemLanguage", *FRare->Languages);
 }
 
 void TSVGGraphicElement::CopyFrom(const TSVGElement& source) {
@@ -487,8 +539,7 @@ void TSVGGraphicElement::CopyFrom(const TSVGElement& source) {
     const auto& other = static_cast<const TSVGGraphicElement&>(source);
     FTransform = other.FTransform;
     FOpacity = other.FOpacity;
-    FVisible = other.FVisible;
-    FConditions = other.FConditions ? std::make_unique<TConditions>(*other.FConditions) : nullptr;
+    FDisplayed = other.FDisplayed;
 }
 
 void TSVGGraphicElement::MakeLasting() {

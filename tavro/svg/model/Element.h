@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -116,8 +117,12 @@ public:
     bool GetEnabled() const { return FEnabled; }
 
     /// Nested; the document tells its listener once at the outermost end. One count for the whole document.
+    /// An EndUpdate without its BeginUpdate does nothing.
     void BeginUpdate();
     void EndUpdate();
+    /// Places the document that the element belongs to, by its size and alignment, into the rectangle: what
+    /// TSVGDocument::GetDrawMatrix gives then maps its natural pixels to it.
+    void FitToRect(const TRectF& rect);
     /// Tells the document that something of this element changed outside of its setters; nothing happens
     /// while the element is in no tree.
     void Changed(TSVGChangeKind kind = TSVGChangeKind::Paint);
@@ -127,7 +132,8 @@ public:
     /// Gives the element a value of its own; nothing happens where it has the same.
     virtual void PutStyle(TSVGStyleProperty property, TStyleValue value);
     /// Includes or excludes one style property from what the element sets itself. Excluded it is inherited or
-    /// initial until it is set again; including one that is not there takes the computed value over.
+    /// initial, until it is set or included again: then it has its own value back. One that the element never
+    /// had takes the computed value over.
     virtual void SetSet(TSVGStyleProperty property, bool included);
     /// Replaces the whole set.
     void SetValue(const TSVGStyleSet& set);
@@ -146,15 +152,16 @@ public:
     virtual void WriteAttributes(IAttributeSink& sink) const;
 
 protected:
-    TSVGElement(TSVGDocument& document, TSVGTag tag)
-        : FDocument(&document)
-        , FTag(tag) {}
+    TSVGElement(TSVGDocument& document, TSVGTag tag);
     /// An empty element of the same class in a document.
     virtual std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const = 0;
     /// Takes over everything but id, children and place.
     virtual void CopyFrom(const TSVGElement& source);
     /// What this element shares with its copies lives from here on as long as the program (see Lasting.h).
     virtual void MakeLasting();
+    /// Keeps a value while its property is excluded, and hands it back once; nothing where none is kept.
+    void KeepExcluded(TSVGStyleProperty property, TStyleValue value);
+    std::optional<TStyleValue> TakeExcluded(TSVGStyleProperty property);
     /// Notes an attribute whose value is not taken.
     void Refuse(std::string_view name, std::string_view value, std::string_view why = "cannot read");
 
@@ -175,6 +182,10 @@ private:
     const TSVGTag FTag;
     bool FIsGraphic = false;
     TSVGIdTable::TPlace FIdPlace = 0; ///< where the document finds this element by its id; else 0
+    /// What few elements have.
+    struct TRare;
+    TRare& Rare();
+    std::unique_ptr<TRare> FRare;
     std::vector<std::unique_ptr<TSVGElement>> FChildren;
 };
 
@@ -197,13 +208,15 @@ public:
     void SetURI(std::string_view uri);
     /// The colour after inheritance, its opacity property multiplied into the alpha.
     TVZGPColor GetColor() const;
-    /// Sets the colour; its alpha goes into the opacity property. A reference stays and takes the colour as
-    /// its fallback; "none" stays none; a brush without a value of its own becomes solid.
+    /// Sets the colour with its alpha, whatever the opacity property says; that stays as it is, for what a
+    /// reference paints. A reference stays and takes the colour as its fallback; "none" stays none; a brush
+    /// without a value of its own becomes solid.
     void SetColor(TVZGPColor color);
 
 private:
     TStyleValue Own() const;
     void Put(TStyleValue value);
+    bool IsAlphaOverridden() const;
 
     TSVGElement* FElement;
     TSVGStyleProperty FPaint;
@@ -227,9 +240,12 @@ class TSVGGraphicElement : public TSVGElement {
 public:
     ~TSVGGraphicElement() override;
 
-    /// False: the element and all below it are not drawn ("display" none of its own). Default true.
-    bool GetVisible() const { return FVisible; }
+    /// False: the element is not drawn, by its own "display" or its own "visibility". Default true. Setting
+    /// true takes both away; setting false keeps all below it from being drawn, too.
+    bool GetVisible() const;
     void SetVisible(bool value);
+    /// False: the element and all below it are not drawn ("display" none of its own).
+    bool IsDisplayed() const { return FDisplayed; }
     /// 0..1, default 1, of the element as one; clamped, not-a-number is refused.
     float GetOpacity() const { return FOpacity; }
     void SetOpacity(float value);
@@ -247,6 +263,8 @@ public:
     TSVGPen GetPen() { return TSVGPen{*this}; }
     /// Copies the font's settings into the element's own style; what the font leaves open is left as it was.
     void SetFont(const TSVGFont* font);
+    /// What the element's own style sets of a font; the rest is left open.
+    TSVGFont GetFont() const;
 
     /// The box around what is filled, of the element and all below it, under its own transform and then the
     /// matrix (SVG 1.1, 7.11: without strokes). All zero where it is empty.
@@ -265,16 +283,17 @@ protected:
     void MakeLasting() override;
 
 private:
+    bool IsHidden() const;
+    void SetDisplayed(bool value);
+
     friend class TSVGPainter;
     // What a painting reads of each element stands close together, from the children on.
     TCopyOnWrite<TAffine> FTransform;
     float FOpacity = 1;
-    bool FVisible = true;
+    bool FDisplayed = true;
     mutable std::uint64_t FCompiledEpoch = 0; ///< of the document when FCompiled was made
     struct TCompiled;
     mutable std::shared_ptr<const TCompiled> FCompiled;
-    struct TConditions;
-    std::unique_ptr<TConditions> FConditions;
 };
 
 inline const TSVGGraphicElement* TSVGElement::AsGraphic() const {

@@ -1,7 +1,10 @@
 #include "tavro/svg/model/ElementFactory.h"
 
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
+#include "tavro/svg/model/Image.h"
+#include "tavro/svg/model/PlainElement.h"
+#include "tavro/svg/model/Referenced.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/model/TextElements.h"
 #include "tavro/svg/values/NameTableInternal.h"
@@ -31,18 +34,18 @@ using G = TSVGTag;
 constexpr TRow Rows[] = {
     {"a", MakeTagged<TSVGGroup, G::A>},
     {"circle", MakeTagged<TSVGBasicShape, G::Circle>},
-    {"clipPath", MakeTagged<TSVGReferenced, G::ClipPath>},
+    {"clipPath", Make<TSVGClipPath>},
     {"defs", MakeTagged<TSVGGroup, G::Defs>},
     {"ellipse", MakeTagged<TSVGBasicShape, G::Ellipse>},
-    {"filter", MakeTagged<TSVGReferenced, G::Filter>},
+    {"filter", Make<TSVGFilter>},
     {"g", MakeTagged<TSVGGroup, G::G>},
     {"image", Make<TSVGImage>},
     {"line", MakeTagged<TSVGBasicShape, G::Line>},
     {"linearGradient", Make<TSVGLinearGradient>},
-    {"marker", MakeTagged<TSVGReferenced, G::Marker>},
-    {"mask", MakeTagged<TSVGReferenced, G::Mask>},
+    {"marker", Make<TSVGMarker>},
+    {"mask", Make<TSVGMask>},
     {"path", Make<TSVGPath>},
-    {"pattern", MakeTagged<TSVGReferenced, G::Pattern>},
+    {"pattern", Make<TSVGPattern>},
     {"polygon", MakeTagged<TSVGPoly, G::Polygon>},
     {"polyline", MakeTagged<TSVGPoly, G::Polyline>},
     {"radialGradient", Make<TSVGRadialGradient>},

@@ -1,6 +1,7 @@
 #include "tavro/svg/model/Font.h"
 
 #include "tavro/runtime/Props.h"
+#include "tavro/svg/model/Element.h"
 
 #include <algorithm>
 #include <array>
@@ -17,6 +18,23 @@ constexpr std::array Rows{
 };
 static_assert(NamesAreUnique(Rows));
 } // namespace
+
+TSVGFont::TSVGFont(const TSVGGraphicElement& element) {
+    using P = TSVGStyleProperty;
+    using K = TStyleValue::TKind;
+    const auto own = [&](P property) -> const TStyleValue* {
+        const TStyleValue* const value = element.GetStyle().Find(property);
+        return value && value->Kind != K::Inherit ? value : nullptr;
+    };
+    // Sizes and weights may be relative: they are taken as they come out.
+    const TStyleValue* const family = own(P::FontFamily);
+    const TStyleValue* const style = own(P::FontStyle);
+    const TComputedStyle computed = element.GetComputedStyle();
+    if (family && family->Text) FFamily = *family->Text;
+    if (own(P::FontSize)) SetSize(static_cast<float>(computed.Text->Font.Size));
+    if (own(P::FontWeight)) SetWeight(computed.Text->Font.Weight);
+    if (style) FStyle = style->Word == TKeyword::Normal ? TSVGFontStyle::fsNormal : TSVGFontStyle::fsItalic;
+}
 
 std::span<const TProp> TSVGFont::GetPropTable() const { return Rows; }
 

@@ -10,6 +10,7 @@
 
 namespace Vz {
 
+class TSVGGraphicElement;
 class TVZGPCanvas;
 
 enum class TSVGFontStyle : std::uint8_t { fsArtwork, fsNormal, fsItalic };
@@ -28,6 +29,8 @@ public:
     TSVGFont() = default;
     /// A font as one would make it for a canvas; the canvas is not kept.
     explicit TSVGFont(const TVZGPCanvas&) {}
+    /// What the element's own style sets of a font; the rest is open.
+    explicit TSVGFont(const TSVGGraphicElement& element);
 
     /// A CSS family list. Default "": the artwork's.
     const std::string& GetFamily() const { return FFamily; }
@@ -47,7 +50,7 @@ public:
         return FFamily.empty() && FSize == 0 && FWeight == 0 && FStyle == TSVGFontStyle::fsArtwork;
     }
 
-    /// Copies all settings, with one OnChange where any differs. Raises EConvertError where source is no
+    /// Copies all settings, with one OnChange where any differs. Raises EInvalidCast where source is no
     /// font.
     void Assign(const TPersistent& source) override;
     std::span<const TProp> GetPropTable() const override;

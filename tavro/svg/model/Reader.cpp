@@ -5,6 +5,7 @@
 #include "tavro/svg/css/StyleSheet.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/ElementFactory.h"
+#include "tavro/svg/model/PlainElement.h"
 #include "tavro/svg/model/TextElements.h"
 #include "tavro/svg/values/Scan.h"
 

@@ -49,7 +49,7 @@ public:
         for (const auto& child : parent.Children()) {
             const auto* const element = child->AsGraphic();
             if (!element || !element->ConditionsHold()) continue;
-            if (element->GetVisible() && !IsReferencedTag(element->GetTag()))
+            if (element->IsDisplayed() && !IsReferencedTag(element->GetTag()))
                 Add(*element, style, matrix, viewWidth, viewHeight, true);
             if (parent.GetTag() == TSVGTag::Switch) break;
         }
@@ -96,7 +96,7 @@ private:
     void AddUse(const TSVGUse& use, const TComputedStyle& style, const TAffine& matrix,
                 const TLengthBasis& basis) {
         const auto* const target = dynamic_cast<const TSVGGraphicElement*>(use.GetTarget());
-        if (!target || !target->GetVisible() || !target->ConditionsHold() || use.HasAncestor(target) ||
+        if (!target || !target->IsDisplayed() || !target->ConditionsHold() || use.HasAncestor(target) ||
             std::ranges::find(FActive, target) != FActive.end())
             return;
         FActive.push_back(target);

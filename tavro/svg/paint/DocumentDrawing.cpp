@@ -10,62 +10,8 @@ namespace Vz {
 
 namespace {
 
-/// Takes the calls of a painting without painting: what derived devices want to know of it.
-class TProbeDevice : public IPaintDevice {
-public:
-    void PushLayer(const TLayerStyle&) override {}
-    void PopLayer() override {}
-    void PushMask(TMaskKind) override { ++FMasks; }
-    void PopMask() override { --FMasks; }
-    TRect GetClipBounds() const override {
-        constexpr int far = 1 << 30;
-        return {-far, -far, far, far};
-    }
-    bool IsVector() const override { return false; }
-
-protected:
-    /// True while what is drawn is no picture but a mask.
-    bool InMask() const { return FMasks > 0; }
-
-private:
-    int FMasks = 0;
-};
-
-/// Finds the box around everything that is painted, in device pixels.
-class TBoundsDevice final : public TProbeDevice {
-public:
-    TRectD Box;
-
-    void Draw(const TShape& shape, const TPaint& paint, const TAffine& toDevice) override {
-        if (InMask() || (paint.Kind == TPaint::TKind::Solid && AlphaOf(paint.Color) == 0)) return;
-        thread_local TPolygons scratch;
-        TRectD box;
-        for (const TPointD& p : Flatten(shape, FlatteningScale(toDevice), scratch).Points) {
-            const TPointD at = toDevice(p);
-            box.Include(at.X, at.Y);
-        }
-        Add(box);
-    }
-    void DrawImage(const TPixels& image, const TAffine& toDevice, double, TInterpolation) override {
-        if (!InMask())
-            Add(toDevice(TRectD{0, 0, static_cast<double>(image.Width), static_cast<double>(image.Height)}));
-    }
-    void PushClip(std::span<const TClipShape> shapes) override {
-        TRectD box;
-        for (const TClipShape& clip : shapes)
-            box.Include(clip.Shape.Figures->Bounds(clip.Matrix));
-        FClips.push_back(FClips.empty() ? box : Intersection(FClips.back(), box));
-    }
-    void PopClip() override { FClips.pop_back(); }
-
-private:
-    void Add(const TRectD& box) { Box.Include(FClips.empty() ? box : Intersection(FClips.back(), box)); }
-
-    std::vector<TRectD> FClips;
-};
-
 /// Remembers the last element that painted a point.
-class THitDevice final : public TProbeDevice {
+class THitDevice final : public IPaintDevice {
 public:
     THitDevice(TPointD point)
         : FPoint(point) {}
@@ -87,8 +33,19 @@ public:
                           }));
     }
     void PopClip() override { FInside.pop_back(); }
+    void PushLayer(const TLayerStyle&) override {}
+    void PopLayer() override {}
+    void PushMask(TMaskKind) override { ++FMasks; }
+    void PopMask() override { --FMasks; }
+    TRect GetClipBounds() const override {
+        constexpr int far = 1 << 30;
+        return {-far, -far, far, far};
+    }
+    bool IsVector() const override { return false; }
 
 private:
+    /// True while what is drawn is no picture but a mask.
+    bool InMask() const { return FMasks > 0; }
     bool IsInside() const { return FInside.empty() || FInside.back(); }
     bool Covers(const TShape& shape, const TAffine& toDevice) const {
         return toDevice.IsInvertible() &&
@@ -97,6 +54,7 @@ private:
 
     TPointD FPoint;
     std::vector<bool> FInside;
+    int FMasks = 0;
 };
 
 } // namespace
@@ -114,14 +72,23 @@ bool IsInForce(const TSVGElement& element, TSVGStyleProperty property) {
 } // namespace
 
 void TSVGDocument::Draw(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const {
-    auto& self = const_cast<TSVGDocument&>(*this);
-    const TMatrix shown = matrix.ToMatrix();
+    if (!RaiseDrawing(canvas, matrix, rect)) DrawContent(canvas, matrix);
+    RaiseDrawn(canvas, matrix, rect);
+}
+
+void TSVGDocument::DrawContent(TVZGPCanvas& canvas, const TAffine& matrix) const {
+    TSVGPainter(*this, canvas.GetDevice()).Paint(TPaintPass::Whole, nullptr, matrix.Then(canvas.ToDevice()));
+}
+
+bool TSVGDocument::RaiseDrawing(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const {
     bool handled = false;
-    if (OnDrawing) OnDrawing(self, shown, canvas, rect, handled);
-    if (!handled)
-        TSVGPainter(*this, canvas.GetDevice())
-            .Paint(TPaintPass::Whole, nullptr, matrix.Then(canvas.ToDevice()));
-    if (OnDrawn) OnDrawn(self, shown, canvas, rect);
+    if (OnDrawing)
+        Raise(OnDrawing, const_cast<TSVGDocument&>(*this), matrix.ToMatrix(), canvas, rect, handled);
+    return handled;
+}
+
+void TSVGDocument::RaiseDrawn(TVZGPCanvas& canvas, const TAffine& matrix, const TRectF& rect) const {
+    if (OnDrawn) Raise(OnDrawn, const_cast<TSVGDocument&>(*this), matrix.ToMatrix(), canvas, rect);
 }
 
 void TSVGDocument::DrawElement(TVZGPCanvas& canvas, const TAffine& matrix,
@@ -181,10 +148,10 @@ const std::vector<const TSVGElement*>& TSVGDocument::BlendingElements() const {
 }
 
 TRectD TSVGDocument::GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const {
-    TBoundsDevice device;
+    TContentBounds device;
     if (&element.GetDocument() == this)
         TSVGPainter(*this, device).Paint(TPaintPass::Element, &element, toDevice);
-    return device.Box;
+    return device.Box();
 }
 
 TSVGGraphicElement* TSVGDocument::ElementAt(TPointF point) const {

@@ -92,13 +92,13 @@ bool TSVGPainter::TEffects::NeedsLayer() const {
            (Style && (Style->Blend != TKeyword::Normal || Style->Isolation == TKeyword::Isolate));
 }
 
-const TSVGReferenced* TSVGPainter::FindReferenced(const std::shared_ptr<const std::string>& id,
-                                                  TSVGTag tag) const {
+const TSVGElement* TSVGPainter::FindReferenced(const std::shared_ptr<const std::string>& id,
+                                               TSVGTag tag) const {
     const TSVGElement* const element = id ? FDocument.FindElement(*id) : nullptr;
     // What leads back to itself counts as absent.
     const bool usable =
         element && element->GetTag() == tag && FActive.size() <= MostNested && !IsFollowed(element);
-    return usable ? static_cast<const TSVGReferenced*>(element) : nullptr;
+    return usable ? element : nullptr;
 }
 
 TSVGPainter::TEffects TSVGPainter::FindEffects(const TSVGGraphicElement& element,
@@ -106,8 +106,8 @@ TSVGPainter::TEffects TSVGPainter::FindEffects(const TSVGGraphicElement& element
     TEffects effects;
     effects.Opacity = element.GetOpacity();
     effects.Style = &style;
-    effects.Clip = FindReferenced(style.ClipPath, TSVGTag::ClipPath);
-    effects.Mask = FindReferenced(style.Mask, TSVGTag::Mask);
+    effects.Clip = FindReferenced<TSVGClipPath>(style.ClipPath);
+    effects.Mask = FindReferenced<TSVGMask>(style.Mask);
     effects.IsEmpty = effects.Opacity <= 0 || FActive.size() > MostNested;
     return effects;
 }
@@ -130,7 +130,7 @@ void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement&
         clipContext = ClipContext(*effects.Clip, element, inner, clipStyle);
         if (!clipContext.Matrix.IsInvertible()) return;
         const TFollow follow(*this, effects.Clip);
-        clipMasks = FindReferenced(clipStyle.ClipPath, TSVGTag::ClipPath) ||
+        clipMasks = FindReferenced<TSVGClipPath>(clipStyle.ClipPath) ||
                     !CollectClip(*effects.Clip, clipContext, shapes, figures, 0);
         if (!clipMasks && shapes.empty()) return;
         clipped = !clipMasks;
@@ -160,7 +160,7 @@ void TSVGPainter::WithEffects(const TEffects& effects, const TSVGGraphicElement&
     if (clipped) FDevice.PopClip();
 }
 
-TPaintContext TSVGPainter::ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
+TPaintContext TSVGPainter::ClipContext(const TSVGClipPath& clip, const TSVGGraphicElement& element,
                                        const TPaintContext& inner, TComputedStyle& style) {
     style = clip.GetComputedStyle();
     TPaintContext context = inner;
@@ -185,7 +185,7 @@ bool TSVGPainter::CollectClip(const TSVGElement& parent, const TPaintContext& co
     const bool isUse = parent.GetTag() == TSVGTag::Use;
     const auto take = [&](const TSVGElement* child) {
         const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child);
-        if (!element || !IsClippable(element->GetTag()) || !element->GetVisible() ||
+        if (!element || !IsClippable(element->GetTag()) || !element->IsDisplayed() ||
             !element->ConditionsHold() || !Enter())
             return true;
         if (isUse && element->GetTag() == TSVGTag::Use) return true;
@@ -224,14 +224,14 @@ bool TSVGPainter::CollectClip(const TSVGElement& parent, const TPaintContext& co
     return true;
 }
 
-void TSVGPainter::PaintClip(const TSVGReferenced& clip, const TPaintContext& context) {
+void TSVGPainter::PaintClip(const TSVGClipPath& clip, const TPaintContext& context) {
     const TFollow follow(*this, &clip);
     TPaint black;
     const auto paint = [&](const TPaintContext& inner, const TSVGElement& parent, auto&& self) -> void {
         const bool isUse = parent.GetTag() == TSVGTag::Use;
         const auto one = [&](const TSVGElement* child) {
             const auto* const element = dynamic_cast<const TSVGGraphicElement*>(child);
-            if (!element || !IsClippable(element->GetTag()) || !element->GetVisible() ||
+            if (!element || !IsClippable(element->GetTag()) || !element->IsDisplayed() ||
                 !element->ConditionsHold() || !Enter() || (isUse && element->GetTag() == TSVGTag::Use))
                 return;
             const TComputedStyle style = ComputeStyle(
@@ -240,7 +240,7 @@ void TSVGPainter::PaintClip(const TSVGReferenced& clip, const TPaintContext& con
             TPaintContext place = Inside(*element, inner, silhouette);
             if (!place.Matrix.IsInvertible()) return;
             TEffects effects;
-            effects.Clip = FindReferenced(style.ClipPath, TSVGTag::ClipPath);
+            effects.Clip = FindReferenced<TSVGClipPath>(style.ClipPath);
             effects.Style = &silhouette;
             WithEffects(effects, *element, place, [&](const TPaintContext& within) {
                 if (element->GetTag() == TSVGTag::Use) {
@@ -270,11 +270,11 @@ void TSVGPainter::PaintClip(const TSVGReferenced& clip, const TPaintContext& con
     // A clip path that is clipped itself.
     TEffects own;
     own.Style = context.Style;
-    own.Clip = FindReferenced(context.Style->ClipPath, TSVGTag::ClipPath);
+    own.Clip = FindReferenced<TSVGClipPath>(context.Style->ClipPath);
     WithEffects(own, clip, context, [&](const TPaintContext& inner) { paint(inner, clip, paint); });
 }
 
-void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element,
+void TSVGPainter::PaintMask(const TSVGMask& mask, const TSVGGraphicElement& element,
                             const TPaintContext& inner) {
     const TComputedStyle style = mask.GetComputedStyle();
     const TMaskKind kind = style.MaskType == TKeyword::Alpha                 ? TMaskKind::Alpha
@@ -309,7 +309,7 @@ void TSVGPainter::PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement
         ++context.Depth;
         if (boxContent) context.Matrix = BoxMap(box).Then(inner.Matrix);
         // A mask on the mask refers to the same element.
-        if (const TSVGReferenced* const outer = FindReferenced(style.Mask, TSVGTag::Mask)) {
+        if (const TSVGMask* const outer = FindReferenced<TSVGMask>(style.Mask)) {
             FDevice.PushLayer({});
             PaintChildren(mask, context);
             PaintMask(*outer, element, inner);

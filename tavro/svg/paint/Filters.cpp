@@ -40,15 +40,15 @@ double AreaOf(const TRectD& box) { return box.IsEmpty() ? 0 : box.Width() * box.
 bool IsFiniteBox(const TRectD& box) { return std::isfinite(box.Width()) && std::isfinite(box.Height()); }
 
 /// What the first of a filter and those that it refers to says.
-template <class F> auto Along(const TSVGReferenced& filter, F get) -> decltype(get(filter)) {
-    const TSVGReferenced* at = &filter;
+template <class F> auto Along(const TSVGFilter& filter, F get) -> decltype(get(filter)) {
+    const TSVGFilter* at = &filter;
     for (int i = 0; at && i < MostTemplates; ++i, at = at->GetTemplate())
         if (auto found = get(*at)) return found;
     return {};
 }
 
-const TSVGReferenced* ContentOf(const TSVGReferenced& filter) {
-    return Along(filter, [](const TSVGReferenced& f) {
+const TSVGFilter* ContentOf(const TSVGFilter& filter) {
+    return Along(filter, [](const TSVGFilter& f) {
         return std::ranges::any_of(f.Children(),
                                    [](const auto& c) { return c->GetTag() == TSVGTag::FilterPart; })
                    ? &f
@@ -57,7 +57,7 @@ const TSVGReferenced* ContentOf(const TSVGReferenced& filter) {
 }
 
 /// The filter region (Filter Effects 1, 8.2) in the element's units; empty where nothing is painted.
-TRectD RegionOf(const TSVGReferenced& filter, const TRectD& box, TLengthBasis basis) {
+TRectD RegionOf(const TSVGFilter& filter, const TRectD& box, TLengthBasis basis) {
     using U = TSVGUnits;
     const bool boxUnits = Along(filter, [](const auto& f) {
                               return f.GetUnits();
@@ -96,11 +96,11 @@ struct TSVGPainter::TFilterJob {
     /// A filter element, or a function.
     struct TStage {
         const TFilterItem* Item = nullptr;
-        const TSVGReferenced* Filter = nullptr;  ///< null: a function
-        const TSVGReferenced* Content = nullptr; ///< the filter that has the primitives; null: there are none
-        TRectD Region;                           ///< of a filter, in the element's units
-        TRectD Pixels;                           ///< what the stage makes, in pixels of detail 1
-        double Cost = 0;                         ///< about nanoseconds a pixel
+        const TSVGFilter* Filter = nullptr;  ///< null: a function
+        const TSVGFilter* Content = nullptr; ///< the filter that has the primitives; null: there are none
+        TRectD Region;                       ///< of a filter, in the element's units
+        TRectD Pixels;                       ///< what the stage makes, in pixels of detail 1
+        double Cost = 0;                     ///< about nanoseconds a pixel
     };
 
     TSVGPainter& Painter;
@@ -132,7 +132,10 @@ struct TSVGPainter::TFilterJob {
     bool CanTurn();
     const TRectD& ContentBox();
     void FindBoxes();
+    double FindCost() const;
+    double FindDetail(double cost) const;
     void ChooseDetail();
+    TRectD ShownBox();
     void Run();
 
     TAffine Grid() const { return ToPixels.Then(TAffine::Scaling(Detail, Detail)); }
@@ -162,8 +165,7 @@ bool TSVGPainter::TFilterJob::FindStages() {
     for (const TFilterItem& item : Items) {
         TStage stage{&item};
         if (item.Kind == TFilterItem::TKind::Reference) {
-            stage.Filter =
-                Painter.FindReferenced(std::make_shared<const std::string>(item.Id), TSVGTag::Filter);
+            stage.Filter = Painter.FindReferenced<TSVGFilter>(std::make_shared<const std::string>(item.Id));
             if (!stage.Filter) continue;
             stage.Content = ContentOf(*stage.Filter);
             if (Box.IsEmpty()) Box = Painter.ObjectBox(Element, Inner);
@@ -266,17 +268,36 @@ void TSVGPainter::TFilterJob::FindBoxes() {
     }
 }
 
-void TSVGPainter::TFilterJob::ChooseDetail() {
+double TSVGPainter::TFilterJob::FindCost() const {
     double cost = FixedCost;
-    double widest = 1;
-    for (const TStage& stage : Stages) {
+    for (const TStage& stage : Stages)
         cost += (stage.Cost + OwnCost) * AreaOf(stage.Pixels);
+    return cost;
+}
+
+double TSVGPainter::TFilterJob::FindDetail(double cost) const {
+    double widest = 1;
+    for (const TStage& stage : Stages)
         if (!stage.Pixels.IsEmpty()) widest = std::max({widest, stage.Pixels.Width(), stage.Pixels.Height()});
-    }
     const double share = std::max(MostCostOfAll - Painter.FWork.FilterCost, 0.0) * MostShare;
     const double most = std::min(MostPixels / (widest + 2), std::sqrt(std::min(MostCost, share) / cost));
-    Detail = std::min(Painter.FDevice.IsVector() ? 2.0 : 1.0, most);
+    return std::min(Painter.FDevice.IsVector() ? 2.0 : 1.0, most);
+}
+
+void TSVGPainter::TFilterJob::ChooseDetail() {
+    const double cost = FindCost();
+    Detail = FindDetail(cost);
     Painter.FWork.FilterCost += cost * Detail * Detail;
+}
+
+/// The device's box around the pixels that Show lays down, which stand on whole pixels of the device, or are
+/// carried on by their interpolation.
+TRectD TSVGPainter::TFilterJob::ShownBox() {
+    const TRectD& result = Stages.back().Pixels;
+    const double detail = FindDetail(FindCost());
+    if (detail == 1 && ToDevice.IsTranslation()) return ToDevice(result);
+    constexpr double reach = 3; // of the rounding to pixels and of the bicubic
+    return ToDevice(Grown(result, reach / detail, reach / detail));
 }
 
 /// What `draw` paints on a device of the box's pixels; it is given the map from the element's units to them.
@@ -423,7 +444,7 @@ void TSVGPainter::TFilterJob::Run() {
     if (result.IsEmpty() ||
         !std::ranges::all_of(Stages, [](const TStage& s) { return IsFiniteBox(s.Pixels); }))
         return;
-    if (TContentBounds* const bounds = Painter.FDevice.Bounds()) return bounds->Add(ToDevice(result));
+    if (TContentBounds* const bounds = Painter.FDevice.Bounds()) return bounds->Add(ShownBox());
     if (Intersection(WholePixels(Grown(ToDevice(result), 1, 1)), Painter.FDevice.GetClipBounds()).IsEmpty())
         return;
     ChooseDetail();

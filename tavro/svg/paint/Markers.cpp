@@ -93,11 +93,11 @@ void TSVGPainter::PaintMarkers(const TSVGShape& shape, const TPaintContext& inne
     if (!style.MarkerStart && !style.MarkerMid && !style.MarkerEnd) return;
     const TFigures figures = shape.MakeFigures(BasisOf(style, inner.ViewWidth, inner.ViewHeight));
     const auto vertices = VerticesOf(figures);
-    const TSVGReferenced* const start = FindReferenced(style.MarkerStart, TSVGTag::Marker);
-    const TSVGReferenced* const mid = FindReferenced(style.MarkerMid, TSVGTag::Marker);
-    const TSVGReferenced* const end = FindReferenced(style.MarkerEnd, TSVGTag::Marker);
+    const TSVGMarker* const start = FindReferenced<TSVGMarker>(style.MarkerStart);
+    const TSVGMarker* const mid = FindReferenced<TSVGMarker>(style.MarkerMid);
+    const TSVGMarker* const end = FindReferenced<TSVGMarker>(style.MarkerEnd);
     for (std::size_t i = 0; i < vertices.size(); ++i) {
-        const auto paint = [&](const TSVGReferenced* marker, bool reverse) {
+        const auto paint = [&](const TSVGMarker* marker, bool reverse) {
             if (!marker || !FWork.IsLeft()) return;
             const TFollow follow(*this, marker);
             if (!Enter()) return;
@@ -110,8 +110,8 @@ void TSVGPainter::PaintMarkers(const TSVGShape& shape, const TPaintContext& inne
     }
 }
 
-void TSVGPainter::PaintMarker(const TSVGReferenced& marker, const TSVGShape& bearer,
-                              const TPaintContext& inner, TPointD at, double angleRad) {
+void TSVGPainter::PaintMarker(const TSVGMarker& marker, const TSVGShape& bearer, const TPaintContext& inner,
+                              TPointD at, double angleRad) {
     const TComputedStyle& shapeStyle = *inner.Style;
     TComputedStyle style = marker.GetComputedStyle();
     const TLengthBasis basis = BasisOf(style, inner.ViewWidth, inner.ViewHeight);

@@ -50,11 +50,8 @@ TPaintContext TSVGPainter::RootContext(const TAffine& matrix) const {
     root.ViewHeight = box ? box->Height : height;
     root.Style = &TComputedStyle::Initial();
     root.Matrix = FDocument.GetTransform().Then(matrix);
-    if (box)
-        root.Matrix = ViewBoxMap(*box, FDocument.GetOwnAspectRatio().value_or(FDocument.GetViewAspectRatio()),
-                                 width, height)
-                          .Then(root.Matrix);
-    root.Enabled = FDocument.GetEnabled();
+    if (box) root.Matrix = ViewBoxMap(*box, FDocument.GetViewAspectRatio(), width, height).Then(root.Matrix);
+    root.Enabled = FEnabled && FDocument.GetEnabled();
     return root;
 }
 
@@ -82,7 +79,7 @@ const TComputedStyle& TSVGPainter::StyleOf(const TSVGGraphicElement& element, co
 }
 
 void TSVGPainter::Paint(TPaintPass pass, const TSVGGraphicElement* pivot, const TAffine& matrix) {
-    if (!matrix.IsFinite() || !FDocument.GetVisible()) return;
+    if (!matrix.IsFinite() || !FDocument.IsDisplayed()) return;
     FPass = pass;
     FPivot = pivot;
     TPaintContext root = RootContext(matrix);
@@ -126,7 +123,7 @@ void TSVGPainter::PaintPath(const TSVGElement& parent, const TPaintContext& cont
 
 /// One level of the way to the pivot.
 void TSVGPainter::StepDown(const TSVGGraphicElement& element, const TPaintContext& context) {
-    if (!element.GetVisible() || !element.ConditionsHold() || element.GetTag() == TSVGTag::Defs) return;
+    if (!element.IsDisplayed() || !element.ConditionsHold() || element.GetTag() == TSVGTag::Defs) return;
     TComputedStyle scratch;
     PaintPath(element, Inside(element, context, StyleOf(element, context, scratch)));
 }
@@ -144,7 +141,7 @@ TPaintContext TSVGPainter::Inside(const TSVGGraphicElement& element, const TPain
 void TSVGPainter::PaintElement(const TSVGGraphicElement& element, const TPaintContext& context) {
     const TSVGTag tag = element.GetTag();
     if (tag == TSVGTag::Defs || tag == TSVGTag::Symbol || IsReferencedTag(tag)) return;
-    if (!element.GetVisible() || !element.ConditionsHold() || context.Depth > MaxDepth || !Enter()) return;
+    if (!element.IsDisplayed() || !element.ConditionsHold() || context.Depth > MaxDepth || !Enter()) return;
     TComputedStyle scratch;
     const TComputedStyle& style = StyleOf(element, context, scratch);
     const TPaintContext inner = Inside(element, context, style);
@@ -255,7 +252,7 @@ void TSVGPainter::PaintUse(const TSVGUse& use, const TPaintContext& inner) {
     context.Matrix = TAffine::Translation(place.X, place.Y).Then(inner.Matrix);
     if (!isView) {
         PaintElement(*drawn, context);
-    } else if (drawn->GetVisible() && drawn->ConditionsHold() && Enter() && context.Depth < MaxDepth) {
+    } else if (drawn->IsDisplayed() && drawn->ConditionsHold() && Enter() && context.Depth < MaxDepth) {
         const auto& view = static_cast<const TSVGViewElement&>(*drawn);
         const bool symbol = drawn->GetTag() == TSVGTag::Symbol;
         const TComputedStyle style = ComputeStyle(*context.Style, view.GetStyle(), basis);
@@ -307,6 +304,16 @@ void TSVGPainter::PaintView(const TSVGViewElement& view, const TPaintContext& in
     if (!open) FDevice.PopClip();
 }
 
+namespace {
+
+/// Gives the pixels the colours that an element shows which is drawn disabled (see GreyOf).
+void MakeGrey(const TPixels& from, const TPixels& to) {
+    for (int y = 0; y < from.Height; ++y)
+        std::transform(from.Row(y), from.Row(y) + from.Width, to.Row(y), GreyOfPremultiplied);
+}
+
+} // namespace
+
 void TSVGPainter::PaintImage(const TSVGImage& image, const TPaintContext& inner) {
     const auto bitmap = image.GetBitmap();
     const TSVGDocument* const embedded = image.GetEmbedded();
@@ -337,11 +344,20 @@ void TSVGPainter::PaintImage(const TSVGImage& image, const TPaintContext& inner)
         const TKeyword rendering = inner.Style->ImageRendering;
         const bool coarse = rendering == TKeyword::OptimizeSpeed || rendering == TKeyword::Pixelated ||
                             rendering == TKeyword::CrispEdgesCss;
-        FDevice.DrawImage(bitmap->GetPixels(), map, 1,
-                          coarse ? TInterpolation::Nearest : TInterpolation::Bilinear);
+        const auto mode = coarse ? TInterpolation::Nearest : TInterpolation::Bilinear;
+        // Where only the box is asked for no pixel counts.
+        if (inner.Enabled || FDevice.Pixels() == 0) {
+            FDevice.DrawImage(bitmap->GetPixels(), map, 1, mode);
+        } else {
+            TVZGPBitmap grey(bitmap->GetWidth(), bitmap->GetHeight());
+            MakeGrey(bitmap->GetPixels(), grey.GetPixels());
+            FDevice.DrawImage(grey.GetPixels(), map, 1, mode);
+        }
     } else {
         const TFollow follow(*this, &image);
-        TSVGPainter(*embedded, FDevice.Target(), FWork).Paint(TPaintPass::Whole, nullptr, map);
+        TSVGPainter painter(*embedded, FDevice.Target(), FWork);
+        painter.FEnabled = inner.Enabled;
+        painter.Paint(TPaintPass::Whole, nullptr, map);
     }
     FDevice.PopClip();
 }

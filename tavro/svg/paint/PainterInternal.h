@@ -2,7 +2,10 @@
 
 #include "tavro/svg/model/CompiledInternal.h"
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
+#include "tavro/svg/model/Image.h"
+#include "tavro/svg/model/PlainElement.h"
+#include "tavro/svg/model/Referenced.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/paint/DeviceSwitchInternal.h"
 #include "tavro/svg/text/Layout.h"
@@ -78,8 +81,8 @@ private:
     /// What lays an element's drawing down as one.
     struct TEffects {
         double Opacity = 1;
-        const TSVGReferenced* Clip = nullptr;
-        const TSVGReferenced* Mask = nullptr;
+        const TSVGClipPath* Clip = nullptr;
+        const TSVGMask* Mask = nullptr;
         const TComputedStyle* Style = nullptr;
         bool IsEmpty = false; ///< nothing is painted
         bool NeedsLayer() const;
@@ -128,7 +131,7 @@ private:
     std::optional<TPaint> ResolvePaint(const TComputedPaint& paint, double opacity, const TRectD& box,
                                        const TComputedStyle& style, const TPaintContext& inner, bool& stable);
     std::optional<TPaint> ContextPaint(bool stroke, double opacity, const TPaintContext& inner, bool& stable);
-    std::optional<TPaint> MakePattern(const TSVGReferenced& pattern, double opacity, const TRectD& box,
+    std::optional<TPaint> MakePattern(const TSVGPattern& pattern, double opacity, const TRectD& box,
                                       const TComputedStyle& style, const TPaintContext& inner);
 
     // PainterEffects.cpp: clips, masks, layers.
@@ -136,7 +139,7 @@ private:
     /// Paints inside of the clip, mask and layer that the element asks for.
     void WithEffects(const TEffects& effects, const TSVGGraphicElement& element, const TPaintContext& inner,
                      const std::function<void(const TPaintContext&)>& paint);
-    TPaintContext ClipContext(const TSVGReferenced& clip, const TSVGGraphicElement& element,
+    TPaintContext ClipContext(const TSVGClipPath& clip, const TSVGGraphicElement& element,
                               const TPaintContext& inner, TComputedStyle& style);
     bool CollectClip(const TSVGElement& parent, const TPaintContext& context, std::vector<TClipShape>& shapes,
                      std::list<TFigures>& figures, int depth);
@@ -145,18 +148,23 @@ private:
                        const std::function<void(const TPaintContext&)>& paint);
     struct TFilterJob;
     /// Paints what the clip path covers, opaque, as content of a mask.
-    void PaintClip(const TSVGReferenced& clip, const TPaintContext& context);
-    void PaintMask(const TSVGReferenced& mask, const TSVGGraphicElement& element, const TPaintContext& inner);
-    const TSVGReferenced* FindReferenced(const std::shared_ptr<const std::string>& id, TSVGTag tag) const;
+    void PaintClip(const TSVGClipPath& clip, const TPaintContext& context);
+    void PaintMask(const TSVGMask& mask, const TSVGGraphicElement& element, const TPaintContext& inner);
+    /// The element of that id as a T; null where it is none, or where it is being followed already.
+    template <class T> const T* FindReferenced(const std::shared_ptr<const std::string>& id) const {
+        return static_cast<const T*>(FindReferenced(id, T::Tag));
+    }
+    const TSVGElement* FindReferenced(const std::shared_ptr<const std::string>& id, TSVGTag tag) const;
     bool IsFollowed(const TSVGElement* element) const;
     TRectD ObjectBox(const TSVGGraphicElement& element, const TPaintContext& inner);
 
     // PainterMarkers.cpp
     void PaintMarkers(const TSVGShape& shape, const TPaintContext& inner);
-    void PaintMarker(const TSVGReferenced& marker, const TSVGShape& shape, const TPaintContext& inner,
-                     TPointD at, double angleRad);
+    void PaintMarker(const TSVGMarker& marker, const TSVGShape& shape, const TPaintContext& inner, TPointD at,
+                     double angleRad);
 
     const TSVGDocument& FDocument;
+    bool FEnabled = true; ///< false: the document lies in another one that is greyed
     TPaintWork FOwnWork;
     TPaintWork& FWork;
     TDeviceSwitch FDevice;

@@ -50,7 +50,7 @@ std::optional<TPaint> TSVGPainter::ResolvePaint(const TComputedPaint& paint, dou
                                    inner.Enabled);
     } else if (server && server->GetTag() == TSVGTag::Pattern) {
         stable = false;
-        made = MakePattern(static_cast<const TSVGReferenced&>(*server), opacity, box, style, inner);
+        made = MakePattern(static_cast<const TSVGPattern&>(*server), opacity, box, style, inner);
     }
     if (made) return made;
     if (paint.HasFallback) return color(paint.Color);
@@ -138,18 +138,17 @@ TDrawList TSVGPainter::MakeTextList(const TSVGCustomText& text, const TPaintCont
     return list;
 }
 
-std::optional<TPaint> TSVGPainter::MakePattern(const TSVGReferenced& pattern, double opacity,
-                                               const TRectD& box, const TComputedStyle& style,
-                                               const TPaintContext& inner) {
+std::optional<TPaint> TSVGPainter::MakePattern(const TSVGPattern& pattern, double opacity, const TRectD& box,
+                                               const TComputedStyle& style, const TPaintContext& inner) {
     constexpr int mostTemplates = 32;
     const auto along = [&](auto get) -> decltype(get(pattern)) {
-        const TSVGReferenced* at = &pattern;
+        const TSVGPattern* at = &pattern;
         for (int i = 0; at && i < mostTemplates; ++i, at = at->GetTemplate())
             if (auto found = get(*at)) return found;
         return {};
     };
-    const TSVGReferenced* const content =
-        along([](const TSVGReferenced& p) { return p.GetChildCount() ? &p : nullptr; });
+    const TSVGPattern* const content =
+        along([](const TSVGPattern& p) { return p.GetChildCount() ? &p : nullptr; });
     if (!content || IsFollowed(content) || FActive.size() > 16 || !FWork.IsLeft()) return {};
     using U = TSVGUnits;
     const U units = along([](const auto& p) { return p.GetUnits(); }).value_or(U::ObjectBoundingBox);

@@ -125,7 +125,8 @@ void TTextCollector::AddChildren(const TSVGCustomText& element, std::size_t node
         if (const auto* const characters = dynamic_cast<const TSVGCharacters*>(child.get()))
             AddCharacters(characters->GetText(), node);
         else if (const auto* const inner = dynamic_cast<const TSVGCustomText*>(child.get());
-                 inner && inner->GetVisible() && inner->ConditionsHold() && FContent.Nodes.size() < MostNodes)
+                 inner && inner->IsDisplayed() && inner->ConditionsHold() &&
+                 FContent.Nodes.size() < MostNodes)
             Add(*inner, ComputeStyle(FContent.Nodes[node].Style, inner->GetStyle(), FView),
                 static_cast<int>(node));
     }

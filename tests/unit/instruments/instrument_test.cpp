@@ -8,7 +8,9 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <sstream>
+#include <utility>
 
 namespace Vz::Test {
 namespace {
@@ -129,6 +131,36 @@ TEST(Instrument, FaultOfAHandlerBelowASetterReachesTheCaller) {
     probe->SetDecorationFillColor(0xFF445566);
     EXPECT_EQ(watch.Notices, 1) << "no update of the document was left open";
     EXPECT_EQ(probe->GetDecorationFillColor(), 0xFF445566u);
+}
+
+TEST(Instrument, CentreThatAHandlerMovesIsFoundAnew) {
+    const auto probe = TProbe::Create();
+    auto& face = probe->Get<TSVGGraphicElement>("Face");
+    probe->TurnElement("Hand", "Face", 10);
+    bool isMoved = false;
+    probe->GetDocument().OnChange = [&](const TSVGChange&) {
+        if (!std::exchange(isMoved, true)) face.SetMatrix(CreateTranslateVZMatrix(10, 0));
+    };
+    probe->TurnElement("Hand", "Face", 20);
+    EXPECT_TRUE(isMoved);
+    probe->TurnElement("Hand", "Face", 90);
+    const TPointF center = VZCenterPoint(face.GetBounds());
+    EXPECT_EQ(probe->Get<TSVGGraphicElement>("Hand").GetMatrix(),
+              CreateRotationVZMatrix(center, static_cast<float>(std::numbers::pi / 2)));
+    probe->GetDocument().OnChange = {};
+}
+
+TEST(Instrument, AnEmblemsAlphaDoesNotStayBehindInAGradient) {
+    const auto probe = TProbe::Create();
+    auto& emblem = probe->Get<TSVGGraphicElement>("Emblem");
+    for (const TVZGPColor flat : {0x00000000u, 0x80FF0000u}) {
+        probe->SetDecorationFillColor(0xFF112233);
+        probe->SetDecorationFillColor(flat);
+        EXPECT_EQ(emblem.GetBrush().GetColor(), flat);
+        probe->DoEnableGradient("Emblem", "Shade", true, 0, true);
+        EXPECT_EQ(emblem.GetBrush().GetKind(), TVZGPBrushKind::URI);
+        EXPECT_EQ(emblem.GetComputedStyle().FillOpacity, 1.0) << flat;
+    }
 }
 
 // Steps

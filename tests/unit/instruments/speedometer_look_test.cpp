@@ -290,6 +290,21 @@ TEST(Speedometer, FlatColorsLeaveTheGradientsAndTheDisc) {
     EXPECT_EQ(speed.Fill("BackfaceHighlight"), 0xFF0000FFu);
 }
 
+TEST(Speedometer, AFlatColorsAlphaDoesNotStayBehindInAGradient) {
+    TSpeed never;
+    never->SetFrameColor(0xFF2040A0);
+    const auto picture = never.Paint();
+    for (const TVZGPColor flat : {0x00000000u, 0x80FF0000u}) {
+        TSpeed speed;
+        speed->SetEnableGradients(false);
+        speed->SetFrameColor(flat);
+        EXPECT_NE(speed.Paint(), picture);
+        speed->SetEnableGradients(true);
+        speed->SetFrameColor(0xFF2040A0);
+        EXPECT_EQ(speed.Paint(), picture) << flat;
+    }
+}
+
 TEST(Speedometer, FillOfNoColorIsSwitchedOff) {
     TSpeed speed;
     const std::pair<TColorSetter, const char*> rows[] = {

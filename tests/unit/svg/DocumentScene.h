@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tavro/svg/model/TextElements.h"
 

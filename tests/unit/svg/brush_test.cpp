@@ -1,7 +1,7 @@
 #include "tavro/svg/model/Element.h"
 
 #include "DocumentScene.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 
 #include <gtest/gtest.h>
 
@@ -142,6 +142,40 @@ TEST(Brush, TakesReferencesInEveryForm) {
     EXPECT_EQ(box.Pixel(), 0xFF00FF00u);
 }
 
+TEST(Brush, AFlatColorsAlphaDoesNotStayBehindInAGradient) {
+    for (const TVZGPColor flat : {0x00000000u, 0x80FF0000u, 0xFFFF0000u})
+        for (const char* attributes : {"fill='url(#g)'", "fill='url(#g)' fill-opacity='.5'"})
+            for (const char* parent : {"", "fill-opacity='.25'"}) {
+                TBox box(attributes, parent);
+                const std::uint32_t never = box.Pixel();
+                for (int switched = 0; switched < 2; ++switched) {
+                    box.Brush.SetURI("");
+                    box.Brush.SetKind(flat == 0 ? Kind::None : Kind::Solid);
+                    box.Brush.SetColor(flat);
+                    EXPECT_EQ(box.Brush.GetColor(), flat);
+                    EXPECT_EQ(box.Pixel(), flat == 0x80FF0000 ? 0x80800000 : flat) << "premultiplied";
+                    box.Brush.SetURI("g");
+                    box.Brush.SetKind(Kind::URI);
+                    EXPECT_EQ(box.Pixel(), never) << flat << attributes << parent;
+                }
+                EXPECT_EQ(Drawn(*LoadText(box.Document->WriteText())), Drawn(*box.Document));
+            }
+    // Half, a quarter, and the gradient's green.
+    EXPECT_EQ(TBox("fill='url(#g)' fill-opacity='.5'").Pixel(), 0x80008000u);
+    EXPECT_EQ(TBox("fill='url(#g)'", "fill-opacity='.25'").Pixel(), 0x40004000u);
+}
+
+TEST(Brush, AnOpacityNearerThanTheColorHolds) {
+    TBox box("fill-opacity='.5'", "id='p' fill='red'");
+    box.Document->Find<TSVGGraphicElement>("p")->GetBrush().SetColor(0x33FF0000);
+    EXPECT_EQ(box.Brush.GetColor(), 0x80FF0000u);
+    EXPECT_EQ(box.Pixel(), 0x80800000u);
+    EXPECT_EQ(Drawn(*LoadText(box.Document->WriteText())), Drawn(*box.Document));
+    box.Element->SetSet(TSVGStyleProperty::FillOpacity, false);
+    EXPECT_EQ(box.Brush.GetColor(), 0x33FF0000u);
+    EXPECT_EQ(AlphaOf(box.Pixel()), 0x33u);
+}
+
 TEST(Brush, TellsOnlyChanges) {
     TBox box("fill='red'");
     TNotices notices(*box.Document);
@@ -193,7 +227,7 @@ TEST(Pen, HasAColorAndAWidth) {
     EXPECT_TRUE(Drawn(*box.Document).IsEmpty());
     pen.SetURI("#g");
     pen.SetKind(Kind::URI);
-    EXPECT_EQ(Drawn(*box.Document).At(5, 25), 0x80008000u) << "the server's colour, the stroke's opacity";
+    EXPECT_EQ(Drawn(*box.Document).At(5, 25), 0xFF00FF00u) << "nothing of the flat colour's alpha";
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "ControlScene.h"
 #include "tavro/controls/Form.h"
 #include "tavro/graphics/raster/Device.h"
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 #include "tavro/svg/model/Shapes.h"
 #include "tests/support/Allocations.h"
 

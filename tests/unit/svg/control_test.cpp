@@ -299,6 +299,32 @@ TEST(SVGControl, PaintingSetsBothAlignments) {
     EXPECT_EQ(document.GetViewPreserveAspectRatio().GetAlign(), TSVGAlign::None);
 }
 
+TEST(SVGControl, AlignmentsGoBeforeTheArtworksOwn) {
+    // A view box of 10 by 10 in 100 by 50 natural pixels, shown in 100 by 100.
+    for (const char* own : {"xMinYMin", "none", "xMaxYMax meet"}) {
+        TScene scene;
+        scene.Control->LoadFromText(
+            std::string(R"(<svg xmlns="http://www.w3.org/2000/svg" width="100" height="50"
+            viewBox="0 0 10 10" preserveAspectRatio=")") +
+            own + R"("><rect width="10" height="10"/></svg>)");
+        scene.Paint();
+        EXPECT_EQ(scene.PixelAt(24, 50), 0u) << own;
+        EXPECT_EQ(scene.PixelAt(26, 50), 0xFF000000u) << own;
+        EXPECT_EQ(scene.PixelAt(74, 50), 0xFF000000u) << own;
+        EXPECT_EQ(scene.PixelAt(76, 50), 0u) << own;
+        scene.Control->SetStretch(true);
+        scene.Paint();
+        for (const int place : {0, 99}) {
+            EXPECT_EQ(scene.PixelAt(place, 50), 0xFF000000u) << own;
+            EXPECT_EQ(scene.PixelAt(50, place), 0xFF000000u) << own;
+        }
+        const std::string written = scene.Control->GetDocument().WriteText();
+        EXPECT_NE(written.find(std::string("preserveAspectRatio=\"") + std::string(own).substr(0, 4)),
+                  std::string::npos)
+            << "the file keeps what it said";
+    }
+}
+
 TEST(SVGControl, AbsoluteMatrixIsOwnThenParents) {
     const auto outer = TVZSVGControl::Create();
     const auto inner = TVZSVGControl::Create();
@@ -370,6 +396,71 @@ TEST(SVGControl, EventsAreTheDocumentsOwn) {
     EXPECT_EQ(std::count(picture.begin(), picture.end(), 0u), 100 * 100); // handled: nothing drawn
     scene.Control->SetOnDrawing(nullptr);
     EXPECT_FALSE(scene.Control->GetDocument().OnDrawing);
+}
+
+TEST(SVGControl, EventsAreRaisedByBufferedPaintingsToo) {
+    TScene scene(1, 200, 100);
+    scene.Activate("NeedleGroup");
+    const auto plain = scene.Paint();
+    std::string order;
+    bool isHandled = false;
+    scene.Control->SetOnDrawing(
+        [&](TObject& sender, const TMatrix& matrix, TVZGPCanvas&, const TRectF& rect, bool& handled) {
+            EXPECT_EQ(&sender, &scene.Control->GetDocument());
+            EXPECT_EQ(rect, (TRectF{50, 0, 150, 100}));
+            EXPECT_EQ(matrix.M31, 50.0f);
+            EXPECT_FALSE(handled);
+            handled = isHandled;
+            order += 'b';
+        });
+    scene.Control->SetOnDrawn([&](TObject&, const TMatrix& matrix, TVZGPCanvas&, const TRectF& rect) {
+        EXPECT_EQ(rect, (TRectF{50, 0, 150, 100}));
+        EXPECT_EQ(matrix.M31, 50.0f);
+        order += 'a';
+    });
+    EXPECT_EQ(scene.Paint(), plain);
+    EXPECT_EQ(order, "ba") << "once a painting, not once a part or a cache";
+    scene.Control->MarkBuffersStale();
+    scene.Paint();
+    EXPECT_EQ(order, "baba");
+    isHandled = true;
+    const auto picture = scene.Paint();
+    EXPECT_EQ(order, "bababa");
+    EXPECT_EQ(std::count(picture.begin(), picture.end(), 0u), 200 * 100);
+    isHandled = false;
+    EXPECT_EQ(scene.Paint(), plain);
+}
+
+TEST(SVGControl, HandlersOfADrawingMayTakeThemselvesAway) {
+    for (const bool isActive : {false, true}) {
+        TScene scene;
+        if (isActive) scene.Activate("NeedleGroup");
+        const auto plain = scene.Paint();
+        const std::string text(100, 'x'); // what a handler captures lives until it returns
+        std::size_t told = 0;
+        scene.Control->SetOnDrawing([&, text](TObject&, const TMatrix&, TVZGPCanvas&, const TRectF&, bool&) {
+            scene.Control->SetOnDrawing(nullptr);
+            told += text.size();
+        });
+        scene.Control->SetOnDrawn([&, text](TObject&, const TMatrix&, TVZGPCanvas&, const TRectF&) {
+            scene.Control->SetOnDrawn(nullptr);
+            told += text.size();
+        });
+        EXPECT_EQ(scene.Paint(), plain);
+        EXPECT_EQ(scene.Paint(), plain);
+        EXPECT_EQ(told, 200u);
+    }
+}
+
+TEST(SVGControl, HandlerOfADrawingMayTakeTheActiveElementAway) {
+    TScene scene;
+    scene.Activate("NeedleGroup");
+    scene.Paint();
+    scene.Control->SetOnDrawing([&](TObject&, const TMatrix&, TVZGPCanvas&, const TRectF&, bool&) {
+        if (auto* const needle = scene.Control->GetDocument().FindElement("NeedleGroup")) needle->Remove();
+    });
+    EXPECT_EQ(scene.Paint(), DrawnWhole(scene.Control->GetDocument(), 100));
+    EXPECT_EQ(scene.Control->GetActiveSVGElement(), nullptr);
 }
 
 TEST(SVGControl, UpdateBuffersNeedsAnActiveElementAndTheStaleMark) {
@@ -531,6 +622,29 @@ TEST(SVGControl, ActiveElementThatLeavesTheDocumentIsForgotten) {
     scene.Control->Invalidate();
     scene.Paint();
     EXPECT_EQ(scene.Control->GetActiveSVGElement(), nullptr);
+}
+
+TEST(SVGControl, ActiveElementIsForgottenByIdentity) {
+    TScene scene;
+    TSVGDocument& document = scene.Control->GetDocument();
+    // An element of the same class often comes to stand where the last one was.
+    for (int i = 0; i < 20; ++i) {
+        auto& path = document.Add<TSVGPath>();
+        scene.Control->SetActiveSVGElement(&path);
+        EXPECT_EQ(scene.Control->GetActiveSVGElement(), &path);
+        path.Remove();
+        document.Add<TSVGPath>();
+        EXPECT_EQ(scene.Control->GetActiveSVGElement(), nullptr);
+    }
+    // The same one taken out and put back has left, too.
+    scene.Activate("NeedleGroup");
+    document.AddChild(scene.Get("NeedleGroup").Remove());
+    EXPECT_EQ(scene.Control->GetActiveSVGElement(), nullptr);
+    scene.Activate("NeedleGroup");
+    document.LoadFromText(DialSvg);
+    document.LoadFromText(DialSvg);
+    EXPECT_EQ(scene.Control->GetActiveSVGElement(), nullptr);
+    EXPECT_TRUE(scene.Control->AreBuffersStale());
 }
 
 TEST(SVGControl, ElementOfAnotherDocumentIsNotActive) {

@@ -130,15 +130,25 @@ TEST(Document, KeepsItsOwnSettingsOverALoad) {
     const auto document = LoadContent("");
     document->SetEnabled(false);
     document->GetPreserveAspectRatio().SetAlign(TSVGAlign::XMaxYMax);
-    document->GetViewPreserveAspectRatio().SetAlign(TSVGAlign::None);
     int drawings = 0;
     document->OnDrawing = [&](TObject&, const TMatrix&, TVZGPCanvas&, const TRectF&, bool&) { ++drawings; };
     document->LoadFromText(SvgText("<g/>"));
     EXPECT_FALSE(document->GetEnabled());
     EXPECT_EQ(document->GetPreserveAspectRatio().GetAlign(), TSVGAlign::XMaxYMax);
-    EXPECT_EQ(document->GetViewPreserveAspectRatio().GetAlign(), TSVGAlign::None);
     Drawn(*document);
     EXPECT_EQ(drawings, 1);
+}
+
+TEST(Document, PlacesItsViewBoxAsTheContentSaysUntilItIsSet) {
+    const auto document = LoadContent("", "viewBox='0 0 9 9' preserveAspectRatio='xMaxYMid'");
+    EXPECT_EQ(document->GetViewPreserveAspectRatio().GetAlign(), TSVGAlign::XMaxYMid);
+    document->GetViewPreserveAspectRatio().SetAlign(TSVGAlign::None);
+    EXPECT_EQ(document->GetOwnAspectRatio()->GetAlign(), TSVGAlign::XMaxYMid) << "what is written";
+    TSVGDocument copy;
+    copy.AssignContent(*document);
+    EXPECT_EQ(copy.GetViewPreserveAspectRatio().GetAlign(), TSVGAlign::XMaxYMid);
+    document->LoadFromText(SvgText("<g/>"));
+    EXPECT_EQ(document->GetViewPreserveAspectRatio().GetAlign(), TSVGAlign::XMidYMid);
 }
 
 TEST(Document, KeepsItsContentWhereATextIsBroken) {

@@ -228,6 +228,66 @@ TEST(Element, FaultOfAHandlerReachesTheCallerAndBalancesTheUpdates) {
     EXPECT_EQ(notices.Take(), 1u);
 }
 
+TEST(Element, SurplusEndUpdateDoesNothing) {
+    const auto document = Nested();
+    TNotices notices(*document);
+    auto* const box = document->Find<TSVGGraphicElement>("box");
+    box->EndUpdate();
+    document->EndUpdate();
+    document->BeginUpdate();
+    box->SetVisible(false);
+    EXPECT_EQ(notices.Take(), 0u) << "the next update is one";
+    document->EndUpdate();
+    EXPECT_EQ(notices.Take(), 1u);
+}
+
+TEST(Element, EditsOfAHandlerAreToldAfterIt) {
+    const auto document = Nested();
+    auto* const box = document->Find<TSVGGraphicElement>("box");
+    std::vector<float> opacities;
+    int depth = 0;
+    document->OnChange = [&](const TSVGChange&) {
+        EXPECT_EQ(++depth, 1) << "a notice within a notice";
+        opacities.push_back(box->GetOpacity());
+        if (box->GetOpacity() > 0.25f) box->SetOpacity(box->GetOpacity() / 2);
+        --depth;
+    };
+    box->SetOpacity(0.8f);
+    EXPECT_EQ(opacities, (std::vector<float>{0.8f, 0.4f, 0.2f}));
+}
+
+TEST(Element, AHandlerThatAlwaysEditsIsAnError) {
+    const auto document = Nested();
+    auto* const box = document->Find<TSVGGraphicElement>("box");
+    int told = 0;
+    document->OnChange = [&](const TSVGChange&) { box->SetVisible(++told % 2 == 1); };
+    EXPECT_THROW(box->SetVisible(false), EInvalidOperation);
+    EXPECT_EQ(told, TSVGDocument::MaxNotices);
+    TNotices notices(*document);
+    box->SetOpacity(0.5f);
+    EXPECT_EQ(notices.Take(), 1u) << "the document is as usable as before";
+}
+
+TEST(Element, HandlerMayTakeItselfAway) {
+    const auto document = Nested();
+    int first = 0, second = 0;
+    const std::string text(100, 'x'); // what a handler captures lives until it returns
+    document->OnChange = [&, text](const TSVGChange&) {
+        document->OnChange = [&](const TSVGChange&) { ++second; };
+        first += static_cast<int>(text.size());
+    };
+    document->SetOpacity(0.5f);
+    document->SetOpacity(0.25f);
+    EXPECT_EQ(first, 100);
+    EXPECT_EQ(second, 1);
+}
+
+TEST(Element, FitsItsDocument) {
+    const auto document = Nested();
+    document->FindElement("box")->FitToRect({10, 20, 60, 120}); // 50 by 100, the picture 100 by 100
+    EXPECT_EQ(document->GetDrawMatrix(), (TAffine{0.5, 0, 0, 0.5, 10, 45}));
+}
+
 TEST(Element, OutsideOfTheTreeTellsNothing) {
     const auto document = Nested();
     TNotices notices(*document);
@@ -369,6 +429,54 @@ TEST(Style, IncludedPropertyKeepsWhatWasInherited) {
     EXPECT_EQ(Drawn(*document).At(25, 25), 0xFFFF0000u);
 }
 
+TEST(Style, PropertyIncludedAgainHasItsOwnValueBack) {
+    const auto document =
+        LoadContent("<g fill='red'><rect id='r' width='50' height='50' fill='blue' opacity='.5'/></g>");
+    auto* const r = document->Find<TSVGGraphicElement>("r");
+    r->SetSet(P::Fill, false);
+    EXPECT_EQ(r->GetBrush().GetColor(), 0xFFFF0000u);
+    EXPECT_EQ(static_cast<TSVGGraphicElement&>(r->CloneBeside()).GetBrush().GetColor(), 0xFFFF0000u);
+    r->SetSet(P::Fill, true);
+    EXPECT_EQ(r->GetBrush().GetColor(), 0xFF0000FFu);
+    r->SetSet(P::Opacity, false);
+    r->SetVisible(false);
+    r->SetSet(P::Display, false);
+    EXPECT_EQ(r->GetOpacity(), 1.0f);
+    EXPECT_TRUE(r->GetVisible());
+    r->SetSet(P::Opacity, true);
+    r->SetSet(P::Display, true);
+    EXPECT_EQ(r->GetOpacity(), 0.5f);
+    EXPECT_FALSE(r->GetVisible());
+    r->SetSet(P::Fill, false);
+    r->GetBrush().SetColor(0xFF00FF00);
+    r->SetSet(P::Fill, false);
+    r->SetSet(P::Fill, true);
+    EXPECT_EQ(r->GetBrush().GetColor(), 0xFF00FF00u) << "the value that was set last";
+    r->SetSet(P::Opacity, false);
+    r->SetOpacity(0.75f);
+    r->SetSet(P::Opacity, true);
+    EXPECT_EQ(r->GetOpacity(), 0.75f);
+}
+
+TEST(Style, VisibilityAndVisibleAgree) {
+    const auto document =
+        LoadContent("<g id='g' visibility='hidden'><rect id='a' width='50' height='50'/>"
+                    "<rect id='b' x='50' width='50' height='50' visibility='visible'/></g>");
+    auto* const g = document->Find<TSVGGraphicElement>("g");
+    EXPECT_FALSE(g->GetVisible());
+    EXPECT_EQ(Drawn(*document).At(25, 25), 0u);
+    EXPECT_EQ(Drawn(*document).At(75, 25), 0xFF000000u) << "what is visible in a hidden group";
+    g->SetVisible(false);
+    EXPECT_TRUE(Drawn(*document).IsEmpty());
+    TNotices notices(*document);
+    g->SetVisible(true);
+    EXPECT_EQ(notices.Take(), 1u);
+    EXPECT_TRUE(g->GetVisible());
+    EXPECT_EQ(Drawn(*document).At(25, 25), 0xFF000000u);
+    g->SetVisible(true);
+    EXPECT_EQ(notices.Take(), 0u);
+}
+
 TEST(Style, IncludedPropertyThatNobodySetKeepsItsInitialValue) {
     const auto document = LoadContent("<g id='g'><rect id='r' width='50' height='50'/></g>");
     auto* const r = document->Find<TSVGGraphicElement>("r");
@@ -502,6 +610,27 @@ TEST(GraphicElement, CopiesAFontsSettings) {
     text->SetFont(&font);
     text->SetFont(nullptr);
     EXPECT_EQ(notices.Take(), 0u);
+}
+
+TEST(GraphicElement, GivesTheFontThatItSets) {
+    const auto document = LoadContent("<g font-weight='bold'><text id='t' y='20' font-family='serif' "
+                                      "font-style='oblique' font-size='10pt'>a</text></g>");
+    auto* const text = document->Find<TSVGCustomText>("t");
+    EXPECT_EQ(text->GetFont().GetFamily(), "serif");
+    EXPECT_FLOAT_EQ(text->GetFont().GetSize(), 10 * 96 / 72.0f);
+    EXPECT_EQ(text->GetFont().GetWeight(), 0) << "inherited, not its own";
+    EXPECT_EQ(text->GetFont().GetStyle(), TSVGFontStyle::fsItalic);
+    TSVGFont font;
+    font.SetFamily("Noto Sans");
+    font.SetSize(9);
+    font.SetWeight(300);
+    font.SetStyle(TSVGFontStyle::fsNormal);
+    text->SetFont(&font);
+    EXPECT_EQ(text->GetFont().GetFamily(), "Noto Sans");
+    EXPECT_EQ(text->GetFont().GetSize(), 9);
+    EXPECT_EQ(text->GetFont().GetWeight(), 300);
+    EXPECT_EQ(text->GetFont().GetStyle(), TSVGFontStyle::fsNormal);
+    EXPECT_TRUE(document->GetFont().IsOpen());
 }
 
 } // namespace

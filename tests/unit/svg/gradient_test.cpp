@@ -1,4 +1,4 @@
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 
 #include "DocumentScene.h"
 
@@ -171,7 +171,9 @@ TEST(LinearGradient, OfABoxWithoutExtentFallsBack) {
 TEST(LinearGradient, FadesWithFillOpacity) {
     const auto document =
         Filled(Linear("", "<stop stop-color='red'/><stop offset='1' stop-color='red' stop-opacity='.5'/>"));
-    document->Find<TSVGGraphicElement>("r")->GetBrush().SetColor(0x80000000);
+    TStyleValue half{TStyleValue::TKind::Number};
+    half.Number = 128 / 255.0;
+    document->Find<TSVGGraphicElement>("r")->PutStyle(TSVGStyleProperty::FillOpacity, half);
     const TDrawing drawing = Drawn(*document);
     EXPECT_NEAR(AlphaOf(drawing.At(0, 50)), 128, 1);
     EXPECT_NEAR(AlphaOf(drawing.At(99, 50)), 64, 1);

@@ -2,8 +2,11 @@
 
 #include "DocumentScene.h"
 #include "tavro/graphics/vector/Device.h"
+#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace Vz::Test {
 namespace {
@@ -317,6 +320,38 @@ TEST(Painter, KnowsThePixelsOfAnElement) {
     EXPECT_NEAR(box.Right, 84, 0.01);
     EXPECT_NEAR(box.Bottom, 124, 0.01);
     EXPECT_TRUE(document->GetDrawBounds({}, *document->Find<TSVGGraphicElement>("none")).IsEmpty());
+}
+
+TEST(Painter, TheBoundsOfAFilteredElementRunNoFilter) {
+    const auto document =
+        LoadContent("<filter id='f'><feGaussianBlur stdDeviation='2'/><feOffset dx='1'/></filter>"
+                    "<path id='needle' d='M20 20H80V30H20Z' filter='url(#f)'/>");
+    auto& needle = *document->Find<TSVGGraphicElement>("needle");
+    for (const double angle : {0.0, 0.5}) {
+        needle.SetTransform(TAffine::Rotation(angle));
+        const TAffine matrix = TAffine::Scaling(20, 20);
+        const std::size_t before = CountAllocatedBytes();
+        const TRectD box = document->GetDrawBounds(matrix, needle);
+        // Its pixels are 1440 by 240, in single precision 5 megabytes for each step.
+        EXPECT_LT(CountAllocatedBytes() - before, 100'000u);
+        EXPECT_GT(box.Width(), 1400 * std::cos(angle));
+
+        // All that is painted lies in the box.
+        TVZGPBitmap bitmap(2000, 2000);
+        document->DrawElement(bitmap.GetCanvas(), matrix, needle);
+        const TRect inside = PixelBounds(box);
+        const TPixels pixels = bitmap.GetPixels();
+        int outside = 0;
+        int painted = 0;
+        for (int y = 0; y < pixels.Height; ++y)
+            for (int x = 0; x < pixels.Width; ++x) {
+                if (pixels.Row(y)[x] == 0) continue;
+                ++painted;
+                outside += x < inside.Left || x >= inside.Right || y < inside.Top || y >= inside.Bottom;
+            }
+        EXPECT_GT(painted, 100'000);
+        EXPECT_EQ(outside, 0);
+    }
 }
 
 TEST(Painter, DrawsNothingOfAnotherDocument) {

@@ -1,6 +1,8 @@
 #include "tavro/svg/model/Reader.h"
 
 #include "DocumentScene.h"
+#include "tavro/svg/model/PlainElement.h"
+#include "tavro/svg/model/Referenced.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -272,12 +274,14 @@ TEST(Reader, TakesUnitsOnlyFromAnElementsOwnAttribute) {
         LoadContent("<mask id='m' patternUnits='userSpaceOnUse' maskContentUnits='objectBoundingBox'/>"
                     "<marker id='k' width='7' markerWidth='5' markerUnits='userSpaceOnUse'/>"
                     "<pattern id='p' patternUnits='strokeWidth'/>");
-    const auto find = [&](const char* id) { return document->Find<TSVGReferenced>(id); };
-    EXPECT_FALSE(find("m")->GetUnits().has_value());
-    EXPECT_EQ(find("m")->GetContentUnits(), TSVGUnits::ObjectBoundingBox);
-    EXPECT_EQ(find("k")->GetWidthLength()->GetValue(), 5);
-    EXPECT_EQ(find("k")->GetUnits(), TSVGUnits::UserSpaceOnUse);
-    EXPECT_FALSE(find("p")->GetUnits().has_value());
+    const auto* const mask = document->Find<TSVGMask>("m");
+    EXPECT_FALSE(mask->GetUnits().has_value());
+    EXPECT_EQ(mask->GetContentUnits(), TSVGUnits::ObjectBoundingBox);
+    const auto* const marker = document->Find<TSVGMarker>("k");
+    EXPECT_EQ(marker->GetWidthLength()->GetValue(), 5);
+    EXPECT_EQ(marker->GetUnits(), TSVGUnits::UserSpaceOnUse);
+    EXPECT_FALSE(document->Find<TSVGPattern>("p")->GetUnits().has_value());
+    EXPECT_THROW(document->Find<TSVGMask>("k"), EInvalidCast);
     EXPECT_EQ(document->GetDiagnostics().size(), 1u);
 }
 

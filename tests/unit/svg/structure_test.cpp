@@ -1,6 +1,7 @@
-#include "tavro/svg/model/Structure.h"
+#include "tavro/svg/model/Containers.h"
 
 #include "DocumentScene.h"
+#include "tavro/svg/model/Image.h"
 
 #include <gtest/gtest.h>
 
@@ -181,6 +182,22 @@ TEST(Image, DrawsAnSvgFromADataUri) {
     const TDrawing drawing = Drawn(*document);
     EXPECT_EQ(drawing.At(12, 10), Lime);
     EXPECT_EQ(drawing.At(25, 10), 0u);
+}
+
+TEST(Image, IsGreyInADisabledDocument) {
+    const auto png = LoadContent("<image id='i' width='40' height='20' preserveAspectRatio='none' "
+                                 "style='image-rendering:pixelated' href='" +
+                                 PngUri() + "'/>");
+    png->SetEnabled(false);
+    EXPECT_EQ(Drawn(*png).At(5, 10), GreyOf(Red));
+    // Half transparent blue: luma 29, half way to 160 is 94, halved by the alpha.
+    EXPECT_EQ(Drawn(*png).At(35, 10), 0x802F2F2Fu);
+    const auto svg = LoadContent("<g id='g'><image width='20' height='20' href='data:image/svg+xml;utf8,"
+                                 "%3Csvg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"%3E"
+                                 "%3Crect width=\"10\" height=\"10\" fill=\"red\"/%3E%3C/svg%3E'/></g>");
+    EXPECT_EQ(Drawn(*svg).At(10, 10), Red);
+    svg->FindElement("g")->SetEnabled(false);
+    EXPECT_EQ(Drawn(*svg).At(10, 10), GreyOf(Red));
 }
 
 TEST(Image, IsNeverAFile) {

@@ -1,8 +1,6 @@
-#include "tavro/svg/model/Structure.h"
+#include "tavro/svg/model/Containers.h"
 
-#include "tavro/runtime/Exceptions.h"
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/model/PictureInternal.h"
 #include "tavro/svg/values/Scan.h"
 
 #include <algorithm>
@@ -159,93 +157,6 @@ std::unique_ptr<TSVGElement> TSVGUse::NewAlike(TSVGDocument& document) const {
 void TSVGUse::CopyFrom(const TSVGElement& source) {
     TSVGViewElement::CopyFrom(source);
     FReference = static_cast<const TSVGUse&>(source).FReference;
-}
-
-// Image
-
-TSVGImage::TSVGImage(TSVGDocument& document)
-    : TSVGViewElement(document, TSVGTag::Image) {}
-
-TSVGImage::~TSVGImage() = default;
-
-bool TSVGImage::ReadAttribute(std::string_view name, std::string_view value) {
-    if (name != "href") return TSVGViewElement::ReadAttribute(name, value);
-    FPicture = nullptr; // first: its pixels count no more
-    FPicture = TSVGPicture::Read(GetDocument(), value);
-    if (const std::string fault = FPicture->Fault(); !fault.empty()) Refuse(name, value, fault);
-    Changed(TSVGChangeKind::Shape);
-    return true;
-}
-
-std::shared_ptr<const TVZGPBitmap> TSVGImage::GetBitmap() const {
-    return FPicture ? FPicture->Bitmap : nullptr;
-}
-
-const TSVGDocument* TSVGImage::GetEmbedded() const { return FPicture ? FPicture->Embedded.get() : nullptr; }
-
-void TSVGImage::SetPicture(std::shared_ptr<const TSVGPicture> picture) {
-    FPicture = std::move(picture);
-    Changed(TSVGChangeKind::Shape);
-}
-
-void TSVGImage::WriteAttributes(IAttributeSink& sink) const {
-    TSVGViewElement::WriteAttributes(sink);
-    if (FPicture && !FPicture->Uri.empty()) sink.Put("xlink:href", FPicture->Uri);
-}
-
-std::unique_ptr<TSVGElement> TSVGImage::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGImage>(document);
-}
-
-void TSVGImage::CopyFrom(const TSVGElement& source) {
-    TSVGViewElement::CopyFrom(source);
-    const auto& other = static_cast<const TSVGImage&>(source);
-    FPicture = other.FPicture;
-}
-
-// Elements that are only kept
-
-TSVGPlainElement::TSVGPlainElement(TSVGDocument& document, TSVGTag tag, std::string name)
-    : TSVGElement(document, tag)
-    , FName(std::move(name)) {}
-
-const std::string* TSVGPlainElement::FindAttribute(std::string_view name) const {
-    const auto at =
-        std::ranges::find(FAttributes, name, [](const auto& a) { return std::string_view(a.first); });
-    return at == FAttributes.end() ? nullptr : &at->second;
-}
-
-bool TSVGPlainElement::ReadAttribute(std::string_view name, std::string_view value) {
-    const auto at =
-        std::ranges::find(FAttributes, name, [](const auto& a) { return std::string_view(a.first); });
-    if (at == FAttributes.end())
-        FAttributes.emplace_back(name, value);
-    else
-        at->second = value;
-    if (name == "href" && FName == "feImage") {
-        FPicture = nullptr;
-        if (!value.starts_with('#')) FPicture = TSVGPicture::Read(GetDocument(), value);
-        if (const std::string fault = FPicture ? FPicture->Fault() : ""; !fault.empty())
-            Refuse(name, value, fault);
-    }
-    return true;
-}
-
-void TSVGPlainElement::WriteAttributes(IAttributeSink& sink) const {
-    for (const auto& [name, value] : FAttributes)
-        sink.Put(name == "href" ? "xlink:href" : name, value);
-}
-
-std::unique_ptr<TSVGElement> TSVGPlainElement::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGPlainElement>(document, GetTag(), FName);
-}
-
-void TSVGPlainElement::CopyFrom(const TSVGElement& source) {
-    TSVGElement::CopyFrom(source);
-    const auto& other = static_cast<const TSVGPlainElement&>(source);
-    FText = other.FText;
-    FAttributes = other.FAttributes;
-    FPicture = other.FPicture;
 }
 
 } // namespace Vz

@@ -1,5 +1,6 @@
-#include "tavro/svg/model/Servers.h"
+#include "tavro/svg/model/Gradients.h"
 
+#include "tavro/graphics/PaintDevice.h"
 #include "tavro/runtime/Exceptions.h"
 #include "tavro/svg/model/Document.h"
 #include "tavro/svg/model/KeptByHashInternal.h"
@@ -94,24 +95,7 @@ template <class F> TSlot FindSlot(TSVGTag tag, F fits) {
     return {};
 }
 
-std::optional<TSVGUnits> ParseUnits(std::string_view text) {
-    if (text == "userSpaceOnUse") return TSVGUnits::UserSpaceOnUse;
-    if (text == "objectBoundingBox") return TSVGUnits::ObjectBoundingBox;
-    if (text == "strokeWidth") return TSVGUnits::StrokeWidth;
-    return {};
-}
-
-std::string_view UnitsText(TSVGUnits units) {
-    constexpr std::string_view names[] = {"userSpaceOnUse", "objectBoundingBox", "strokeWidth"};
-    return names[static_cast<int>(units)];
-}
-
 constexpr std::string_view SpreadNames[] = {"pad", "reflect", "repeat"};
-
-std::string IdOf(std::string_view href) {
-    href = Trimmed(href);
-    return std::string(href.starts_with('#') ? href.substr(1) : std::string_view());
-}
 
 bool IsStop(const std::unique_ptr<TSVGElement>& child) { return child->GetTag() == TSVGTag::Stop; }
 
@@ -186,6 +170,7 @@ TVZGPColor TSVGGradientStop::GetStopColor() const {
     using P = TSVGStyleProperty;
     using K = TStyleValue::TKind;
     const TStyleValue* const color = GetStyle().Find(P::StopColor);
+    if (color && color->Kind == K::Color && color->HasOwnAlpha) return color->Color;
     const TStyleValue* const opacity = GetStyle().Find(P::StopOpacity);
     const bool simple = (!color || color->Kind == K::Color) && (!opacity || opacity->Kind == K::Number);
     if (simple) {
@@ -271,7 +256,7 @@ bool TSVGCustomGradient::ReadAttribute(std::string_view name, std::string_view v
         const auto transform = ParseTransform(value);
         if ((read = transform.has_value())) FOwn.Edit().Transform = transform;
     } else if (name == "href") {
-        FOwn.Edit().Reference = IdOf(value);
+        FOwn.Edit().Reference = IdOfHref(value);
         read = !FOwn->Reference.empty();
     } else {
         return TSVGElement::ReadAttribute(name, value);
@@ -308,138 +293,6 @@ std::unique_ptr<TSVGElement> TSVGLinearGradient::NewAlike(TSVGDocument& document
 
 std::unique_ptr<TSVGElement> TSVGRadialGradient::NewAlike(TSVGDocument& document) const {
     return std::make_unique<TSVGRadialGradient>(document);
-}
-
-// Patterns, clip paths, masks, markers, filters
-
-TSVGReferenced::TSVGReferenced(TSVGDocument& document, TSVGTag tag)
-    : TSVGViewElement(document, tag) {}
-
-const TSVGReferenced* TSVGReferenced::GetTemplate() const {
-    if (FReference.empty()) return nullptr;
-    const auto* const other = dynamic_cast<const TSVGReferenced*>(GetDocument().FindElement(FReference));
-    return other && other->GetTag() == GetTag() ? other : nullptr;
-}
-
-namespace {
-
-/// The attributes of units by the elements that have them.
-struct TUnitsRow {
-    TSVGTag Tag;
-    std::string_view Units;
-    std::string_view ContentUnits; ///< empty: none
-};
-constexpr TUnitsRow UnitsRows[] = {
-    {TSVGTag::Pattern, "patternUnits", "patternContentUnits"}, {TSVGTag::ClipPath, "clipPathUnits", {}},
-    {TSVGTag::Mask, "maskUnits", "maskContentUnits"},          {TSVGTag::Marker, "markerUnits", {}},
-    {TSVGTag::Filter, "filterUnits", "primitiveUnits"},
-};
-
-const TUnitsRow& UnitsOf(TSVGTag tag) { return *std::ranges::find(UnitsRows, tag, &TUnitsRow::Tag); }
-
-} // namespace
-
-bool TSVGReferenced::ReadAttribute(std::string_view name, std::string_view value) {
-    bool read = true;
-    TSVGLength length;
-    const bool isMarker = GetTag() == TSVGTag::Marker;
-    const TUnitsRow& row = UnitsOf(GetTag());
-    if (name == row.Units || (name == row.ContentUnits && !name.empty())) {
-        const auto units = ParseUnits(value);
-        read = units && *units != (isMarker ? TSVGUnits::ObjectBoundingBox : TSVGUnits::StrokeWidth);
-        if (read) (name == row.Units ? FUnits : FContentUnits) = units;
-    } else if (name == "href") {
-        FReference = IdOf(value);
-        read = !FReference.empty();
-    } else if (name == "x" || name == "y") {
-        if ((read = length.Parse(value))) (name == "x" ? FOwnX : FOwnY) = length;
-    } else if (GetTag() == TSVGTag::Filter && (name == "width" || name == "height")) {
-        // Kept where it is negative, too: nothing is then painted through the filter (Filter Effects 1, 8.2).
-        if ((read = length.Parse(value))) name == "width" ? SetWidthLength(length) : SetHeightLength(length);
-    } else if (isMarker && (name == "width" || name == "height")) {
-        return true; // those of a marker have other names
-    } else if (name == "markerWidth" || name == "markerHeight") {
-        return TSVGViewElement::ReadAttribute(name == "markerWidth" ? "width" : "height", value);
-    } else if (name == "refX" || name == "refY") {
-        const std::string_view word = Trimmed(value);
-        if (word == "left" || word == "top")
-            length = {TSVGUnit::Percent, 0};
-        else if (word == "center")
-            length = {TSVGUnit::Percent, 50};
-        else if (word == "right" || word == "bottom")
-            length = {TSVGUnit::Percent, 100};
-        else
-            read = length.Parse(value);
-        if (read) (name == "refX" ? FRefX : FRefY) = length;
-    } else if (name == "orient") {
-        FOrientReverse = Trimmed(value) == "auto-start-reverse";
-        if (FOrientReverse || Trimmed(value) == "auto") {
-            FOrient = {};
-        } else {
-            TScanner scan{Trimmed(value)};
-            const auto angle = scan.Angle();
-            if ((read = angle && scan.AtEnd())) FOrient = angle;
-        }
-    } else if (name == "patternTransform") {
-        const auto transform = ParseTransform(value);
-        if ((read = transform.has_value())) FPatternTransform = transform;
-    } else {
-        return TSVGViewElement::ReadAttribute(name, value);
-    }
-    if (!read) Refuse(name, value);
-    Changed(TSVGChangeKind::Paint);
-    return true;
-}
-
-void TSVGReferenced::WriteAttributes(IAttributeSink& sink) const {
-    /// Gives the view's attributes the names that a marker has for them.
-    struct TRenamed final : IAttributeSink {
-        IAttributeSink& Sink;
-        bool Marker;
-        TRenamed(IAttributeSink& to, bool marker)
-            : Sink(to)
-            , Marker(marker) {}
-        void Put(std::string_view name, std::string_view value) override {
-            if (Marker && name == "width")
-                name = "markerWidth";
-            else if (Marker && name == "height")
-                name = "markerHeight";
-            Sink.Put(name, value);
-        }
-    } renamed(sink, GetTag() == TSVGTag::Marker);
-    TSVGViewElement::WriteAttributes(renamed);
-
-    const TSVGTag tag = GetTag();
-    if (!FReference.empty()) sink.Put("xlink:href", "#" + FReference);
-    if (FOwnX) sink.Put("x", FOwnX->ToText());
-    if (FOwnY) sink.Put("y", FOwnY->ToText());
-    if (FUnits) sink.Put(UnitsOf(tag).Units, UnitsText(*FUnits));
-    if (FContentUnits) sink.Put(UnitsOf(tag).ContentUnits, UnitsText(*FContentUnits));
-    if (FPatternTransform) sink.Put("patternTransform", TransformText(*FPatternTransform));
-    if (tag == TSVGTag::Marker) {
-        sink.Put("refX", FRefX.ToText());
-        sink.Put("refY", FRefY.ToText());
-        sink.Put("orient", FOrient ? NumberText(*FOrient) : FOrientReverse ? "auto-start-reverse" : "auto");
-    }
-}
-
-std::unique_ptr<TSVGElement> TSVGReferenced::NewAlike(TSVGDocument& document) const {
-    return std::make_unique<TSVGReferenced>(document, GetTag());
-}
-
-void TSVGReferenced::CopyFrom(const TSVGElement& source) {
-    TSVGViewElement::CopyFrom(source);
-    const auto& other = static_cast<const TSVGReferenced&>(source);
-    FReference = other.FReference;
-    FUnits = other.FUnits;
-    FContentUnits = other.FContentUnits;
-    FOwnX = other.FOwnX;
-    FOwnY = other.FOwnY;
-    FRefX = other.FRefX;
-    FRefY = other.FRefY;
-    FOrient = other.FOrient;
-    FOrientReverse = other.FOrientReverse;
-    FPatternTransform = other.FPatternTransform;
 }
 
 } // namespace Vz

@@ -1,15 +1,16 @@
 #pragma once
 
-#include "tavro/graphics/PaintDevice.h"
 #include "tavro/svg/model/CopyOnWrite.h"
-#include "tavro/svg/model/Structure.h"
+#include "tavro/svg/model/Element.h"
+#include "tavro/svg/model/Units.h"
 
 #include <optional>
 
 namespace Vz {
 
-/// Units of what a paint server, clip path, mask or marker says.
-enum class TSVGUnits : std::uint8_t { UserSpaceOnUse, ObjectBoundingBox, StrokeWidth };
+struct TPaint;
+struct TRampStop;
+enum class TSpread : std::uint8_t;
 
 /// One stop of a gradient.
 class TSVGGradientStop final : public TSVGElement {
@@ -99,45 +100,6 @@ public:
 
 protected:
     std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
-};
-
-/// A pattern, clipPath, mask, marker or filter: elements that others refer to, drawn only through them.
-class TSVGReferenced final : public TSVGViewElement {
-public:
-    TSVGReferenced(TSVGDocument& document, TSVGTag tag);
-
-    /// The element that lends what this pattern does not say.
-    const TSVGReferenced* GetTemplate() const;
-    /// patternUnits, maskUnits, clipPathUnits, markerUnits, filterUnits.
-    std::optional<TSVGUnits> GetUnits() const { return FUnits; }
-    /// patternContentUnits, maskContentUnits, primitiveUnits.
-    std::optional<TSVGUnits> GetContentUnits() const { return FContentUnits; }
-    const std::optional<TSVGLength>& GetOwnX() const { return FOwnX; }
-    const std::optional<TSVGLength>& GetOwnY() const { return FOwnY; }
-    /// refX, refY of a marker.
-    const TSVGLength& GetRefX() const { return FRefX; }
-    const TSVGLength& GetRefY() const { return FRefY; }
-    /// Of a marker: degrees; nothing: auto.
-    std::optional<double> GetOrient() const { return FOrient; }
-    bool GetOrientReverse() const { return FOrientReverse; }
-    /// patternTransform; nothing where the pattern does not say it.
-    const std::optional<TAffine>& GetPatternTransform() const { return FPatternTransform; }
-
-    bool ReadAttribute(std::string_view name, std::string_view value) override;
-    void WriteAttributes(IAttributeSink& sink) const override;
-
-protected:
-    std::unique_ptr<TSVGElement> NewAlike(TSVGDocument& document) const override;
-    void CopyFrom(const TSVGElement& source) override;
-
-private:
-    std::string FReference;
-    std::optional<TSVGUnits> FUnits, FContentUnits;
-    std::optional<TSVGLength> FOwnX, FOwnY;
-    TSVGLength FRefX, FRefY;
-    std::optional<double> FOrient = 0.0;
-    bool FOrientReverse = false;
-    std::optional<TAffine> FPatternTransform;
 };
 
 } // namespace Vz
