@@ -1,6 +1,7 @@
 #include "Edits.h"
 
 #include "tavro/controls/HeadlessHost.h"
+#include "tavro/instruments/Instrument.h"
 #include "tavro/runtime/PropAccess.h"
 
 namespace Vz::Tool {
@@ -15,6 +16,8 @@ void Apply(const TEdit& edit, const TSource& source) {
         return source.GetComponent().BeginUpdate();
     case TEditKind::EndUpdate:
         return source.GetComponent().EndUpdate();
+    case TEditKind::Artwork:
+        return source.GetInstrument().LoadFromFile(edit.Value);
     }
 }
 

@@ -5,7 +5,8 @@
 
 namespace Vz::Tool {
 
-/// Carries one edit out. Raises EConvertError and EPropertyError as SetPropText.
+/// Carries one edit out. Raises EConvertError and EPropertyError as SetPropText, EReadError for an artwork
+/// that cannot be read, EInvalidOperation for an edit that the component does not know.
 void Apply(const TEdit& edit, const TSource& source);
 
 /// All edits of a request, in their order.

@@ -94,13 +94,12 @@ void TakeBeginUpdate(TRequest& request, std::string_view) {
 }
 
 void TakeEndUpdate(TRequest& request, std::string_view) {
-    const auto count = [&](TEditKind kind) {
-        return std::count_if(request.Edits.begin(), request.Edits.end(),
-                             [kind](const TEdit& edit) { return edit.Kind == kind; });
-    };
-    if (count(TEditKind::EndUpdate) >= count(TEditKind::BeginUpdate))
-        throw TUsageError("--end-update without a --begin-update before it");
     AddEdit(request, TEditKind::EndUpdate, "--end-update");
+}
+
+void TakeArtwork(TRequest& request, std::string_view argument) {
+    if (argument.empty()) RaiseMalformed("--artwork", argument, "an SVG file's name");
+    AddEdit(request, TEditKind::Artwork, "--artwork " + std::string(argument)).Value = argument;
 }
 
 void TakeOutput(TRequest& request, std::string_view argument) {
@@ -138,7 +137,8 @@ constexpr TOption Options[] = {
     {"--click", "X,Y[,BUTTON][,KEY...]",
      "press and release left, right or middle there, with shift, ctrl, alt", AcceptsEdits, TakeClick},
     {"--begin-update", "", "open the component's update counter", AcceptsEdits, TakeBeginUpdate},
-    {"--end-update", "", "close it", AcceptsEdits, TakeEndUpdate},
+    {"--end-update", "", "close it; the two need not balance", AcceptsEdits, TakeEndUpdate},
+    {"--artwork", "FILE.svg", "give an instrument another artwork from here on", AcceptsEdits, TakeArtwork},
     {"-o", "FILE", "write to FILE, - for standard output", AcceptsOutput, TakeOutput},
     {"--size", "WxH", "the control's bounds; its own when left out", AcceptsPicture, TakeSize},
     {"--scale", "S", "device pixels a control pixel, default 1", AcceptsPicture, TakeScale},

@@ -10,14 +10,14 @@
 
 namespace Vz::Tool {
 
-enum class TEditKind { Set, Click, BeginUpdate, EndUpdate };
+enum class TEditKind { Set, Click, BeginUpdate, EndUpdate, Artwork };
 
 /// One edit of a component, in the order of the command line.
 struct TEdit {
     TEditKind Kind = TEditKind::Set;
     std::string Text;  ///< as given, for trace
     std::string Name;  ///< Set: the property's path, `Font.Size`
-    std::string Value; ///< Set
+    std::string Value; ///< Set; Artwork: the SVG file
     int X = 0;         ///< Click: control pixel
     int Y = 0;
     TMouseButton Button = TMouseButton::Left;

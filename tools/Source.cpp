@@ -2,6 +2,7 @@
 
 #include "UsageError.h"
 #include "tavro/VZSVGControl.h"
+#include "tavro/instruments/Instrument.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/FormFile.h"
 #include "tavro/runtime/Rounding.h"
@@ -76,6 +77,11 @@ TSource::TSource(std::string_view text) {
 TControl& TSource::GetControl() const {
     if (auto* const control = dynamic_cast<TControl*>(FPicked)) return *control;
     throw EInvalidOperation("a " + std::string(FPicked->ClassName()) + " is no control");
+}
+
+TVZSVGCustomInstrument& TSource::GetInstrument() const {
+    if (auto* const instrument = dynamic_cast<TVZSVGCustomInstrument*>(FPicked)) return *instrument;
+    throw EInvalidOperation("a " + std::string(FPicked->ClassName()) + " has no artwork of its own");
 }
 
 TSVGDocument& TSource::GetDocument() const {

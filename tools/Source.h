@@ -7,7 +7,8 @@
 
 namespace Vz {
 class TSVGDocument;
-}
+class TVZSVGCustomInstrument;
+} // namespace Vz
 
 namespace Vz::Tool {
 
@@ -19,8 +20,9 @@ public:
     explicit TSource(std::string_view text);
 
     TComponent& GetComponent() const { return *FPicked; }
-    /// Raise EInvalidOperation where the component is no control, or has no SVG document.
+    /// Raise EInvalidOperation where the component is no control, no instrument, or has no SVG document.
     TControl& GetControl() const;
+    TVZSVGCustomInstrument& GetInstrument() const;
     TSVGDocument& GetDocument() const;
 
 private:

@@ -48,7 +48,7 @@ public:
         : FDocument(document)
         , FSvg(svg) {}
 
-    std::vector<TArtworkFault> Run(std::span<const TArtworkRow> rows) {
+    void CheckContract(std::span<const TArtworkRow> rows) {
         for (const TArtworkRow& row : rows) {
             const TSVGElement* const element = FDocument.FindElement(row.Id);
             if (!element)
@@ -61,8 +61,23 @@ public:
         }
         for (const TSVGDiagnostic& note : FDocument.GetDiagnostics())
             FFaults.push_back({note.Line, note.Column, note.Text});
-        return std::move(FFaults);
     }
+
+    /// Adds a warning where the element of that id cannot move between caches.
+    void WarnOfMoving(std::string_view id) {
+        const auto* const moving = dynamic_cast<const TSVGGraphicElement*>(FDocument.FindElement(id));
+        const auto obstacle = moving ? FDocument.FindPartsObstacle(*moving) : std::nullopt;
+        if (!obstacle) return;
+        const std::string& name = obstacle->Element->GetId();
+        std::string text = "the " + std::string(obstacle->Reason) + " of the " +
+                           std::string(obstacle->Element->GetTagName());
+        if (!name.empty()) text += ' ' + Quoted(name);
+        Note(name.empty() ? id : name,
+             text + " keeps what stands still around " + Quoted(id) + " from being cached");
+        FFaults.back().IsWarning = true;
+    }
+
+    std::vector<TArtworkFault> TakeFaults() { return std::move(FFaults); }
 
 private:
     void NoteMissing(const TArtworkRow& row) {
@@ -146,7 +161,11 @@ std::vector<TArtworkFault> CheckArtwork(const TVZSVGCustomInstrument& instrument
                                         const std::string& name) {
     TSVGDocument document;
     document.LoadFromText(svg, name);
-    return TArtworkCheck(document, svg).Run(instrument.GetArtworkContract());
+    TArtworkCheck check(document, svg);
+    check.CheckContract(instrument.GetArtworkContract());
+    if (const TSVGGraphicElement* const active = instrument.GetActiveSVGElement())
+        check.WarnOfMoving(active->GetId());
+    return check.TakeFaults();
 }
 
 } // namespace Vz

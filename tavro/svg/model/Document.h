@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -113,7 +114,15 @@ public:
     /// False where the three parts would not make the whole: an ancestor of the element is laid down as one
     /// (opacity, mask, clip, filter, blending), another element blends with what lies under it, or the
     /// element is drawn only through references.
-    bool CanDrawInParts(const TSVGGraphicElement& element) const;
+    bool CanDrawInParts(const TSVGGraphicElement& element) const { return !FindPartsObstacle(element); }
+    /// What makes CanDrawInParts false: the outer or blending element, and its property (`opacity`, `mask`);
+    /// for an element that is drawn through references only, what holds it and `content`. Nothing where it is
+    /// true.
+    struct TPartsObstacle {
+        const TSVGElement* Element;
+        std::string_view Reason;
+    };
+    std::optional<TPartsObstacle> FindPartsObstacle(const TSVGGraphicElement& element) const;
     /// Device pixels that DrawElement may touch.
     TRectD GetDrawBounds(const TAffine& toDevice, const TSVGGraphicElement& element) const;
     /// The topmost painted element at a point of the natural picture; null where there is none. What is drawn

@@ -112,26 +112,30 @@ void TSVGDocument::DrawPart(TPaintPass pass, TVZGPCanvas& canvas, const TAffine&
         TSVGPainter(*this, canvas.GetDevice()).Paint(pass, &element, matrix.Then(canvas.ToDevice()));
 }
 
-bool TSVGDocument::CanDrawInParts(const TSVGGraphicElement& element) const {
-    if (&element.GetDocument() != this || !element.GetParent()) return false;
+std::optional<TSVGDocument::TPartsObstacle>
+TSVGDocument::FindPartsObstacle(const TSVGGraphicElement& element) const {
+    if (&element.GetDocument() != this || !element.GetParent()) return TPartsObstacle{&element, "content"};
     // What blends with all that was painted before it cannot be painted on its own.
     const auto blendsOutside = [&](const TSVGElement* blending) {
         return blending != &element && !blending->HasAncestor(&element);
     };
-    if (std::ranges::any_of(BlendingElements(), blendsOutside)) return false;
+    const auto& blending = BlendingElements();
+    if (const auto found = std::ranges::find_if(blending, blendsOutside); found != blending.end())
+        return TPartsObstacle{*found, "mix-blend-mode"};
     for (const TSVGElement* at = element.GetParent(); at; at = at->GetParent()) {
         const TSVGGraphicElement* const group = at->AsGraphic();
         const TSVGTag tag = at->GetTag();
         const bool isContainer =
             tag == TSVGTag::G || tag == TSVGTag::A || tag == TSVGTag::Switch || at == this;
-        if (!group || !isContainer || group->GetOpacity() < 1) return false;
+        if (!group || !isContainer) return TPartsObstacle{at, "content"};
+        if (group->GetOpacity() < 1) return TPartsObstacle{at, "opacity"};
         // Only properties that the element sets itself make a layer: none of them is inherited.
         for (const auto property :
              {TSVGStyleProperty::ClipPath, TSVGStyleProperty::Mask, TSVGStyleProperty::Filter,
               TSVGStyleProperty::MixBlendMode, TSVGStyleProperty::Isolation})
-            if (IsInForce(*at, property)) return false;
+            if (IsInForce(*at, property)) return TPartsObstacle{at, GetStylePropertyName(property)};
     }
-    return true;
+    return std::nullopt;
 }
 
 const std::vector<const TSVGElement*>& TSVGDocument::BlendingElements() const {

@@ -22,6 +22,9 @@ TRun RunTool(const std::filesystem::path& folder, std::vector<std::string> argum
 
 /// An empty folder for each test, removed after it; where the tool runs.
 class TToolTest : public testing::Test {
+public:
+    void Write(const std::string& name, const std::string& text) const;
+
 protected:
     TToolTest();
     ~TToolTest() override;
@@ -33,7 +36,6 @@ protected:
     /// The one line on standard error of a run that must end with 1 and print nothing else.
     std::string Complaint(const std::vector<std::string>& arguments) const;
 
-    void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
     bool Exists(const std::string& name) const { return std::filesystem::exists(FFolder / name); }
     std::unique_ptr<TVZGPBitmap> ReadPng(const std::string& name) const;

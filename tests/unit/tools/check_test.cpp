@@ -53,6 +53,30 @@ TEST_F(TCheckTest, ArtworkOfAnotherInstrumentDoesNotServe) {
     EXPECT_THAT(run.Out, HasSubstr("there is no element \"TextCircle\"\n"));
 }
 
+TEST_F(TCheckTest, WhatCostsTheCacheIsAWarningOnly) {
+    const std::string artwork(GetResource("SpeedometerSVG"));
+    const std::pair<std::string, std::string> cases[] = {{"opacity=\"0.9\"", "opacity"},
+                                                         {"mask=\"url(#m)\"", "mask"},
+                                                         {"style=\"clip-path:url(#c)\"", "clip-path"},
+                                                         {"filter=\"url(#f)\"", "filter"}};
+    for (const auto& [attribute, reason] : cases) {
+        const std::string svg = Replaced(artwork, "<svg ", "<svg id=\"Dial\" " + attribute + ' ');
+        Write("slow.svg", svg);
+        const std::string text = Output({"check", "TVZSpeedometer", "slow.svg"});
+        EXPECT_THAT(text, testing::MatchesRegex("slow.svg:[0-9]+:[0-9]+: warning: the " + reason +
+                                                " of the svg \"Dial\" keeps what stands still around "
+                                                "\"NeedleGroup\" from being cached\n"));
+    }
+    Write("anonymous.svg",
+          Replaced(Replaced(artwork, "<g id=\"NeedleGroup\"", "<g opacity=\".5\"><g id=\"NeedleGroup\""),
+                   "<g id=\"Glass\">", "</g><g id=\"Glass\">"));
+    EXPECT_THAT(Output({"check", "TVZSpeedometer", "anonymous.svg"}),
+                HasSubstr("warning: the opacity of the g keeps what stands still around \"NeedleGroup\""));
+    Write("both.svg",
+          Replaced(Replaced(artwork, "<svg ", "<svg opacity=\".5\" "), "id=\"NeedleShadow\"", "id=\"Dark\""));
+    EXPECT_EQ(Run({"check", "TVZSpeedometer", "both.svg"}).Status, 1);
+}
+
 TEST_F(TCheckTest, BadInput) {
     Write("broken.svg", "<svg xmlns='http://www.w3.org/2000/svg'>\n  <g></svg>");
     WriteBox();

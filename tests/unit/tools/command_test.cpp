@@ -1,4 +1,5 @@
 #include "Tool.h"
+#include "tavro/runtime/Resources.h"
 
 #include <gmock/gmock.h>
 
@@ -148,6 +149,49 @@ TEST_F(TCommandTest, TraceOfALeftClickAndOfUpdates) {
               "--begin-update\n--click 0,0\n  OnMouseDown\n  OnClick\n  OnMouseUp\n--end-update\n");
     EXPECT_EQ(Output({"trace", "TVZSVGControl", "--set", "Enabled=false", "--click", "0,0"}),
               "--set Enabled=false\n  Invalidate\n--click 0,0\n");
+}
+
+TEST_F(TCommandTest, UpdatesNeedNotBalance) {
+    EXPECT_EQ(Output({"trace", "TVZSpeedometer", "--end-update", "--end-update", "--begin-update", "--set",
+                      "Value=20", "--end-update"}),
+              "--end-update\n--end-update\n--begin-update\n--set Value=20\n  Invalidate\n  OnChange\n"
+              "--end-update\n");
+}
+
+/// The speedometer's own artwork with a mark on its needle, in new.svg.
+void WriteMarkedArtwork(const TToolTest& test) {
+    std::string svg(GetResource("SpeedometerSVG"));
+    const std::size_t needle = svg.find("id=\"NeedleGroup\"");
+    ASSERT_NE(needle, svg.npos);
+    svg.insert(svg.find('>', needle) + 1, "<circle id=\"Mark\" r=\"9\"/>");
+    test.Write("new.svg", svg);
+}
+
+TEST_F(TCommandTest, ArtworkTakesThePlaceOfTheClasssOwnFromThereOn) {
+    WriteMarkedArtwork(*this);
+    EXPECT_THAT(Output({"document", "TVZSpeedometer"}), Not(HasSubstr("\"Mark\"")));
+    const std::string text =
+        Output({"document", "TVZSpeedometer", "--set", "Value=80", "--artwork", "new.svg"});
+    EXPECT_THAT(text, HasSubstr("\"Mark\""));
+    EXPECT_EQ(Output({"get", "TVZSpeedometer", "--set", "Value=80", "--artwork", "new.svg", "Value"}),
+              "Value=80\n");
+    EXPECT_EQ(text, Output({"document", "TVZSpeedometer", "--artwork", "new.svg", "--set", "Value=80"}));
+    EXPECT_THAT(Output({"trace", "TVZSpeedometer", "--artwork", "new.svg"}),
+                StartsWith("--artwork new.svg\n  Invalidate\n"));
+    Output({"render", "TVZSpeedometer", "-o", "old.png"});
+    Output({"render", "TVZSpeedometer", "--artwork", "new.svg", "-o", "new.png"});
+    EXPECT_NE(Read("old.png"), Read("new.png"));
+    EXPECT_EQ(Output({"form", "TVZSpeedometer", "--artwork", "new.svg"}), Output({"form", "TVZSpeedometer"}));
+}
+
+TEST_F(TCommandTest, ArtworkThatCannotBeTaken) {
+    WriteMarkedArtwork(*this);
+    Write("broken.svg", "<svg xmlns='http://www.w3.org/2000/svg'>\n  <g></svg>");
+    EXPECT_THAT(Complaint({"get", "TVZSpeedometer", "--artwork", "broken.svg"}), HasSubstr("broken.svg:2:"));
+    EXPECT_THAT(Complaint({"get", "TVZSpeedometer", "--artwork", "none.svg"}), HasSubstr("none.svg"));
+    for (const char* const other : {"TVZSVGControl", "TVZForm", "new.svg"})
+        EXPECT_THAT(Complaint({"get", other, "--artwork", "new.svg"}),
+                    HasSubstr(" has no artwork of its own"));
 }
 
 TEST_F(TCommandTest, TraceNamesComponentsInside) {

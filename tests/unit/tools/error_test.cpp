@@ -133,8 +133,10 @@ INSTANTIATE_TEST_SUITE_P(
         TUsage{{"render", "A", "-o", "png"}, "a picture's name ends in .png, .svg or .pdf, unlike 'png'"},
         TUsage{{"get", "A", "--set"}, "--set needs NAME=VALUE"},
         TUsage{{"get", "A", "--set", "B"}, "--set takes NAME=VALUE, not 'B'"},
-        TUsage{{"get", "A", "--set", "=1"}, "--set takes NAME=VALUE, not '=1'"},
-        TUsage{{"get", "A", "--end-update"}, "--end-update without a --begin-update before it"}));
+        TUsage{{"get", "A", "--artwork"}, "--artwork needs FILE.svg"},
+        TUsage{{"get", "A", "--artwork", ""}, "--artwork takes an SVG file's name, not ''"},
+        TUsage{{"check", "A", "b.svg", "--artwork", "c.svg"}, "'check' takes no --artwork"},
+        TUsage{{"get", "A", "--set", "=1"}, "--set takes NAME=VALUE, not '=1'"}));
 
 class TMalformedTest : public TToolTest,
                        public testing::WithParamInterface<std::tuple<std::string, std::string>> {};
