@@ -1,7 +1,7 @@
 #pragma once
 
-// Opens everything: all instruments, the SVG control, hosts, form files, PDF and SVG output, the list of
-// classes.
+// Opens everything: all instruments, the SVG control, hosts, picture files, PDF and SVG output, form files,
+// properties by name, resources, the list of classes.
 
 #include "tavro/VZSVGControl.h"
 #include "tavro/VZSVGGraphics.h"
@@ -13,8 +13,12 @@
 #include "tavro/Vz.Tavro.Speedometers.h"
 #include "tavro/controls/Form.h"
 #include "tavro/controls/HeadlessHost.h"
+#include "tavro/controls/Picture.h"
 #include "tavro/graphics/vector/Device.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/AtomicFile.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/FormFile.h"
+#include "tavro/runtime/PropAccess.h"
+#include "tavro/runtime/PropText.h"
+#include "tavro/runtime/Resources.h"

@@ -730,6 +730,18 @@ TEST(SVGControl, EachControlOfAResourceHasADocumentOfItsOwn) {
     EXPECT_EQ(c.Paint(), picture);
 }
 
+TEST(SVGControl, ResourceOfTheProgramIsLoadedByItsName) {
+    TScene scene;
+    EXPECT_THROW(scene.Control->LoadSVGResource("OwnSquare"), EResNotFound);
+    AddResource("OwnSquare",
+                R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9"><rect id="Box"/></svg>)");
+    scene.Control->LoadSVGResource("OwnSquare");
+    EXPECT_NE(scene.Control->GetDocument().FindElement("Box"), nullptr);
+    AddResource("OwnBroken", "<svg><g></svg>");
+    EXPECT_THROW(scene.Control->LoadSVGResource("OwnBroken"), EReadError);
+    EXPECT_NE(scene.Control->GetDocument().FindElement("Box"), nullptr);
+}
+
 TEST(SVGControl, BrokenDocumentLeavesTheOldOne) {
     TScene scene;
     scene.Activate("NeedleGroup");
