@@ -50,7 +50,16 @@ set(static_requires "cairo pangoft2 harfbuzz fontconfig freetype2 libagg expat")
 tavro_pkg_config(tavro "${PROJECT_DESCRIPTION}" "" "-ltavro" "")
 
 if(TAVRO_QT)
-    install(FILES hosts/qt/VzWidget.h hosts/qt/VzPictureWidget.h hosts/qt/WidgetList.h DESTINATION ${headers}/qt COMPONENT Qt6)
+    install(FILES hosts/qt/VzWidget.h hosts/qt/VzFileWidget.h hosts/qt/VzInstrumentWidget.h hosts/qt/VzPictureWidget.h
+        hosts/qt/WidgetList.h DESTINATION ${headers}/qt COMPONENT Qt6)
+    # What tavro_add_widgets makes widgets of, and Designer's plugin with them.
+    install(FILES cmake/TavroWidgets.cmake DESTINATION ${package} COMPONENT Qt6)
+    install(FILES hosts/qt/WidgetList.cpp.in DESTINATION ${package}/widgets COMPONENT Qt6)
+    install(FILES hosts/qt/generate/main.cpp DESTINATION ${package}/widgets/generate COMPONENT Qt6)
+    foreach(part Icon Plugin PropertySheet)
+        install(FILES hosts/qt/designer/${part}.cpp hosts/qt/designer/${part}.h
+            DESTINATION ${package}/widgets/designer COMPONENT Qt6)
+    endforeach()
     foreach(widget IN LISTS TAVRO_QT_WIDGETS)
         install(FILES ${CMAKE_BINARY_DIR}/hosts/qt/widgets/${widget}.h DESTINATION ${headers}/qt COMPONENT Qt6)
     endforeach()

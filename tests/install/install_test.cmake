@@ -10,12 +10,15 @@ function(run)
     set(output "${text}" PARENT_SCOPE)
 endfunction()
 
+# expect_picture(FILE [BYTES]): with at least so many bytes.
 function(expect_picture file)
     if(NOT EXISTS ${file})
         message(FATAL_ERROR "${file} was not written")
     endif()
     file(SIZE ${file} size)
-    if(size LESS 5000)
+    set(least ${ARGN} 5000)
+    list(GET least 0 least)
+    if(size LESS least)
         message(FATAL_ERROR "${file} has only ${size} bytes")
     endif()
 endfunction()
@@ -56,13 +59,29 @@ endif()
 
 # find_package.
 run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/found -DCMAKE_PREFIX_PATH=${prefix}
-    -DCMAKE_CXX_COMPILER=${COMPILER} -DWITH_QT=${QT})
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DWITH_QT=${QT} -DWITH_DESIGNER=${DESIGNER})
 run(${CMAKE_COMMAND} --build ${FOLDER}/found)
 run(${FOLDER}/found/picture ${FOLDER}/picture.png)
 expect_picture(${FOLDER}/picture.png)
 if(QT)
     run(${FOLDER}/found/window ${FOLDER}/window.png)
     expect_picture(${FOLDER}/window.png)
+    run(${FOLDER}/found/boiler_window ${FOLDER}/boiler.png ${FOLDER}/found/plant_designer.so)
+    expect_picture(${FOLDER}/boiler.png 1000)
+endif()
+
+# What the pages show as CMake.
+run(${PYTHON} ${SOURCE}/tests/support/snippets.py ${SOURCE} ${FOLDER}/snippets --cmake)
+file(GLOB snippets ${FOLDER}/snippets/*)
+if(NOT snippets)
+    message(FATAL_ERROR "no page shows a CMake snippet")
+endif()
+if(QT)
+    foreach(snippet IN LISTS snippets)
+        run(${CMAKE_COMMAND} -G Ninja -S ${snippet} -B ${snippet}/build -DCMAKE_PREFIX_PATH=${prefix}
+            -DCMAKE_CXX_COMPILER=${COMPILER})
+        run(${CMAKE_COMMAND} --build ${snippet}/build)
+    endforeach()
 endif()
 
 run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/examples -B ${FOLDER}/examples -DCMAKE_PREFIX_PATH=${prefix}
@@ -96,7 +115,24 @@ unset(ENV{LD_LIBRARY_PATH})
 # The tool from its new place.
 run(${prefix}/bin/tavro classes)
 
-# As a folder of another project: the program compiles; the library itself is not built once more.
+# As a folder of another project: the program compiles; the library itself is not built once more. Where there is Qt,
+# the widgets are there without a word, and are built only for what links them.
 run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/inside -DTAVRO_FOLDER=${SOURCE}
-    -DCMAKE_CXX_COMPILER=${COMPILER})
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DWITH_QT=${QT})
 run(${CMAKE_COMMAND} --build ${FOLDER}/inside --target picture_source)
+if(QT)
+    run(${CMAKE_COMMAND} --build ${FOLDER}/inside --target boiler_window -- -n)
+    if(NOT output MATCHES "libtavro_qt6")
+        message(FATAL_ERROR "a program that links Tavro::Qt6 does not build it:\n${output}")
+    endif()
+    run(${CMAKE_COMMAND} --build ${FOLDER}/inside --target picture -- -n)
+    if(output MATCHES "tavro_qt6")
+        message(FATAL_ERROR "a program without widgets builds them:\n${output}")
+    endif()
+endif()
+# Without Qt, one line says what there is not.
+run(${CMAKE_COMMAND} -G Ninja -S ${SOURCE}/tests/install/consumer -B ${FOLDER}/without-qt -DTAVRO_FOLDER=${SOURCE}
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON)
+if(NOT output MATCHES "Qt 6 is not found, so there is no Tavro::Qt6")
+    message(FATAL_ERROR "nothing says that the widgets are not there:\n${output}")
+endif()

@@ -1,8 +1,9 @@
-#include "hosts/qt/designer/Icon.h"
+#include "Icon.h"
 
-#include "hosts/qt/VzWidget.h"
 #include "tavro/VZSVGControl.h"
 #include "tavro/controls/Control.h"
+
+#include <VzWidget.h>
 
 #include <QDateTime>
 #include <QPixmap>

@@ -1,8 +1,9 @@
-#include "hosts/qt/designer/Plugin.h"
+#include "Plugin.h"
 
-#include "hosts/qt/VzWidget.h"
-#include "hosts/qt/designer/Icon.h"
-#include "hosts/qt/designer/PropertySheet.h"
+#include "Icon.h"
+#include "PropertySheet.h"
+
+#include <VzWidget.h>
 
 #include <QMetaProperty>
 #include <QXmlStreamWriter>
@@ -11,7 +12,8 @@
 
 namespace {
 
-/// Pages of the widget box that are not named after their folder.
+/// Pages of the widget box that are not named after their folder. A folder with a capital letter is a page's
+/// name.
 constexpr std::pair<const char*, const char*> Pages[] = {
     {"round", "Tavro Round Gauges"},
     {"svg", "SVG"},
@@ -43,7 +45,9 @@ bool isCode(const QString& property) {
 }
 
 /// A text that is not shown to a reader, who may want it translated.
-bool isForNobody(const QString& property) { return isCode(property) || property == QStringLiteral("source"); }
+bool isForNobody(const QString& property) {
+    return isCode(property) || property == QStringLiteral("source") || property == QStringLiteral("artwork");
+}
 
 /// Null, with a warning, when the component cannot be made: no exception may get into Designer.
 VzWidget* make(const TVzWidgetClass& widgetClass, QWidget* parent) {
@@ -91,14 +95,15 @@ QString VzWidgetPlugin::group() const {
     const QString folder = QString::fromLatin1(widgetClass.Folder);
     for (const auto& [name, page] : Pages)
         if (folder == QLatin1String(name)) return QString::fromLatin1(page);
+    if (!folder.isEmpty() && !folder[0].isLower()) return folder;
     return QStringLiteral("Tavro ") + folder.left(1).toUpper() + folder.mid(1);
 }
 
 QString VzWidgetPlugin::toolTip() const { return spokenName(widgetClass.Name); }
 
 QString VzWidgetPlugin::whatsThis() const {
-    return QStringLiteral("Shows a Vz::TVZ%1. What its properties mean stands in %2.")
-        .arg(name().mid(2), QString::fromLatin1(widgetClass.Header));
+    return QStringLiteral("Shows a component. What its properties mean stands in %1.")
+        .arg(QString::fromLatin1(widgetClass.Header));
 }
 
 QString VzWidgetPlugin::includeFile() const { return name() + QStringLiteral(".h"); }
@@ -137,6 +142,6 @@ void VzWidgetPlugin::initialize(QDesignerFormEditorInterface* core) {
 
 VzWidgetCollection::VzWidgetCollection(QObject* parent)
     : QObject(parent) {
-    for (const TVzWidgetClass& widgetClass : vzWidgetClasses())
+    for (const TVzWidgetClass& widgetClass : designerWidgetClasses())
         widgets << new VzWidgetPlugin(widgetClass, this);
 }

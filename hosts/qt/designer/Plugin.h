@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/qt/WidgetList.h"
+#include <WidgetList.h>
 
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>

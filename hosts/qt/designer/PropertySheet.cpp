@@ -1,6 +1,6 @@
-#include "hosts/qt/designer/PropertySheet.h"
+#include "PropertySheet.h"
 
-#include "hosts/qt/VzWidget.h"
+#include <VzWidget.h>
 
 #include <QDesignerFormEditorInterface>
 #include <QExtensionManager>
@@ -42,9 +42,12 @@ VzPropertySheetFactory::VzPropertySheetFactory(QExtensionManager& manager)
 
 void VzPropertySheetFactory::install(QDesignerFormEditorInterface& core) {
     QExtensionManager* const manager = core.extensionManager();
-    if (manager->findChild<VzPropertySheetFactory*>(QString(), Qt::FindDirectChildrenOnly)) return;
-    manager->registerExtensions(new VzPropertySheetFactory(*manager),
-                                Q_TYPEID(QDesignerPropertySheetExtension));
+    // By name: one of another plugin serves these widgets, too.
+    const QString name = QStringLiteral("VzPropertySheetFactory");
+    if (manager->findChild<QObject*>(name, Qt::FindDirectChildrenOnly)) return;
+    auto* const factory = new VzPropertySheetFactory(*manager);
+    factory->setObjectName(name);
+    manager->registerExtensions(factory, Q_TYPEID(QDesignerPropertySheetExtension));
 }
 
 QObject* VzPropertySheetFactory::createExtension(QObject* object, const QString& iid, QObject* parent) const {

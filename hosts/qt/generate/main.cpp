@@ -2,13 +2,18 @@
 //
 //   tavro_qt_widget CLASS CLASS-HEADER FOLDER      FOLDER/VzName.h and FOLDER/VzName.cpp
 //
+// CLASS is as C++ names it, `Plant::TBoiler`; in Vz where it names no namespace. RegisterWidgetClasses, in
+// another source of the same program, makes it known (tavro_add_widgets in cmake/TavroWidgets.cmake writes
+// one).
+//
 // The names follow Qt's habits: Min is `minimum`, its signal minimumChanged, its slot setMinimum. A property
 // whose name a QWidget has already gets another one, from the table below.
 
-#include "tavro/package/Package.h"
+#include "tavro/instruments/Instrument.h"
 #include "tavro/runtime/AtomicFile.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/PropAccess.h"
+#include "tavro/svg/Control.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +22,9 @@
 #include <sstream>
 
 using namespace Vz;
+
+/// Registers the classes of which widgets are written.
+void RegisterWidgetClasses();
 
 namespace {
 
@@ -27,22 +35,19 @@ constexpr std::pair<std::string_view, std::string_view> QtNames[] = {
     {"Font", "textFont"},
     {"OnChange", "changed"},
 };
-/// The widget from which one is derived that has more than the component's properties.
-constexpr std::pair<std::string_view, std::string_view> Bases[] = {
-    {"TVZSVGControl", "VzPictureWidget"},
-};
 /// What a QWidget has; a property of such a name needs a row above.
 constexpr std::string_view Taken[] = {
-    "font",     "enabled", "size",     "pos",    "rect",    "style",   "cursor",  "visible",
-    "geometry", "layout",  "palette",  "mask",   "width",   "height",  "x",       "y",
-    "update",   "show",    "hide",     "close",  "parent",  "window",  "grab",    "raise",
-    "lower",    "scroll",  "move",     "resize", "locale",  "clicked", "read",    "write",
-    "event",    "screen",  "children", "host",   "repaint", "render",  "actions", "property",
+    "font",    "enabled", "size",    "pos",      "rect",   "style",   "cursor", "visible",  "geometry",
+    "layout",  "palette", "mask",    "width",    "height", "x",       "y",      "update",   "show",
+    "hide",    "close",   "parent",  "window",   "grab",   "raise",   "lower",  "scroll",   "move",
+    "resize",  "locale",  "clicked", "read",     "write",  "event",   "screen", "children", "host",
+    "repaint", "render",  "actions", "property", "source", "artwork",
 };
 
-std::string BaseOf(std::string_view className) {
-    for (const auto& [ours, base] : Bases)
-        if (ours == className) return std::string(base);
+/// The widget that the typed one is derived from.
+std::string BaseOf(const TComponent& component) {
+    if (dynamic_cast<const TVZSVGCustomInstrument*>(&component)) return "VzInstrumentWidget";
+    if (dynamic_cast<const TVZSVGControl*>(&component)) return "VzPictureWidget";
     return "VzWidget";
 }
 
@@ -166,8 +171,10 @@ void Collect(const TPersistent& object, const std::string& prefix, std::vector<T
 /// Everything that is written of one class.
 class TWidgetWriter {
 public:
-    TWidgetWriter(const TComponent& component, std::string header)
+    TWidgetWriter(const TComponent& component, std::string space, std::string header)
         : FClass(component.ClassName())
+        , FSpace(std::move(space))
+        , FBase(BaseOf(component))
         , FWidget("Vz" + FClass.substr(FClass.starts_with("TVZ") ? 3 : 1))
         , FHeader(std::move(header)) {
         Collect(component, "", FProps);
@@ -184,12 +191,13 @@ public:
     std::string Header() const {
         std::ostringstream out;
         out << "// Made from the property table of " << FClass << " while the library is built.\n"
-            << "#pragma once\n\n#include <" << BaseOf(FClass) << ".h>\n\n"
+            << "#pragma once\n\n#include <" << FBase << ".h>\n\n"
             << "#include <QColor>\n#include <QDateTime>\n#include <QFont>\n#include <QString>\n#include "
                "<QStringList>\n\n"
-            << "namespace Vz {\nclass " << FClass << ";\n}\n\n"
-            << "/// Shows a Vz::" << FClass << ". What the properties mean stands in " << FHeader << ".\n"
-            << "class " << FWidget << " : public " << BaseOf(FClass) << " {\n    Q_OBJECT\n";
+            << "namespace " << FSpace << " {\nclass " << FClass << ";\n}\n\n"
+            << "/// Shows a " << FSpace << "::" << FClass << ". What the properties mean stands in "
+            << FHeader << ".\n"
+            << "class " << FWidget << " : public " << FBase << " {\n    Q_OBJECT\n";
         for (const TWidgetProp& prop : FProps)
             out << "    Q_PROPERTY(" << prop.Type << ' ' << prop.Name << " READ " << prop.Name << " WRITE set"
                 << UpperFirst(prop.Name) << " RESET reset" << UpperFirst(prop.Name) << " NOTIFY " << prop.Name
@@ -197,7 +205,8 @@ public:
         out << "public:\n";
         WriteEnums(out);
         out << "    explicit " << FWidget << "(QWidget* parent = nullptr);\n\n"
-            << "    /// The component that is shown.\n    Vz::" << FClass << "& instrument() const;\n\n";
+            << "    /// The component that is shown.\n    " << FSpace << "::" << FClass
+            << "& instrument() const;\n\n";
         for (const TWidgetProp& prop : FProps)
             out << "    " << prop.Type << ' ' << prop.Name << "() const;\n";
         out << "\npublic Q_SLOTS:\n";
@@ -230,11 +239,11 @@ public:
         for (const TProp* event : FEvents)
             out << '"' << Signal(*event) << "()\", ";
         out << "};\n\n} // namespace\n\n"
-            << FWidget << "::" << FWidget << "(QWidget* parent)\n    : " << BaseOf(FClass)
-            << "(Vz::" << FClass
+            << FWidget << "::" << FWidget << "(QWidget* parent)\n    : " << FBase << '(' << FSpace
+            << "::" << FClass
             << "::Create(), {&staticMetaObject, Properties, Events, EventSignals}, parent) {}\n\n"
-            << "Vz::" << FClass << "& " << FWidget
-            << "::instrument() const { return static_cast<Vz::" << FClass << "&>(component()); }\n\n";
+            << FSpace << "::" << FClass << "& " << FWidget << "::instrument() const { return static_cast<"
+            << FSpace << "::" << FClass << "&>(component()); }\n\n";
         for (std::size_t row = 0; row < FProps.size(); ++row)
             WriteAccess(out, FProps[row], row);
         WriteNotify(out);
@@ -300,6 +309,8 @@ private:
     }
 
     std::string FClass;
+    std::string FSpace; ///< its namespace
+    std::string FBase;
     std::string FWidget;
     std::string FHeader;
     std::vector<TWidgetProp> FProps;
@@ -313,9 +324,13 @@ int main(int count, char** arguments) try {
         std::fputs("usage: tavro_qt_widget CLASS CLASS-HEADER FOLDER\n", stderr);
         return 2;
     }
-    RegisterComponentClasses();
-    const auto component = GetClass(arguments[1]).Create();
-    const TWidgetWriter writer(*component, arguments[2]);
+    RegisterWidgetClasses();
+    const std::string_view name = arguments[1];
+    const std::size_t colons = name.rfind("::");
+    const bool isNamed = colons != name.npos;
+    const auto component = GetClass(isNamed ? name.substr(colons + 2) : name).Create();
+    const TWidgetWriter writer(*component, std::string(isNamed ? name.substr(0, colons) : "Vz"),
+                               arguments[2]);
     const std::string stem = std::string(arguments[3]) + '/' + writer.Widget();
     WriteFileAtomically(stem + ".h", writer.Header());
     WriteFileAtomically(stem + ".cpp", writer.Source());

@@ -320,6 +320,26 @@ TEST_F(TDesigner, TheFileOfThePlainControlIsSavedAsItIsNamed) {
     EXPECT_FALSE(form->contents().contains(QStringLiteral("\"source\"")));
 }
 
+TEST_F(TDesigner, TheArtworkOfAnInstrumentIsSavedAsItIsNamed) {
+    open(formOf({QStringLiteral("VzSpeedometer")}));
+    QWidget& speed = widget("aVzSpeedometer");
+    EXPECT_FALSE(isChanged(speed, "artwork"));
+    EXPECT_FALSE(form->contents().contains(QStringLiteral("\"artwork\"")));
+    const QImage own = speed.grab().toImage();
+    set(speed, "artwork", QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"));
+    EXPECT_TRUE(isChanged(speed, "artwork"));
+    EXPECT_NE(speed.grab().toImage(), own);
+    const QString saved = form->contents();
+    EXPECT_TRUE(saved.contains(QStringLiteral("<property name=\"artwork\">")));
+    EXPECT_TRUE(saved.contains(QStringLiteral(">" TAVRO_QT_TESTS_DIR "/forms/picture.svg</string>")));
+    form->commandHistory()->undo();
+    EXPECT_FALSE(isChanged(speed, "artwork"));
+    EXPECT_EQ(speed.grab().toImage(), own);
+    set(speed, "artwork", QStringLiteral(TAVRO_QT_TESTS_DIR "/forms/picture.svg"));
+    reset(speed, "artwork");
+    EXPECT_FALSE(form->contents().contains(QStringLiteral("\"artwork\"")));
+}
+
 TEST_F(TDesigner, TheEditorShowsWhatASetterChangedElsewhere) {
     open(formOf({QStringLiteral("VzSpeedometer")}));
     QWidget& speed = widget("aVzSpeedometer");

@@ -14,6 +14,7 @@
 #include "tavro/graphics/Bitmap.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Resources.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -576,6 +577,69 @@ TEST(VzSVGControlSource, AFileThatComesLaterIsReadWhenTheWidgetIsShown) {
     control.show();
     EXPECT_TRUE(control.isSourceLoaded());
     EXPECT_EQ(middle(control), QColor(Qt::red));
+}
+
+/// The class's own artwork of a speedometer with an element added in front.
+QByteArray markedArtwork() {
+    std::string svg(GetResource("SpeedometerSVG"));
+    svg.insert(svg.rfind("</svg>"), "<rect id='Mark' width='100%' height='100%' fill='red'/>");
+    return QByteArray::fromStdString(svg);
+}
+
+bool isMarked(const VzSpeedometer& speed) { return speed.instrument().GetDocument().FindElement("Mark"); }
+
+TEST(VzInstrumentArtwork, TakesThePlaceOfTheClasssOwnAndGoesAgain) {
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("marked.svg")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(markedArtwork());
+    file.close();
+    TWarnings warnings;
+    VzSpeedometer speed;
+    speed.setValue(80);
+    TSpy changes(static_cast<VzInstrumentWidget&>(speed), &VzInstrumentWidget::artworkChanged);
+    EXPECT_TRUE(speed.artwork().isEmpty());
+    EXPECT_FALSE(speed.isPropertyStored("artwork"));
+    EXPECT_FALSE(speed.isArtworkLoaded());
+    speed.setProperty("artwork", file.fileName());
+    EXPECT_TRUE(isMarked(speed));
+    EXPECT_TRUE(speed.isArtworkLoaded());
+    EXPECT_TRUE(speed.isPropertyStored("artwork"));
+    EXPECT_EQ(speed.value(), 80);
+    EXPECT_EQ(middle(speed), QColor(Qt::red));
+    EXPECT_EQ(changes.Count, 1);
+    speed.setArtwork(file.fileName());
+    EXPECT_EQ(changes.Count, 1) << "an equal name";
+    speed.resetArtwork();
+    EXPECT_FALSE(isMarked(speed));
+    EXPECT_NE(middle(speed), QColor(Qt::red));
+    EXPECT_FALSE(speed.isPropertyStored("artwork"));
+    EXPECT_EQ(changes.Count, 2);
+    EXPECT_TRUE(TWarnings::Texts.isEmpty()) << qPrintable(TWarnings::Texts.join(u' '));
+}
+
+TEST(VzInstrumentArtwork, ResourceOfTheProgramIsFoundByItsName) {
+    AddResource("MarkedDial", markedArtwork().toStdString());
+    TWarnings warnings;
+    VzSpeedometer speed;
+    speed.setArtwork(QStringLiteral("MarkedDial"));
+    EXPECT_TRUE(isMarked(speed));
+    VzSVGControl control;
+    control.setSource(QStringLiteral("MarkedDial"));
+    EXPECT_TRUE(control.isSourceLoaded());
+    EXPECT_TRUE(TWarnings::Texts.isEmpty());
+}
+
+TEST(VzInstrumentArtwork, ABadFileIsToldOfAndLeavesTheArtwork) {
+    VzSpeedometer speed;
+    const QImage before = shown(speed);
+    TWarnings warnings;
+    speed.setArtwork(QStringLiteral("none.svg"));
+    ASSERT_EQ(TWarnings::Texts.size(), 1);
+    EXPECT_EQ(TWarnings::Texts[0], QStringLiteral("VzSpeedometer: artwork: none.svg: there is no such file"));
+    EXPECT_EQ(speed.artwork(), QStringLiteral("none.svg")) << "a form keeps what it named";
+    EXPECT_FALSE(speed.isArtworkLoaded());
+    EXPECT_EQ(shown(speed), before);
 }
 
 // Input.
