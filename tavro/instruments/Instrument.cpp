@@ -253,8 +253,9 @@ constexpr TSVGStyleProperty FontProperties[] = {
 void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFont& font) {
     auto* const element = Find<TSVGGraphicElement>(elementId);
     if (!element) return;
-    const auto [known, isFirst] = FArtworkStyles.try_emplace(std::string(elementId), element->GetStyle());
-    const TSVGStyleSet& artwork = known->second;
+    const auto found = FArtworkStyles.try_emplace(std::string(elementId), element->GetStyle());
+    const bool isFirst = found.second; // clang 14 captures no structured binding
+    const TSVGStyleSet& artwork = found.first->second;
     EditDocument([&] {
         if (isFirst && font.IsOpen()) return element->Changed(); // all is as the artwork has it
         TSVGStyleSet style = element->GetStyle();
