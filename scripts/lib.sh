@@ -7,17 +7,21 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcairo2-dev libpango1.0-dev libharfbuzz-dev libfontconfig-dev
     libfreetype-dev libexpat1-dev libagg-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pil librsvg2-bin"
-QT_PACKAGES="qt6-base-dev qt6-tools-dev qt6-tools-dev-tools designer-qt6 libgl1-mesa-dev libopengl-dev"
-CHECK_PACKAGES="git clang-format clang-tidy python3"
+QT_PACKAGES="qt6-base-dev qt6-tools-dev qt6-tools-dev-tools designer-qt6 libgl1-mesa-dev libopengl-dev
+    libqt6opengl6-dev qt6-svg-dev"
+CLANG_PACKAGES="clang"
+CHECK_PACKAGES="git clang clang-format clang-tidy python3"
 
 say() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
-# Those of the packages named that are not installed.
+# Those of the packages named that are not installed, and that no installed package provides.
 missing_packages() {
-    local package
+    local package there
+    there=$(dpkg-query -W -f '${db:Status-Status} ${Package}, ${Provides}\n' | sed -n 's/^installed //p' |
+        tr ',' '\n' | sed 's/(.*//; s/ //g')
     for package in "$@"; do
-        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || echo "$package"
+        grep -qx -- "$package" <<<"$there" || echo "$package"
     done
 }
 

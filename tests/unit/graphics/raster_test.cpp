@@ -486,7 +486,7 @@ TEST(Raster, APictureInPiecesEqualsTheWhole) {
 }
 
 TEST(Raster, APictureIsTheSameWithAndWithoutVectorInstructions) {
-    if (!VectorRowOps()) GTEST_SKIP() << "this machine has none";
+    if (!VectorRowOps()) GTEST_SKIP() << "this machine has no vector instructions that we use";
     constexpr int size = 70;
     for (unsigned seed = 1000; seed < 1200; ++seed) {
         TBitmap pictures[] = {TBitmap(size, size, 0xFF102030), TBitmap(size, size, 0xFF102030)};
