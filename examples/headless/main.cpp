@@ -1,8 +1,8 @@
 // A picture without a window and without Qt: an altimeter, drawn at twice its size.
 
-#include "tavro/controls/HeadlessHost.h"
-#include "tavro/instruments/round/CircularAltimeter.h"
-#include "tavro/runtime/AtomicFile.h"
+#include <tavro/Vz.Tavro.Altimeters.h>
+#include <tavro/controls/HeadlessHost.h>
+#include <tavro/runtime/AtomicFile.h>
 
 #include <cstdio>
 
