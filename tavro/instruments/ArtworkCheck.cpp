@@ -1,6 +1,6 @@
 #include "tavro/instruments/ArtworkCheck.h"
 
-#include "tavro/instruments/Instrument.h"
+#include "tavro/instruments/Editing.h"
 
 #include <algorithm>
 #include <cctype>
@@ -48,7 +48,7 @@ public:
         : FDocument(document)
         , FSvg(svg) {}
 
-    void CheckContract(std::span<const TArtworkRow> rows) {
+    void CheckContract(const std::vector<TArtworkRow>& rows) {
         for (const TArtworkRow& row : rows) {
             const TSVGElement* const element = FDocument.FindElement(row.Id);
             if (!element)
@@ -107,18 +107,25 @@ private:
         switch (row.Kind) {
         case TArtworkKind::Graphic:
             return dynamic_cast<const TSVGGraphicElement*>(&element) ? "" : "something that is drawn";
+        case TArtworkKind::Group:
+            return dynamic_cast<const TSVGGroup*>(&element) ? "" : "a group";
         case TArtworkKind::Path:
             return dynamic_cast<const TSVGPath*>(&element) ? "" : "a path";
         case TArtworkKind::Text:
             return dynamic_cast<const TSVGCustomText*>(&element) ? "" : "a text";
         case TArtworkKind::Texts:
-            return HoldsTexts(element) ? "" : "a group that holds texts and nothing else";
+            return HoldsTexts(element) ? "" : "a group or text that holds texts and nothing else";
         case TArtworkKind::Rect:
             return element.GetTag() == TSVGTag::Rect ? "" : "a rect";
+        case TArtworkKind::Use:
+            return element.GetTag() == TSVGTag::Use ? "" : "a use";
         case TArtworkKind::Gradient:
             return gradient ? "" : "a gradient";
         case TArtworkKind::Stops:
-            return gradient && gradient->GetStopCount() > 0 ? "" : "a gradient with stops of its own";
+            if (!gradient || gradient->GetStopCount() == 0) return "a gradient with stops of its own";
+            return gradient->GetStopCount() >= row.Stops
+                       ? ""
+                       : "a gradient with at least " + std::to_string(row.Stops) + " stops of its own";
         }
         return "";
     }

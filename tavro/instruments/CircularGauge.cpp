@@ -1,57 +1,65 @@
 #include "tavro/instruments/CircularGauge.h"
 
+#include "tavro/instruments/Editing.h"
+#include "tavro/instruments/InstrumentFont.h"
+#include "tavro/runtime/Strings.h"
+
 #include <cmath>
 
 namespace Vz {
 
 // Creation.
 
+TVZCustomCircularGauge::TVZCustomCircularGauge(TCreateKey key)
+    : TVZCustomScaleInstrument(key)
+    , FMajor{.Path = std::make_unique<TVZPathData>()}
+    , FMinor{.Path = std::make_unique<TVZPathData>()}
+    , FLabels(std::make_unique<TStrings>())
+    , FFont(std::make_unique<TInstrumentFont>())
+    , FCaptionFont(std::make_unique<TInstrumentFont>()) {}
+
+TVZCustomCircularGauge::~TVZCustomCircularGauge() = default;
+
 void TVZCustomCircularGauge::Construct() {
-    const TGaugeSetup& setup = GetSetup();
-    FValueHandId = setup.ValueHandId;
-    if (FDecorationElementId.empty()) FDecorationElementId = "Decoration";
-    FScale = {setup.Min, setup.Max, setup.Value};
-    TVZSVGCustomInstrument::Construct();
+    const TGaugeSetup& setup = GetGaugeSetup();
+    if (FValueHandId.empty()) FValueHandId = setup.ValueHandId;
+    SetDefaultScale({setup.Min, setup.Max, setup.Value});
+    TVZCustomScaleInstrument::Construct();
     FStartAngle = setup.StartAngle;
     FStopAngle = setup.StopAngle;
     FHands = setup.Hands;
     FMajor.Count = setup.MajorMarkers;
     FMinor.Count = setup.MinorMarkers;
-    FParts = setup.Parts;
+    TakeParts(setup.Parts.GetMask());
     FDecoration = setup.Decoration;
     FCaption = setup.Caption;
     FDetailText = setup.DetailText;
     FFont->SetDefaultSize(setup.FontSize);
     FLabels->SetText(GetDefaultLabels());
+    RefreshDefaults();
 
     for (TInstrumentFont* const font : {FFont.get(), FCaptionFont.get()})
         font->OnChange = [this](TObject& sender) { FontChanged(sender); };
     FLabels->SetOnChange([this](TObject&) {
         if (FIsRebuilding) return;
-        FLabelsAreUsers = !GetSetup().Labels.empty() || FLabels->GetItems() != MakeNumbers();
+        FLabelsAreUsers = !GetGaugeSetup().Labels.empty() || FLabels->GetItems() != MakeNumbers();
         LabelsChanged();
     });
     for (TMarkers* const markers : {&FMajor, &FMinor})
         markers->Path->OnChange = [this](TObject&) { MarkersChanged(); };
 }
 
+void TVZCustomCircularGauge::RefreshDefaults() {
+    TVZCustomScaleInstrument::RefreshDefaults();
+    FDefaultHands = FHands;
+    FDefaultCaption = FCaption;
+    FDefaultDetailText = FDetailText;
+}
+
 void TVZCustomCircularGauge::LoadSVGProperties() {
-    TVZSVGCustomInstrument::LoadSVGProperties();
-    using P = TColorPlace;
-    const TColorRow rows[] = {
-        {"FrameColor", P::Fill, &FFrameColor},
-        {"DialColor", P::Fill, &FBackfaceColor},
-        {"BigMarkers", P::Fill, &FMajorMarkersColor},
-        {"SmallMarkers", P::Fill, &FMinorMarkersColor},
-        {"Bolt", P::Fill, &FBoltColor},
-        {"Knob", P::Fill, &FKnobColor},
-        {"Labels", P::Fill, &FLabelsFillColor},
-        {"Labels", P::Stroke, &FLabelsStrokeColor},
-        {FValueHandId, P::Fill, &FBigHandColor},
-        {"LittleHand", P::Fill, &FLittleHandColor},
-        {"ThinHand", P::Fill, &FThinHandColor},
-    };
-    ReadColors(rows);
+    TVZCustomScaleInstrument::LoadSVGProperties();
+    if (auto* const hand = Find<TSVGGraphicElement>(FValueHandId))
+        TakeColor(BigHand, hand->GetBrush().GetColor());
 }
 
 void TVZCustomCircularGauge::DoInitializeGauge() {
@@ -66,27 +74,13 @@ void TVZCustomCircularGauge::DoInitializeGauge() {
         InitializeNumberLabels();
     InitializeHands();
     DoUpdateFont();
-    SetElementFill(FValueHandId, FBigHandColor);
-    TVZSVGCustomInstrument::DoInitializeGauge();
+    SetElementFill(FValueHandId, GetBigHandColor());
+    TVZCustomScaleInstrument::DoInitializeGauge();
     DoUpdateCaptionFont();
     ShowPosition();
 }
 
 // Scale and hands.
-
-void TVZCustomCircularGauge::SetMin(float value) {
-    if (FScale.MoveMin(value)) ScaleChanged();
-}
-
-void TVZCustomCircularGauge::SetMax(float value) {
-    if (FScale.MoveMax(value)) ScaleChanged();
-}
-
-void TVZCustomCircularGauge::SetValue(float value) {
-    if (!FScale.MoveValue(value, FScale.Min, FScale.Max)) return;
-    UpdateHands();
-    DoOnChange();
-}
 
 void TVZCustomCircularGauge::SetStartAngle(std::int32_t value) {
     if (Store(FStartAngle, value)) AnglesChanged();
@@ -96,12 +90,9 @@ void TVZCustomCircularGauge::SetStopAngle(std::int32_t value) {
     if (Store(FStopAngle, value)) AnglesChanged();
 }
 
-void TVZCustomCircularGauge::ScaleChanged() {
-    EditDocument([this] {
-        InitializeNumberLabels();
-        UpdateHands();
-    });
-    MarkChanged();
+void TVZCustomCircularGauge::ShowScale() {
+    InitializeNumberLabels();
+    UpdateHands();
 }
 
 void TVZCustomCircularGauge::AnglesChanged() {
@@ -126,13 +117,10 @@ void TVZCustomCircularGauge::SetTime(TDateTime value) {
     DoOnChange();
 }
 
-bool TVZCustomCircularGauge::IsMinStored() const { return FScale.Min != GetSetup().Min; }
-bool TVZCustomCircularGauge::IsMaxStored() const { return FScale.Max != GetSetup().Max; }
-bool TVZCustomCircularGauge::IsDefaultValue() const { return FScale.Value != GetSetup().Value; }
-bool TVZCustomCircularGauge::IsHandsStored() const { return FHands != GetSetup().Hands; }
+bool TVZCustomCircularGauge::IsDefaultValue() const { return GetValue() != GetDefaults().Value; }
 
 float TVZCustomCircularGauge::GetValueAngle() const {
-    const double part = (double(FScale.Value) - FScale.Min) / (double(FScale.Max) - FScale.Min);
+    const double part = (double(GetValue()) - GetMin()) / (double(GetMax()) - GetMin());
     return static_cast<float>(FStartAngle + GetSpan() * part);
 }
 
@@ -166,6 +154,6 @@ void TVZCustomCircularGauge::UpdateTime() {
     Invalidate();
 }
 
-void TVZCustomCircularGauge::ShowPosition() { GetSetup().ShowsTime ? UpdateTime() : UpdateHands(); }
+void TVZCustomCircularGauge::ShowPosition() { GetGaugeSetup().ShowsTime ? UpdateTime() : UpdateHands(); }
 
 } // namespace Vz

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "tavro/instruments/Instrument.h"
-#include "tavro/instruments/InstrumentFont.h"
-#include "tavro/instruments/Scale.h"
+#include "tavro/instruments/ScaleInstrument.h"
 #include "tavro/runtime/DateTime.h"
 #include "tavro/runtime/Set.h"
-#include "tavro/runtime/Strings.h"
 
 #include <memory>
 #include <string>
@@ -13,6 +10,8 @@
 
 namespace Vz {
 
+class TInstrumentFont;
+class TStrings;
 struct TGaugeSetup;
 
 /// Base of all round instruments: a dial with markers and labels made from the scale, up to three hands, an
@@ -22,14 +21,15 @@ struct TGaugeSetup;
 /// beyond 360: from 240 to 470 the scale crosses twelve o'clock. A class says in its TGaugeSetup what it
 /// starts with, and publishes its own selection of properties. Colours are the artwork's own until they are
 /// set.
-class TVZCustomCircularGauge : public TVZSVGCustomInstrument {
+class TVZCustomCircularGauge : public TVZCustomScaleInstrument {
 public:
-    using TVZSVGCustomInstrument::TVZSVGCustomInstrument;
+    explicit TVZCustomCircularGauge(TCreateKey key);
+    ~TVZCustomCircularGauge() override;
 
     /// The hands. On a dial with one hand it is the big one; on a clock they are minutes, hours and seconds.
     enum class THand : std::uint8_t { ghBig, ghLittle, ghThin };
     using THands = TSet<THand>;
-    static constexpr THands AllHands = THands::FromMask(7);
+    static constexpr THands AllHands = THands::UpTo(THand::ghThin);
 
     /// The shape of a marker: a line, a disc, a diamond, or a triangle whose tip points to the centre (In),
     /// to the rim (Out), with the clock (CW) or against it (CCW). A major one is 5 units long, a minor one 3.
@@ -62,33 +62,16 @@ public:
         gpBolts,
     };
     using TParts = TSet<TPart>;
-    static constexpr TParts AllParts = TParts::FromMask(8191);
+    static constexpr TParts AllParts = TParts::UpTo(TPart::gpBolts);
 
     /// Most figures of one kind of marker, and most labels, that are made, whatever the number of markers
     /// says.
     static constexpr int MaxMarkerFigures = 100000;
     static constexpr int MaxLabels = 20000;
 
-    // Scale. Of these only SetValue and SetTime raise OnChange. Each setter does nothing at all, no repaint
-    // included, when the value is the present one; that goes for all properties.
+    // Scale. A change of Min or Max writes labels that are numbers anew and turns the hands; equal ends leave
+    // the hands where they are. Of the properties only Value and Time raise OnChange.
 
-    /// Lower end of the scale, in scale units; any finite number, others are ignored. Default: the class's.
-    /// One above Max moves Max to one above it; Value comes up to it. Labels that are numbers are written
-    /// anew, and the hands turned. Equal ends are taken: the hands then stay where they are.
-    float GetMin() const { return FScale.Min; }
-    void SetMin(float value);
-    bool IsMinStored() const;
-    /// Upper end of the scale, in scale units; any finite number, others are ignored. Default: the class's.
-    /// One below Min moves Min to one below it; Value comes down to it. Labels that are numbers are written
-    /// anew, and the hands turned.
-    float GetMax() const { return FScale.Max; }
-    void SetMax(float value);
-    bool IsMaxStored() const;
-    /// What the hands show, in scale units, clamped to Min..Max; not-a-number is ignored. Default: the
-    /// class's. A change turns the hands and raises OnChange; so does each value beyond the ends, because it
-    /// is not the one that is kept.
-    float GetValue() const { return FScale.Value; }
-    void SetValue(float value);
     /// True where Value is not its default, and so is stored.
     bool IsDefaultValue() const;
     /// Where Min stands, in degrees; any whole number, taken as it is. Default: the class's. A change makes
@@ -105,7 +88,7 @@ public:
     /// The hands that are shown; none is allowed. Default: the class's. Hidden hands turn all the same.
     THands GetHands() const { return FHands; }
     void SetHands(THands value);
-    bool IsHandsStored() const;
+    bool IsHandsStored() const { return FHands != FDefaultHands; }
     /// What a clock or calendar shows, in days since 1899-12-30; milliseconds do not count. Default 0,
     /// midnight; a calendar's: when it was made. What is no date and time of the years 1 to 9999 is ignored.
     /// A change turns the hands and raises OnChange.
@@ -154,7 +137,7 @@ public:
     /// writes them itself, anew whenever the scale or the format changes, also over a list that was set; a
     /// list that was set outlives everything else. Texts beyond the markers are not shown.
     TStrings& GetLabels() const { return *FLabels; }
-    void SetLabels(const TStrings& value) { FLabels->Assign(value); }
+    void SetLabels(const TStrings& value);
     /// Never for the numbers of the scale, whoever wrote them.
     bool IsLabelsStored() const;
     /// In place of a list that was set: the class's own, or the numbers of the scale as it is now.
@@ -167,91 +150,82 @@ public:
 
     /// The parts that are shown. Default: the class's. gpLabels governs both texts and the labels as well,
     /// gpFrame the bolts. A change runs UpdateParts.
-    TParts GetParts() const { return FParts; }
-    void SetParts(TParts value);
+    TParts GetParts() const { return TParts::FromMask(GetPartsMask()); }
+    void SetParts(TParts value) { SetPartsMask(value.GetMask()); }
     /// Font of the labels, its size in units of the label box, 1.18 artwork units each. Default: the
     /// artwork's, with the class's size. Set by copying.
-    TSVGFont& GetFont() const { return *FFont; }
-    void SetFont(const TSVGFont& value) { FFont->Assign(value); }
+    TSVGFont& GetFont() const;
+    void SetFont(const TSVGFont& value);
     /// Font of Caption and DetailText, its size in the same units; DetailText is drawn at 0.85 of it.
     /// Default: the artwork's. Set by copying.
-    TSVGFont& GetCaptionFont() const { return *FCaptionFont; }
-    void SetCaptionFont(const TSVGFont& value) { FCaptionFont->Assign(value); }
+    TSVGFont& GetCaptionFont() const;
+    void SetCaptionFont(const TSVGFont& value);
     /// The main text, on one line above the centre, as long as it may be. UTF-8. Default: the class's.
     const std::string& GetCaption() const { return FCaption; }
     void SetCaption(std::string_view value);
-    bool IsCaptionStored() const;
+    bool IsCaptionStored() const { return FCaption != FDefaultCaption; }
     /// The second text, below the centre. UTF-8. Default: the class's.
     const std::string& GetDetailText() const { return FDetailText; }
     void SetDetailText(std::string_view value);
-    bool IsDetailTextStored() const;
+    bool IsDetailTextStored() const { return FDetailText != FDefaultDetailText; }
 
     // Colours, 0xAARRGGBB; any value. What was not set is as the artwork has it; the defaults are those of
     // the artwork that comes with the library.
 
     /// Of the frame. Default 0xFFA9A9A9. Its bevels are derived from it while gradients are off.
-    TVZGPColor GetFrameColor() const { return FFrameColor; }
-    void SetFrameColor(TVZGPColor value);
+    TVZGPColor GetFrameColor() const { return GetColor(Frame); }
+    void SetFrameColor(TVZGPColor value) { SetColor(Frame, value); }
     /// Of the dial. Default 0xFF000000.
-    TVZGPColor GetBackfaceColor() const { return FBackfaceColor; }
-    void SetBackfaceColor(TVZGPColor value) { SetFill(FBackfaceColor, "DialColor", value); }
+    TVZGPColor GetBackfaceColor() const { return GetColor(Backface); }
+    void SetBackfaceColor(TVZGPColor value) { SetColor(Backface, value); }
     /// Of the frame's four bolts. Default 0xFFA9A9A9.
-    TVZGPColor GetBoltColor() const { return FBoltColor; }
-    void SetBoltColor(TVZGPColor value) { SetFill(FBoltColor, "Bolt", value); }
+    TVZGPColor GetBoltColor() const { return GetColor(Bolt); }
+    void SetBoltColor(TVZGPColor value) { SetColor(Bolt, value); }
     /// Of the knob on the hands. Default 0xFFA9A9A9.
-    TVZGPColor GetKnobColor() const { return FKnobColor; }
-    void SetKnobColor(TVZGPColor value) { SetFill(FKnobColor, "Knob", value); }
+    TVZGPColor GetKnobColor() const { return GetColor(Knob); }
+    void SetKnobColor(TVZGPColor value) { SetColor(Knob, value); }
     /// Of the major markers. Default 0xFFFFFFFF.
-    TVZGPColor GetMajorMarkersColor() const { return FMajorMarkersColor; }
-    void SetMajorMarkersColor(TVZGPColor value) { SetFill(FMajorMarkersColor, "BigMarkers", value); }
+    TVZGPColor GetMajorMarkersColor() const { return GetColor(MajorMarkers); }
+    void SetMajorMarkersColor(TVZGPColor value) { SetColor(MajorMarkers, value); }
     /// Of the minor markers. Default 0xFFFFFFFF.
-    TVZGPColor GetMinorMarkersColor() const { return FMinorMarkersColor; }
-    void SetMinorMarkersColor(TVZGPColor value) { SetFill(FMinorMarkersColor, "SmallMarkers", value); }
+    TVZGPColor GetMinorMarkersColor() const { return GetColor(MinorMarkers); }
+    void SetMinorMarkersColor(TVZGPColor value) { SetColor(MinorMarkers, value); }
     /// Of the labels; not of the two texts, which keep the artwork's colour. Default 0xFFFFFFFF.
-    TVZGPColor GetLabelsFillColor() const { return FLabelsFillColor; }
-    void SetLabelsFillColor(TVZGPColor value) { SetFill(FLabelsFillColor, "MeasurementLabels", value); }
+    TVZGPColor GetLabelsFillColor() const { return GetColor(LabelsFill); }
+    void SetLabelsFillColor(TVZGPColor value) { SetColor(LabelsFill, value); }
     /// The outline of the labels; none for 0x00000000. Default 0xFF000000.
-    TVZGPColor GetLabelsStrokeColor() const { return FLabelsStrokeColor; }
-    void SetLabelsStrokeColor(TVZGPColor value);
+    TVZGPColor GetLabelsStrokeColor() const { return GetColor(LabelsStroke); }
+    void SetLabelsStrokeColor(TVZGPColor value) { SetColor(LabelsStroke, value); }
     /// Of the hand that shows the value. Default 0xFFFFFFFF.
-    TVZGPColor GetBigHandColor() const { return FBigHandColor; }
-    void SetBigHandColor(TVZGPColor value) { SetFill(FBigHandColor, FValueHandId, value); }
+    TVZGPColor GetBigHandColor() const { return GetColor(BigHand); }
+    void SetBigHandColor(TVZGPColor value) { SetColor(BigHand, value); }
     /// Of the little hand. Default 0xFFFFFFFF.
-    TVZGPColor GetLittleHandColor() const { return FLittleHandColor; }
-    void SetLittleHandColor(TVZGPColor value) { SetFill(FLittleHandColor, "LittleHand", value); }
+    TVZGPColor GetLittleHandColor() const { return GetColor(LittleHand); }
+    void SetLittleHandColor(TVZGPColor value) { SetColor(LittleHand, value); }
     /// Of the thin hand. Default 0xFF0000FF.
-    TVZGPColor GetThinHandColor() const { return FThinHandColor; }
-    void SetThinHandColor(TVZGPColor value) { SetFill(FThinHandColor, "ThinHand", value); }
+    TVZGPColor GetThinHandColor() const { return GetColor(ThinHand); }
+    void SetThinHandColor(TVZGPColor value) { SetColor(ThinHand, value); }
 
     // Steps. Elements that an artwork lacks are passed over; one of another class raises EInvalidCast.
 
-    /// Bevels with their gradients, or flat: the frame's colour dodged and burnt with a mid grey. What shines
-    /// and what throws a shadow is shown with gradients and in the detailed design only.
-    void DoEnableGradients(bool enable) override;
     /// Texts, markers, labels, hands, emblem, parts, design and fonts, in that order; then the hands stand
     /// where the value, or the time, says. A list of labels that was set is kept.
     void DoInitializeGauge() override;
-    /// The simple design has neither bolts nor glass, nor light and shade.
+    /// The simple design has neither bolts nor glass, nor light and shade; the gradients are switched once more.
     void DoUpdateDesign() override;
-    /// LightColor goes into the stops of what shines, GetShadowColor() into those of shadows; each stop keeps
-    /// its opacity.
-    void DoUpdateLight() override;
-    void DoUpdateParts() override;
     /// The star, the toothed ring and the globe are the round gauge's own; all else is the catalogue's.
     void UpdateDecoration() override;
     /// Reads all colours above, that of the value's hand for BigHandColor.
     void LoadSVGProperties() override;
     void UpdateNumbers() override { InitializeNumberLabels(); }
-    std::string GetSVGResourceName() const override { return "CircularGaugeSVG"; }
-    std::span<const TArtworkRow> GetArtworkContract() const override;
 
     /// Turns an element about the knob's centre, so that what points to nine o'clock as drawn points to the
     /// angle, in degrees. One that is not finite leaves the element where it is.
     virtual void DoUpdateElement(std::string_view elementId, float angleDeg);
     /// Gives the labels' group Font. What Font leaves open is as the artwork has it.
-    virtual void DoUpdateFont() { ApplyFont("Labels", *FFont); }
+    virtual void DoUpdateFont();
     /// Gives the texts' group CaptionFont, likewise.
-    virtual void DoUpdateCaptionFont() { ApplyFont("GaugeLabels", *FCaptionFont); }
+    virtual void DoUpdateCaptionFont();
     /// Path data of a marker's shape; that of the present path for gmCustom.
     virtual std::string GetMarkerData(TMarker marker, bool minor) const;
     /// Writes the labels that are numbers, and places all. Nothing in an update batch.
@@ -272,9 +246,15 @@ public:
 
 protected:
     void Construct() override;
-    std::string_view GetActiveElementId() const override { return "Hands"; }
+    const TInstrumentSetup& GetSetup() const override;
+    void ColorChanged(std::size_t index) override;
+    void ShowScale() override;
+    void ShowValue() override { UpdateHands(); }
     /// What the class starts with; lives as long as the program.
-    virtual const TGaugeSetup& GetSetup() const = 0;
+    virtual const TGaugeSetup& GetGaugeSetup() const = 0;
+    /// Makes scale, hands and texts as they are the defaults for storing; what a class's construction calls
+    /// that changed them.
+    void RefreshDefaults();
     /// The number that the label at a major marker shows.
     virtual double GetLabelNumber(int index) const;
 
@@ -288,20 +268,39 @@ protected:
     /// Sets the time that a fresh component shows, without any notice.
     void SetDefaultTime(TDateTime value) { FTime = FDefaultTime = value; }
 
+    /// Id of the element that the value turns and that BigHandColor fills. What a class sets before its base is
+    /// constructed goes before the setup's.
+    std::string FValueHandId;
+    /// Whether the user's clicks turn the value hand of the classes that react to them.
+    bool FInteraction = true;
+
+    /// The rows of the colours, in their order.
+    enum TColorIndex : std::uint8_t {
+        Frame,
+        Backface,
+        Bolt,
+        Knob,
+        MajorMarkers,
+        MinorMarkers,
+        LabelsFill,
+        LabelsStroke,
+        BigHand,
+        LittleHand,
+        ThinHand,
+    };
+
 private:
     /// One kind of marker.
     struct TMarkers {
         std::int32_t Count = 0;
         TMarker Kind = TMarker::gmLine;
-        const std::unique_ptr<TVZPathData> Path = std::make_unique<TVZPathData>();
+        const std::unique_ptr<TVZPathData> Path;
     };
 
-    void SetFill(TVZGPColor& field, std::string_view elementId, TVZGPColor value);
     void SetMarker(TMarkers& markers, TMarker value);
     void SetMarkerPath(TMarkers& markers, const TVZPathData& value);
     void ResetMarkerPath(TMarkers& markers);
     void TakeMarkerData(TMarkers& markers);
-    void ScaleChanged();
     void AnglesChanged();
     void FontChanged(TObject& sender);
     void MarkersChanged();
@@ -311,41 +310,26 @@ private:
     void ShowPosition();
     int GetLastLabel() const;
     double GetSpan() const { return double(FStopAngle) - FStartAngle; }
-    void ShowElements(bool gradients);
-    void SwitchBevels(bool gradients);
-    void TintStops(std::string_view gradientId, TVZGPColor color);
 
-    TScale FScale;
     std::int32_t FStartAngle = 0;
     std::int32_t FStopAngle = 360;
     THands FHands = AllHands;
+    THands FDefaultHands = AllHands;
     TDateTime FTime;
     TDateTime FDefaultTime;
-    std::string FValueHandId;
 
     TMarkers FMajor;
     TMarkers FMinor;
-    const std::unique_ptr<TStrings> FLabels = std::make_unique<TStrings>();
+    const std::unique_ptr<TStrings> FLabels;
     bool FLabelsAreUsers = false; ///< the list was set from outside, and nothing renumbered it since
     bool FIsRebuilding = false;   ///< changes of the owned objects are this class's own
 
-    TParts FParts = AllParts;
-    const std::unique_ptr<TInstrumentFont> FFont = std::make_unique<TInstrumentFont>();
-    const std::unique_ptr<TInstrumentFont> FCaptionFont = std::make_unique<TInstrumentFont>();
+    const std::unique_ptr<TInstrumentFont> FFont;
+    const std::unique_ptr<TInstrumentFont> FCaptionFont;
     std::string FCaption;
+    std::string FDefaultCaption;
     std::string FDetailText;
-
-    TVZGPColor FFrameColor = 0xFFA9A9A9;
-    TVZGPColor FBackfaceColor = 0xFF000000;
-    TVZGPColor FBoltColor = 0xFFA9A9A9;
-    TVZGPColor FKnobColor = 0xFFA9A9A9;
-    TVZGPColor FMajorMarkersColor = 0xFFFFFFFF;
-    TVZGPColor FMinorMarkersColor = 0xFFFFFFFF;
-    TVZGPColor FLabelsFillColor = 0xFFFFFFFF;
-    TVZGPColor FLabelsStrokeColor = 0xFF000000;
-    TVZGPColor FBigHandColor = 0xFFFFFFFF;
-    TVZGPColor FLittleHandColor = 0xFFFFFFFF;
-    TVZGPColor FThinHandColor = 0xFF0000FF;
+    std::string FDefaultDetailText;
 };
 
 /// What a class of round instruments starts with; what it does not say is a bare twelve-hour dial.
@@ -370,6 +354,7 @@ struct TGaugeSetup {
     bool ShowsTime = false; ///< the hands show Time, not Value
     /// Id of the element that the value turns and that BigHandColor fills.
     std::string_view ValueHandId = "BigHand";
+    TVZGPColor BigHandColor = 0xFFFFFFFF; ///< declared
 };
 
 template <> struct EnumNames<TVZCustomCircularGauge::THand> {

@@ -1,166 +1,122 @@
 #include "tavro/instruments/CircularGauge.h"
 #include "tavro/instruments/DecorationPaths.h"
+#include "tavro/instruments/Editing.h"
+#include "tavro/instruments/InstrumentFont.h"
+#include "tavro/runtime/Strings.h"
 
 namespace Vz {
 
 namespace {
 
-using TSelf = TVZCustomCircularGauge;
-using TPart = TSelf::TPart;
-using TParts = TSelf::TParts;
+using namespace Rows;
+using TPart = TVZCustomCircularGauge::TPart;
+using TParts = TVZCustomCircularGauge::TParts;
 
-/// The grey that bevels are dodged and burnt with.
-constexpr TVZGPColor BevelGrey = 0xFF808080;
-
-/// What an element needs beside its parts.
-enum class TNeeds : std::uint8_t {
-    Nothing,
-    Detail, ///< the detailed design
-    Light,  ///< the detailed design with gradients
+constexpr TColorRow Colors[] = {
+    {"FrameColor", 0xFFA9A9A9, FillOf("FrameColor"),
+     {Fill("Frame"), Flat("FrameBevelUpper", Dodged), Flat("FrameBevelLower", Burned),
+      Flat("BackfaceBevelLower", Dodged), Flat("BackfaceBevelUpper", Burned)}},
+    {"BackfaceColor", 0xFF000000, FillOf("DialColor"), {Fill("DialColor")}},
+    {"BoltColor", 0xFFA9A9A9, FillOf("Bolt"), {Fill("Bolt")}},
+    {"KnobColor", 0xFFA9A9A9, FillOf("Knob"), {Fill("Knob")}},
+    {"MajorMarkersColor", 0xFFFFFFFF, FillOf("BigMarkers"), {Fill("BigMarkers")}},
+    {"MinorMarkersColor", 0xFFFFFFFF, FillOf("SmallMarkers"), {Fill("SmallMarkers")}},
+    {"LabelsFillColor", 0xFFFFFFFF, FillOf("Labels"), {Fill("MeasurementLabels")}},
+    {"LabelsStrokeColor", 0xFF000000, StrokeOf("Labels"), {Stroke("MeasurementLabels")}},
+    {"BigHandColor", 0xFFFFFFFF}, // of whichever element shows the value
+    {"LittleHandColor", 0xFFFFFFFF, FillOf("LittleHand"), {Fill("LittleHand")}},
+    {"ThinHandColor", 0xFF0000FF, FillOf("ThinHand"), {Fill("ThinHand")}},
 };
 
-struct TShownRow {
-    std::string_view Element;
-    TParts Parts; ///< all of them
-    TNeeds Needs = TNeeds::Nothing;
+constexpr TPartRow PartElements[] = {
+    {TPart::gpDecoration, "DecorationUse"},
+    {TPart::gpFrame, "Frame"},
+    {TParts{TPart::gpFrame, TPart::gpBolts}, "Bolts"},
+    {TPart::gpBackface, "DialColor"},
+    {TPart::gpBackface, "DialLight"},
+    {TPart::gpBackface, "Backface"},
+    {TPart::gpKnob, "Knob"},
+    {TPart::gpHands, "Hands"},
+    {TPart::gpLabels, "Labels"},
+    {TParts{TPart::gpLabels, TPart::gpMeasurementLabels}, "MeasurementLabels"},
+    {TParts{TPart::gpLabels, TPart::gpMainLabel}, "GaugeText"},
+    {TParts{TPart::gpLabels, TPart::gpDetailLabel}, "GaugeDetailText"},
+    {TPart::gpMajorMarkers, "BigMarkers"},
+    {TPart::gpMinorMarkers, "SmallMarkers"},
+    {TPart::gpGlass, "GlassGroup"}, // also governed by design and gradients: whichever ran last wins. Kept.
 };
 
-constexpr TShownRow ShownElements[] = {
-    {"DecorationUse", {TPart::gpDecoration}},
-    {"Frame", {TPart::gpFrame}},
-    {"Bolts", {TPart::gpFrame, TPart::gpBolts}, TNeeds::Detail},
-    {"DialColor", {TPart::gpBackface}},
-    {"DialLight", {TPart::gpBackface}, TNeeds::Light},
-    {"Backface", {TPart::gpBackface}},
-    {"Knob", {TPart::gpKnob}},
-    {"Hands", {TPart::gpHands}},
-    {"Labels", {TPart::gpLabels}},
-    {"MeasurementLabels", {TPart::gpLabels, TPart::gpMeasurementLabels}},
-    {"GaugeText", {TPart::gpLabels, TPart::gpMainLabel}},
-    {"GaugeDetailText", {TPart::gpLabels, TPart::gpDetailLabel}},
-    {"BigMarkers", {TPart::gpMajorMarkers}},
-    {"SmallMarkers", {TPart::gpMinorMarkers}},
-    {"GlassGroup", {TPart::gpGlass}, TNeeds::Light},
-    {"FrameBackfaceShadow", {}, TNeeds::Light},
-    {"KnobHighlight", {}, TNeeds::Light},
-    {"BoltShadow", {}, TNeeds::Light},
-    {"AttachmentFaceHighlight", {}, TNeeds::Light},
+constexpr std::string_view DetailElements[] = {"Bolts", "GlassGroup"};
+
+constexpr TGradientRow Gradients[] = {
+    ShownInDetail("FrameBackfaceShadow"),
+    ShownInDetail("DialLight"),
+    ShownInDetail("GlassGroup"),
+    ShownInDetail("KnobHighlight"),
+    ShownInDetail("BoltShadow"),
+    ShownInDetail("AttachmentFaceHighlight"),
+    Switch("FrameBevelUpper", "linearGradient7738", "FrameColor", Dodged),
+    Switch("FrameBevelLower", "linearGradient5799", "FrameColor", Burned),
+    Switch("BackfaceBevelUpper", "linearGradient4348", "FrameColor", Burned),
+    Switch("BackfaceBevelLower", "linearGradient4575", "FrameColor", Dodged),
 };
 
-constexpr TArtworkRow Contract[] = {
-    {"GradientLighten", TArtworkKind::Stops},
-    {"GradientDarken", TArtworkKind::Stops},
-    {"linearGradient7738", TArtworkKind::Gradient},
-    {"linearGradient5799", TArtworkKind::Gradient},
-    {"linearGradient4348", TArtworkKind::Gradient},
-    {"linearGradient4575", TArtworkKind::Gradient},
-    {"TextCircle", TArtworkKind::Path},
-    {"Decoration", TArtworkKind::Path},
-    {"DecorationUse", TArtworkKind::Graphic, "Dial"},
-    {"Backface", TArtworkKind::Graphic},
-    {"DialColor", TArtworkKind::Graphic},
-    {"DialLight", TArtworkKind::Graphic},
-    {"FrameBackfaceShadow", TArtworkKind::Graphic},
-    {"Dial", TArtworkKind::Graphic},
-    {"MarkersAndLabels", TArtworkKind::Graphic, "Dial"},
-    {"Markers", TArtworkKind::Graphic, "MarkersAndLabels"},
-    {"SmallMarkers", TArtworkKind::Graphic, "Markers"},
-    {"BigMarkers", TArtworkKind::Graphic, "Markers"},
-    {"Labels", TArtworkKind::Graphic, "MarkersAndLabels"},
-    {"MeasurementLabels", TArtworkKind::Graphic, "Labels"},
-    {"GaugeLabels", TArtworkKind::Graphic},
-    {"GaugeText", TArtworkKind::Text},
-    {"GaugeDetailText", TArtworkKind::Text},
-    {"Frame", TArtworkKind::Graphic},
-    {"FrameColor", TArtworkKind::Graphic},
-    {"AttachmentFaceHighlight", TArtworkKind::Graphic},
-    {"FrameBevelUpper", TArtworkKind::Graphic},
-    {"FrameBevelLower", TArtworkKind::Graphic},
-    {"BackfaceBevelUpper", TArtworkKind::Graphic},
-    {"BackfaceBevelLower", TArtworkKind::Graphic},
-    {"Bolts", TArtworkKind::Graphic},
-    {"Bolt", TArtworkKind::Graphic},
-    {"BoltShadow", TArtworkKind::Graphic},
-    {"Hands", TArtworkKind::Graphic},
-    {"LittleHand", TArtworkKind::Graphic, "Hands"},
-    {"BigHand", TArtworkKind::Graphic, "Hands"},
-    {"ThinHand", TArtworkKind::Graphic, "Hands"},
-    {"KnobSwitch", TArtworkKind::Graphic, "Hands"},
-    {"Knob", TArtworkKind::Graphic},
-    {"KnobHighlight", TArtworkKind::Graphic},
-    {"GlassGroup", TArtworkKind::Graphic},
+constexpr TColorEdit LightEdits[] = {EveryStop("GradientDarken", Shadow), EveryStop("GradientLighten", Light)};
+
+using K = TArtworkKind;
+constexpr TArtworkRow Structure[] = {
+    {"TextCircle", K::Path},
+    {"DecorationUse", K::Graphic, "Dial"},
+    {"Dial", K::Graphic},
+    {"MarkersAndLabels", K::Graphic, "Dial"},
+    {"Markers", K::Graphic, "MarkersAndLabels"},
+    {"SmallMarkers", K::Group, "Markers"},
+    {"BigMarkers", K::Group, "Markers"},
+    {"Labels", K::Graphic, "MarkersAndLabels"},
+    {"MeasurementLabels", K::Group, "Labels"},
+    {"GaugeLabels", K::Graphic},
+    {"GaugeText", K::Text},
+    {"GaugeDetailText", K::Text},
+    {"LittleHand", K::Graphic, "Hands"},
+    {"BigHand", K::Graphic, "Hands"},
+    {"ThinHand", K::Graphic, "Hands"},
+    {"KnobSwitch", K::Graphic, "Hands"},
+};
+
+constexpr TInstrumentSetup Setup{
+    .Artwork = "CircularGaugeSVG",
+    .ActiveElement = "Hands",
+    .Parts = TVZCustomCircularGauge::AllParts.GetMask(),
+    .Colors = Colors,
+    .PartElements = PartElements,
+    .DetailElements = DetailElements,
+    .Gradients = Gradients,
+    .LightEdits = LightEdits,
+    .Structure = Structure,
 };
 
 } // namespace
 
-std::span<const TArtworkRow> TVZCustomCircularGauge::GetArtworkContract() const { return Contract; }
+const TInstrumentSetup& TVZCustomCircularGauge::GetSetup() const { return Setup; }
 
-// Parts, design, gradients and light. Each of these steps shows what all of them together allow, so that the
-// order in which properties are set does not count.
-
-void TVZCustomCircularGauge::SetParts(TParts value) {
-    if (Store(FParts, value)) UpdateParts();
+void TVZCustomCircularGauge::ColorChanged(std::size_t index) {
+    if (index == BigHand) SetElementFill(FValueHandId, GetBigHandColor());
 }
 
-void TVZCustomCircularGauge::ShowElements(bool gradients) {
-    const bool isDetailed = GetDesign() == TSVGDesign::sdDetailed;
-    for (const TShownRow& row : ShownElements) {
-        const bool hasParts = (row.Parts - FParts).IsEmpty();
-        const bool hasLook =
-            row.Needs == TNeeds::Nothing || (isDetailed && (row.Needs == TNeeds::Detail || gradients));
-        ShowElement(row.Element, hasParts && hasLook);
-    }
-}
-
-void TVZCustomCircularGauge::SwitchBevels(bool gradients) {
-    const TVZGPColor light = DodgeColor(FFrameColor, BevelGrey);
-    const TVZGPColor dark = BurnColor(FFrameColor, BevelGrey);
-    const TGradientRow rows[] = {
-        {"FrameBevelUpper", "linearGradient7738", light},
-        {"FrameBevelLower", "linearGradient5799", dark},
-        {"BackfaceBevelUpper", "linearGradient4348", dark},
-        {"BackfaceBevelLower", "linearGradient4575", light},
-    };
-    SwitchGradients(rows, gradients);
-}
-
-void TVZCustomCircularGauge::DoUpdateParts() {
-    TVZSVGCustomInstrument::DoUpdateParts();
-    ShowElements(GetEnableGradients());
-}
-
-void TVZCustomCircularGauge::DoUpdateDesign() { DoEnableGradients(GetEnableGradients()); }
-
-void TVZCustomCircularGauge::DoEnableGradients(bool enable) {
-    ShowElements(enable);
-    SwitchBevels(enable);
-}
-
-void TVZCustomCircularGauge::DoUpdateLight() {
-    TintStops("GradientDarken", GetShadowColor());
-    TintStops("GradientLighten", GetLightColor());
-}
-
-void TVZCustomCircularGauge::TintStops(std::string_view gradientId, TVZGPColor color) {
-    auto* const gradient = Find<TSVGCustomGradient>(gradientId);
-    if (!gradient) return;
-    for (std::size_t i = 0; i < gradient->GetStopCount(); ++i) {
-        TSVGBrush brush = gradient->GetStop(i).GetStopBrush();
-        // Light and shade are what the stops' opacities make of the colour; with its alpha they would be flat
-        // discs.
-        brush.SetColor(WithAlpha(color, AlphaOf(brush.GetColor())));
-    }
+void TVZCustomCircularGauge::DoUpdateDesign() {
+    TVZCustomScaleInstrument::DoUpdateDesign();
+    DoEnableGradients(GetEnableGradients());
 }
 
 void TVZCustomCircularGauge::UpdateDecoration() {
     const std::string_view own = GetGaugeDecorationPath(static_cast<int>(GetDecoration()));
     auto* const path = Find<TSVGPath>(FDecorationElementId);
-    if (own.empty() || !path) return TVZSVGCustomInstrument::UpdateDecoration();
+    if (own.empty() || !path) return TVZCustomScaleInstrument::UpdateDecoration();
     EditDocument([&] { path->SetData(&PathOf(own)); });
     MarkChanged();
 }
 
-// Texts and colours.
+// Fonts and texts.
 
 void TVZCustomCircularGauge::FontChanged(TObject& sender) {
     if (&sender == FFont.get()) DoUpdateFont();
@@ -175,22 +131,11 @@ void TVZCustomCircularGauge::SetDetailText(std::string_view value) {
     Change(FDetailText, std::string(value), [&] { SetElementText("GaugeDetailText", value); });
 }
 
-bool TVZCustomCircularGauge::IsCaptionStored() const { return FCaption != GetSetup().Caption; }
-bool TVZCustomCircularGauge::IsDetailTextStored() const { return FDetailText != GetSetup().DetailText; }
-
-void TVZCustomCircularGauge::SetFill(TVZGPColor& field, std::string_view elementId, TVZGPColor value) {
-    Change(field, value, [&] { SetElementFill(elementId, value); });
-}
-
-void TVZCustomCircularGauge::SetFrameColor(TVZGPColor value) {
-    Change(FFrameColor, value, [&] {
-        SetElementFill("Frame", value);
-        if (!GetEnableGradients()) SwitchBevels(false);
-    });
-}
-
-void TVZCustomCircularGauge::SetLabelsStrokeColor(TVZGPColor value) {
-    Change(FLabelsStrokeColor, value, [&] { SetElementStroke("MeasurementLabels", value); });
-}
+TSVGFont& TVZCustomCircularGauge::GetFont() const { return *FFont; }
+void TVZCustomCircularGauge::SetFont(const TSVGFont& value) { FFont->Assign(value); }
+TSVGFont& TVZCustomCircularGauge::GetCaptionFont() const { return *FCaptionFont; }
+void TVZCustomCircularGauge::SetCaptionFont(const TSVGFont& value) { FCaptionFont->Assign(value); }
+void TVZCustomCircularGauge::DoUpdateFont() { ApplyFont("Labels", *FFont); }
+void TVZCustomCircularGauge::DoUpdateCaptionFont() { ApplyFont("GaugeLabels", *FCaptionFont); }
 
 } // namespace Vz

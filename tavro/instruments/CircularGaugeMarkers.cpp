@@ -1,6 +1,8 @@
 #include "tavro/instruments/CircularGauge.h"
+#include "tavro/instruments/Editing.h"
 #include "tavro/instruments/Memo.h"
 #include "tavro/runtime/Rounding.h"
+#include "tavro/runtime/Strings.h"
 #include "tavro/svg/GraphicsFactory.h"
 
 #include <algorithm>
@@ -173,8 +175,10 @@ int TVZCustomCircularGauge::GetClosestMajorMarker(float angleDeg) const {
 
 // Labels.
 
+void TVZCustomCircularGauge::SetLabels(const TStrings& value) { FLabels->Assign(value); }
+
 std::string TVZCustomCircularGauge::GetDefaultLabels() const {
-    const std::string_view own = GetSetup().Labels;
+    const std::string_view own = GetGaugeSetup().Labels;
     return std::string(own.empty() ? RomanHours : own);
 }
 
@@ -182,12 +186,12 @@ bool TVZCustomCircularGauge::IsLabelsStored() const {
     if (!FLabelsAreUsers) return false;
     TStrings own;
     own.SetText(GetDefaultLabels());
-    return GetSetup().Labels.empty() || !FLabels->Equals(own);
+    return GetGaugeSetup().Labels.empty() || !FLabels->Equals(own);
 }
 
 void TVZCustomCircularGauge::ResetLabels() {
     if (!IsLabelsStored()) return;
-    if (GetSetup().Labels.empty())
+    if (GetGaugeSetup().Labels.empty())
         InitializeNumberLabels();
     else
         FLabels->SetText(GetDefaultLabels());
@@ -195,7 +199,7 @@ void TVZCustomCircularGauge::ResetLabels() {
 
 double TVZCustomCircularGauge::GetLabelNumber(int index) const {
     const double part = FMajor.Count == 0 ? 0 : double(index) / FMajor.Count;
-    return FScale.Min + part * (double(FScale.Max) - FScale.Min);
+    return GetMin() + part * (double(GetMax()) - GetMin());
 }
 
 int TVZCustomCircularGauge::GetLastLabel() const {
@@ -203,7 +207,7 @@ int TVZCustomCircularGauge::GetLastLabel() const {
 }
 
 void TVZCustomCircularGauge::InitializeNumberLabels() {
-    if (!GetSetup().Labels.empty()) return InitializeLabels();
+    if (!GetGaugeSetup().Labels.empty()) return InitializeLabels();
     FLabelsAreUsers = false; // also in a batch, which then ends with numbers
     if (IsUpdating()) return;
     WriteNumbers();

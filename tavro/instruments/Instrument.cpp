@@ -1,30 +1,59 @@
 #include "tavro/instruments/Instrument.h"
 
+#include "tavro/instruments/Editing.h"
 #include "tavro/instruments/Memo.h"
 #include "tavro/runtime/FormatFloat.h"
 #include "tavro/runtime/PropAccess.h"
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <utility>
 #include <vector>
 
 namespace Vz {
 
+namespace {
+
+/// The fill or stroke becomes the colour, or none for 0x00000000, whatever it was.
+void PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint, TVZGPColor color) {
+    TSVGBrush brush = paint == TSVGStyleProperty::Fill ? element.GetBrush() : element.GetPen();
+    // Out of the element's own style first, so that nothing of the artwork's paint stays behind the colour.
+    element.SetSet(paint, false);
+    brush.SetKind(color == 0 ? TVZGPBrushKind::None : TVZGPBrushKind::Solid);
+    brush.SetColor(color);
+    element.Changed();
+}
+
+} // namespace
+
+struct TVZSVGCustomInstrument::TArtworkStyles : std::map<std::string, TSVGStyleSet, std::less<>> {};
+
 // Construction.
 
+TVZSVGCustomInstrument::TVZSVGCustomInstrument(TCreateKey key)
+    : TVZSVGControl(key)
+    , FArtworkStyles(std::make_unique<TArtworkStyles>()) {}
+
+TVZSVGCustomInstrument::~TVZSVGCustomInstrument() = default;
+
 void TVZSVGCustomInstrument::Construct() {
+    const TInstrumentSetup& setup = GetSetup();
+    if (FDecorationElementId.empty()) FDecorationElementId = setup.DecorationElement;
+    const auto declared = [](TVZGPColor color) { return TReadColor{color, color}; };
+    FDecorationFillColor = declared(setup.DecorationFill);
+    FDecorationStrokeColor = declared(setup.DecorationStroke);
+    FColors.clear();
+    for (const TColorRow& row : setup.Colors)
+        FColors.push_back(declared(row.Default));
+    FParts = setup.Parts;
     TVZSVGControl::Construct();
     LoadSVGResource(GetSVGResourceName());
     LoadSVGProperties();
-    FFormatStr = DefaultFormatStr;
-    FDesign = TSVGDesign::sdDetailed;
-    FDecoration = TDecoration::dcNone;
-    FLightColor = DefaultLightColor;
-    FEnableGradients = true;
-    SetHeight(200);
-    SetWidth(200);
+    FDecoration = setup.Decoration;
+    SetHeight(setup.Height);
+    SetWidth(setup.Width);
 }
 
 void TVZSVGCustomInstrument::AfterConstruction() {
@@ -33,12 +62,21 @@ void TVZSVGCustomInstrument::AfterConstruction() {
     InitializeGauge();
 }
 
+const TInstrumentSetup& TVZSVGCustomInstrument::GetSetup() const {
+    static constexpr TInstrumentSetup empty;
+    return empty;
+}
+
+std::string TVZSVGCustomInstrument::GetSVGResourceName() const { return std::string(GetSetup().Artwork); }
+std::string_view TVZSVGCustomInstrument::GetActiveElementId() const { return GetSetup().ActiveElement; }
+
 void TVZSVGCustomInstrument::LoadSVGProperties() {
-    const TColorRow rows[] = {
-        {FDecorationElementId, TColorPlace::Fill, &FDecorationFillColor},
-        {FDecorationElementId, TColorPlace::Stroke, &FDecorationStrokeColor},
-    };
-    ReadColors(rows);
+    ReadColor(FDecorationFillColor, Rows::FillOf(FDecorationElementId));
+    ReadColor(FDecorationStrokeColor, Rows::StrokeOf(FDecorationElementId));
+    const auto rows = GetSetup().Colors;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        ReadColor(FColors[i], rows[i].Source);
+    SaveGradients();
 }
 
 // Update batches.
@@ -61,6 +99,16 @@ void TVZSVGCustomInstrument::DoInitializeGauge() {
 }
 
 // Update steps.
+
+void TVZSVGCustomInstrument::DoUpdateParts() {
+    for (const TPartRow& row : GetSetup().PartElements)
+        ShowElement(row.Element, (row.Parts & ~FParts) == 0);
+}
+
+void TVZSVGCustomInstrument::DoUpdateDesign() {
+    for (const std::string_view id : GetSetup().DetailElements)
+        ShowElement(id, FDesign == TSVGDesign::sdDetailed);
+}
 
 void TVZSVGCustomInstrument::UpdateDesign() {
     EditDocument([this] { DoUpdateDesign(); });
@@ -97,14 +145,14 @@ const TVZPathData& TVZSVGCustomInstrument::PathOf(std::string_view data) {
 void TVZSVGCustomInstrument::UpdateDecorationFill() {
     auto* const element = Find<TSVGGraphicElement>(FDecorationElementId);
     if (!element) return;
-    EditDocument([&] { PaintFlat(*element, TSVGStyleProperty::Fill, FDecorationFillColor); });
+    EditDocument([&] { PaintFlat(*element, TSVGStyleProperty::Fill, FDecorationFillColor.Now); });
     MarkChanged();
 }
 
 void TVZSVGCustomInstrument::UpdateDecorationStroke() {
     auto* const element = Find<TSVGGraphicElement>(FDecorationElementId);
     if (!element) return;
-    EditDocument([&] { PaintFlat(*element, TSVGStyleProperty::Stroke, FDecorationStrokeColor); });
+    EditDocument([&] { PaintFlat(*element, TSVGStyleProperty::Stroke, FDecorationStrokeColor.Now); });
     MarkChanged();
 }
 
@@ -141,11 +189,15 @@ void TVZSVGCustomInstrument::ResetDecorationPath() {
 }
 
 void TVZSVGCustomInstrument::SetDecorationFillColor(TVZGPColor value) {
-    if (Store(FDecorationFillColor, value)) UpdateDecorationFill();
+    if (Store(FDecorationFillColor.Now, value)) UpdateDecorationFill();
 }
 
 void TVZSVGCustomInstrument::SetDecorationStrokeColor(TVZGPColor value) {
-    if (Store(FDecorationStrokeColor, value)) UpdateDecorationStroke();
+    if (Store(FDecorationStrokeColor.Now, value)) UpdateDecorationStroke();
+}
+
+void TVZSVGCustomInstrument::SetPartsMask(std::uint32_t value) {
+    if (Store(FParts, value)) UpdateParts();
 }
 
 void TVZSVGCustomInstrument::SetEnableGradients(bool value) {
@@ -208,14 +260,9 @@ void TVZSVGCustomInstrument::SetElementStroke(std::string_view id, TVZGPColor co
         PaintFlat(*element, TSVGStyleProperty::Stroke, color);
 }
 
-void TVZSVGCustomInstrument::PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint,
-                                       TVZGPColor color) {
-    TSVGBrush brush = paint == TSVGStyleProperty::Fill ? element.GetBrush() : element.GetPen();
-    // Out of the element's own style first, so that nothing of the artwork's paint stays behind the colour.
-    element.SetSet(paint, false);
-    brush.SetKind(color == 0 ? TVZGPBrushKind::None : TVZGPBrushKind::Solid);
-    brush.SetColor(color);
-    element.Changed();
+void TVZSVGCustomInstrument::SetElementFlatFill(std::string_view id, TVZGPColor color) {
+    if (auto* const element = Find<TSVGGraphicElement>(id))
+        PaintFlat(*element, TSVGStyleProperty::Fill, color);
 }
 
 void TVZSVGCustomInstrument::SetElementText(std::string_view id, std::string_view text) {
@@ -253,7 +300,7 @@ constexpr TSVGStyleProperty FontProperties[] = {
 void TVZSVGCustomInstrument::ApplyFont(std::string_view elementId, const TSVGFont& font) {
     auto* const element = Find<TSVGGraphicElement>(elementId);
     if (!element) return;
-    const auto found = FArtworkStyles.try_emplace(std::string(elementId), element->GetStyle());
+    const auto found = FArtworkStyles->try_emplace(std::string(elementId), element->GetStyle());
     const bool isFirst = found.second; // clang 14 captures no structured binding
     const TSVGStyleSet& artwork = found.first->second;
     EditDocument([&] {
@@ -290,15 +337,15 @@ bool CollectOutlines(const TSVGGraphicElement& element, TOutlines& outlines) {
     return outlines.back() != nullptr;
 }
 
-} // namespace
-
-TPointF TVZSVGCustomInstrument::FindCenter(const TSVGGraphicElement& element) {
+TPointF FindCenter(const TSVGGraphicElement& element) {
     const auto find = [&] { return VZCenterPoint(element.GetBounds()); };
     thread_local TMemo<TOutlines, TPointF> known;
     TOutlines outlines;
     const bool canKnow = element.IsDisplayed() && CollectOutlines(element, outlines);
     return canKnow ? known.Get(outlines, find) : find();
 }
+
+} // namespace
 
 bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view centerId, double angleDeg) {
     auto* const element = Find<TSVGGraphicElement>(id);
@@ -322,24 +369,24 @@ bool TVZSVGCustomInstrument::TurnElement(std::string_view id, std::string_view c
 // Another artwork.
 
 void TVZSVGCustomInstrument::ReplaceContent(const std::function<void()>& load) {
-    std::vector<std::pair<const TProp*, TValue>> colors;
+    const std::vector<TReadColor> colors = FColors;
+    const TReadColor fill = FDecorationFillColor, stroke = FDecorationStrokeColor;
     TVZPathData path;
-    if (FIsComplete) {
-        for (const TProp& row : GetPropTable())
-            if (row.Type.Kind == TValueKind::Color) colors.emplace_back(&row, row.Get(*this));
-        if (const TVZPathData* const own = GetDecorationPath()) path.Assign(*own);
-    }
+    if (const TVZPathData* const own = FIsComplete ? GetDecorationPath() : nullptr) path.Assign(*own);
     TVZSVGControl::ReplaceContent(load);
-    FArtworkStyles.clear();
+    FArtworkStyles->clear();
     SetActiveSVGElement(Find<TSVGGraphicElement>(GetActiveElementId()));
+    ReadGeometry();
     if (!FIsComplete) return;
 
     EditDocument([&] {
         LoadSVGProperties();
-        for (const auto& [row, color] : colors)
-            row->Set(*this, color);
-        if (FLightColor != DefaultLightColor) UpdateLight();
         if (!FEnableGradients) UpdateGradients();
+        for (std::size_t i = 0; i < colors.size(); ++i)
+            if (colors[i].IsSet()) SetColor(i, colors[i].Now);
+        if (fill.IsSet()) SetDecorationFillColor(fill.Now);
+        if (stroke.IsSet()) SetDecorationStrokeColor(stroke.Now);
+        if (FLightColor != DefaultLightColor) UpdateLight();
         InitializeGauge();
         if (IsDecorationPathStored()) SetDecorationPath(path);
     });

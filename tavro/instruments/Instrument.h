@@ -1,40 +1,44 @@
 #pragma once
 
-#include "tavro/instruments/ColorFunctions.h"
+#include "tavro/graphics/Color.h"
 #include "tavro/instruments/Decoration.h"
-#include "tavro/instruments/InstrumentTables.h"
-#include "tavro/runtime/Updates.h"
+#include "tavro/instruments/Design.h"
+#include "tavro/runtime/Events.h"
 #include "tavro/svg/Control.h"
-#include "tavro/svg/model/Document.h"
-#include "tavro/svg/model/Font.h"
-#include "tavro/svg/model/Gradients.h"
-#include "tavro/svg/model/Shapes.h"
-#include "tavro/svg/model/TextElements.h"
 
-#include <functional>
-#include <initializer_list>
-#include <map>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Vz {
 
+class TSVGCustomGradient;
+class TSVGFont;
+class TVZPathData;
+enum class TReach : std::uint8_t;
+struct TArtworkRow;
+struct TColorEdit;
+struct TColorSource;
+struct TInstrumentSetup;
+struct TTint;
+
 /// Base of all instruments: loads its artwork when it is created, expresses every property as an edit of that
-/// live document, and offers what all instruments share. An instrument's own source says in tables which
-/// element shows what.
+/// live document, and offers what all instruments share.
 ///
-/// A class names its artwork by GetSVGResourceName, reads the artwork's colours in LoadSVGProperties, and
-/// rebuilds all that it owns in DoInitializeGauge, which runs once after construction and at the end of each
-/// update batch.
+/// A class says in the tables of its TInstrumentSetup (Tables.h) which element shows what, and rebuilds what
+/// is not in the tables in DoInitializeGauge, which runs once after construction and at the end of each update
+/// batch. Its source includes Editing.h for what steps and setters are written with.
 class TVZSVGCustomInstrument : public TVZSVGControl {
 public:
     static constexpr std::string_view DefaultFormatStr = "0.#";
     /// White, 0xAARRGGBB.
     static constexpr TVZGPColor DefaultLightColor = 0xFFFFFFFF;
 
-    using TVZSVGControl::TVZSVGControl;
+    explicit TVZSVGCustomInstrument(TCreateKey key);
+    ~TVZSVGCustomInstrument() override;
 
     // Update batches. Setters act at once inside a batch, too; only InitializeGauge waits for its end.
 
@@ -50,16 +54,16 @@ public:
     // caches stale and invalidate once. An element that the artwork does not have is passed over; one of
     // another class than the step needs raises EInvalidCast.
 
-    /// Switches all that has a gradient to it (true), or to flat colours. The base's does nothing.
-    virtual void DoEnableGradients(bool enable) {}
+    /// Switches all that has a gradient to it (true), or to flat colours. The base's: the rows Gradients.
+    virtual void DoEnableGradients(bool enable);
     /// Rebuilds all that the instrument owns. The base's: UpdateDecoration, DoUpdateParts, DoUpdateDesign.
     virtual void DoInitializeGauge();
-    /// Shows or hides what the design decides. The base's does nothing.
-    virtual void DoUpdateDesign() {}
-    /// Tints what shines with LightColor. The base's does nothing.
-    virtual void DoUpdateLight() {}
-    /// Shows or hides the parts. The base's does nothing.
-    virtual void DoUpdateParts() {}
+    /// Shows or hides what the design decides. The base's: DetailElements.
+    virtual void DoUpdateDesign();
+    /// Tints what shines with LightColor. The base's: LightEdits.
+    virtual void DoUpdateLight();
+    /// Shows or hides the parts. The base's: PartElements.
+    virtual void DoUpdateParts();
     /// Gives the decoration element the catalogue's path; none for dcNone and, which is meant, for dcCustom.
     /// Repaints also where there is no such element.
     virtual void UpdateDecoration();
@@ -68,8 +72,9 @@ public:
     /// Runs DoInitializeGauge as one document update, unless a batch is open. It neither marks the
     /// caches stale nor invalidates by itself.
     virtual void InitializeGauge();
-    /// Reads what the artwork itself defines into the fields: the base, the decoration's fill and stroke.
-    /// Runs after each load, before anything is written to the artwork.
+    /// Reads what the artwork itself defines: the decoration's fill and stroke and the colours of the rows
+    /// Colors; saves the gradients that edits restore. Runs after each load, before anything is written to
+    /// the artwork.
     virtual void LoadSVGProperties();
     /// DoEnableGradients for EnableGradients, as a step.
     virtual void UpdateGradients();
@@ -79,10 +84,12 @@ public:
     virtual void UpdateNumbers() {}
     /// DoUpdateParts, as a step. Nothing happens, and nothing is repainted, while the document is empty.
     virtual void UpdateParts();
-    /// The elements that the class looks for in an artwork, for tests and for designers of artworks.
-    virtual std::span<const TArtworkRow> GetArtworkContract() const { return {}; }
-    /// Name of the embedded artwork. One that there is not raises EResNotFound from the construction.
-    virtual std::string GetSVGResourceName() const { return {}; }
+    /// The elements that the class looks for in an artwork, for tests and for designers of artworks: all that
+    /// its tables name.
+    std::vector<TArtworkRow> GetArtworkContract() const;
+    /// Name of the embedded artwork; the base's: Artwork of the setup. One that there is not raises
+    /// EResNotFound from the construction.
+    virtual std::string GetSVGResourceName() const;
     /// Paints the decoration in its colour, or not at all for 0x00000000. Nothing happens, and nothing is
     /// repainted, where the artwork has no decoration element.
     virtual void UpdateDecorationFill();
@@ -112,11 +119,11 @@ public:
     void ResetDecorationPath();
     /// Fill of the decoration, 0xAARRGGBB; 0x00000000 switches it off. Default: the artwork's own, until it
     /// is set.
-    TVZGPColor GetDecorationFillColor() const { return FDecorationFillColor; }
+    TVZGPColor GetDecorationFillColor() const { return FDecorationFillColor.Now; }
     void SetDecorationFillColor(TVZGPColor value);
     /// Outline of the decoration, 0xAARRGGBB; 0x00000000 switches it off. Default: the artwork's own, until
     /// it is set.
-    TVZGPColor GetDecorationStrokeColor() const { return FDecorationStrokeColor; }
+    TVZGPColor GetDecorationStrokeColor() const { return FDecorationStrokeColor.Now; }
     void SetDecorationStrokeColor(TVZGPColor value);
     /// False: flat colours in place of gradients. Default true. A change runs UpdateGradients.
     bool GetEnableGradients() const { return FEnableGradients; }
@@ -167,40 +174,47 @@ public:
 protected:
     void Construct() override;
     void AfterConstruction() override;
-    /// Once the instrument is complete, another artwork takes the property values over.
+    /// Once the instrument is complete, another artwork takes over what was set: the properties, and of the
+    /// colours those that differ from what the old artwork gave. The other colours are the new artwork's.
     void ReplaceContent(const std::function<void()>& load) override;
-    /// Id of the element that moves, the control's active one; empty (the base's): there is none. Taken at
-    /// each load of an artwork.
-    virtual std::string_view GetActiveElementId() const { return {}; }
 
-    // What setters and steps are written with. Ids that the artwork does not have are passed over; one of
-    // another class raises EInvalidCast.
+    /// The class's tables; they live as long as the program. The base's are empty.
+    virtual const TInstrumentSetup& GetSetup() const;
+    /// Id of the element that moves, the control's active one; empty: there is none. Taken at each load of an
+    /// artwork. The base's: ActiveElement of the setup.
+    virtual std::string_view GetActiveElementId() const;
+    /// The one place for geometry that a class takes from its artwork. Runs after each load, when the active
+    /// element is set, before LoadSVGProperties. The base's does nothing.
+    virtual void ReadGeometry() {}
+    /// Told when a colour of the rows was set, inside the document's update, behind the row's own edits: for
+    /// what no row can say. `index` counts the rows. The base's does nothing.
+    virtual void ColorChanged(std::size_t index) {}
 
-    template <class T> T* Find(std::string_view id) const { return GetDocument().Find<T>(id); }
+    // What the typed properties of a class are made of: the colour of a row, by its index, and the parts as
+    // bits. Setters do nothing when the value is equal.
+
+    TVZGPColor GetColor(std::size_t index) const { return FColors[index].Now; }
+    /// Stores the colour and carries out the row's edits.
+    void SetColor(std::size_t index, TVZGPColor value);
+    /// Stores a colour that the class read from the artwork by itself.
+    void TakeColor(std::size_t index, TVZGPColor value) { FColors[index] = {value, value}; }
+    std::uint32_t GetPartsMask() const { return FParts; }
+    void SetPartsMask(std::uint32_t value);
+    /// Stores the parts of a fresh object, without any edit.
+    void TakeParts(std::uint32_t value) { FParts = value; }
+
+    // What setters and steps are written with (the templates stand in Editing.h). Ids that the artwork does not
+    // have are passed over; one of another class raises EInvalidCast.
+
+    template <class T> T* Find(std::string_view id) const;
     /// Runs edits of the document inside one update of it, also ended by an exception.
-    template <class F> void EditDocument(F edits) {
-        const TUpdateScope update(GetDocument());
-        edits();
-    }
-    /// What an edit reaches: anything of the picture, or the active element only, which is in no cache.
-    enum class TReach : std::uint8_t { Picture, ActiveElement };
+    template <class F> void EditDocument(F edits);
     /// What most setters are: nothing when the value is equal; else stores it, edits the document, marks the
     /// caches stale where the edit reaches them, and invalidates. Floats that are not a number are ignored.
-    template <class T, class F>
-    void Change(T& field, const T& value, F edits, TReach reach = TReach::Picture) {
-        if (!Store(field, value)) return;
-        EditDocument(edits);
-        if (reach == TReach::Picture) MarkBuffersStale();
-        Invalidate();
-    }
+    template <class T, class F> void Change(T& field, const T& value, F edits, TReach reach);
+    template <class T, class F> void Change(T& field, const T& value, F edits);
     /// The comparison and the store alone; true where the value is new.
-    template <class T> static bool Store(T& field, const T& value) {
-        if constexpr (std::is_floating_point_v<T>)
-            if (value != value) return false;
-        if (field == value) return false;
-        field = value;
-        return true;
-    }
+    template <class T> static bool Store(T& field, const T& value);
     /// Marks the caches stale and invalidates.
     void MarkChanged();
 
@@ -214,19 +228,14 @@ protected:
     void SetElementFill(std::string_view id, TVZGPColor color);
     /// Sets the stroke: none for 0x00000000, else solid in the colour, whatever the artwork's style says.
     void SetElementStroke(std::string_view id, TVZGPColor color);
+    /// Sets the fill in the same way.
+    void SetElementFlatFill(std::string_view id, TVZGPColor color);
     /// Replaces a text's content, which is UTF-8.
     void SetElementText(std::string_view id, std::string_view text);
     /// Restores the gradient and recolours it from its first stop.
     void RecolourGradient(std::string_view id, TVZGPColor color);
-    /// What a colour setter edits: the gradients while gradients are on, else the flat fill of one element.
-    void Recolour(std::initializer_list<std::string_view> gradients, std::string_view flatElement,
-                  TVZGPColor color);
-    /// Shows the elements of the parts that are in the set, and hides the others, in the order of the rows.
-    template <class TPart, std::size_t N>
-    void ShowParts(const TPartRow<TPart> (&rows)[N], const TSet<TPart>& parts) {
-        for (const auto& row : rows)
-            ShowElement(row.Element, parts.Contains(row.Part));
-    }
+    /// Carries out one edit of the tables for a colour, whatever its When.
+    void ApplyEdit(const TColorEdit& edit, TVZGPColor color);
     /// Writes numbers into the children of a group, which are texts (else EInvalidCast): the first one's is
     /// `first`, the last one's `last`, evenly between.
     void WriteScale(std::string_view groupId, float first, float last);
@@ -241,30 +250,19 @@ protected:
     /// Many numbers, made once for all who ask for the same ones. Valid until the next call.
     const std::vector<std::string>& FormatNumbers(const std::vector<double>& values) const;
 
-    /// A colour of the artwork and the field that takes it over; gradients that are recoloured are saved as
-    /// well.
-    struct TColorRow {
-        std::string_view Id;
-        TColorPlace Place;
-        TVZGPColor* Field; ///< null: only saved
-        bool Save = false;
-    };
-    void ReadColors(std::span<const TColorRow> rows);
-
-    /// One line of DoEnableGradients.
-    struct TGradientRow {
-        std::string_view Element;
-        std::string_view Gradient;
-        TVZGPColor Color;
-        bool Fill = true;
-    };
-    void SwitchGradients(std::span<const TGradientRow> rows, bool enable);
-
-    /// Set before the base is constructed.
+    /// Set before the base is constructed; empty: the setup's.
     std::string FDecorationElementId;
     TDecoration FDecoration = TDecoration::dcNone;
 
 private:
+    friend struct TColorAccess;
+
+    /// A colour, and what the artwork gave.
+    struct TReadColor {
+        TVZGPColor Now = 0;
+        TVZGPColor OfArtwork = 0;
+        bool IsSet() const { return Now != OfArtwork; }
+    };
     /// Where an element's centre was found to be, for as long as the document does not change but by what
     /// turns about it.
     struct TKnownCenter {
@@ -272,22 +270,39 @@ private:
         std::uint64_t ChangeCount = 0; ///< of the document
         TPointF Center;
     };
-    static TPointF FindCenter(const TSVGGraphicElement& element);
-    /// The fill or stroke becomes the colour, or none for 0x00000000, whatever it was.
-    static void PaintFlat(TSVGGraphicElement& element, TSVGStyleProperty paint, TVZGPColor color);
+    /// The styles that the artwork gives the elements whose font is set.
+    struct TArtworkStyles;
+
+    TVZGPColor Tinted(const TTint& tint, TVZGPColor color) const;
+    TVZGPColor ColorNamed(std::string_view property) const;
+    bool FindColor(const TColorSource& source, TVZGPColor& color) const;
+    void ReadColor(TReadColor& color, const TColorSource& source);
+    void SaveGradients();
+    static void SetStops(TSVGCustomGradient& gradient, const TColorEdit& edit, TVZGPColor color);
 
     TSVGDesign FDesign = TSVGDesign::sdDetailed;
     TVZGPColor FLightColor = DefaultLightColor;
-    TVZGPColor FDecorationFillColor = 0xFF87CEEB;
-    TVZGPColor FDecorationStrokeColor = 0xFF000000;
+    TReadColor FDecorationFillColor;
+    TReadColor FDecorationStrokeColor;
     std::string FFormatStr{DefaultFormatStr};
     bool FEnableGradients = true;
     TNotifyEvent FOnChange;
     int FUpdateCount = 0;
     bool FIsComplete = false; ///< construction is over
+    std::uint32_t FParts = 0;
+    std::vector<TReadColor> FColors; ///< of the rows, in their order
     TKnownCenter FKnownCenter;
-    /// The styles that the artwork gives the elements whose font is set.
-    std::map<std::string, TSVGStyleSet, std::less<>> FArtworkStyles;
+    std::unique_ptr<TArtworkStyles> FArtworkStyles;
+};
+
+/// Reaches the colours of the rows for the published properties (Publish.h).
+struct TColorAccess {
+    static TVZGPColor Get(const TVZSVGCustomInstrument& instrument, std::size_t index) {
+        return instrument.GetColor(index);
+    }
+    static void Set(TVZSVGCustomInstrument& instrument, std::size_t index, TVZGPColor value) {
+        instrument.SetColor(index, value);
+    }
 };
 
 } // namespace Vz

@@ -37,9 +37,8 @@ struct TScale {
         Value = least > value ? least : value > greatest ? greatest : value;
         return true;
     }
-    /// False where reading the ends into a fresh object, with the value at its default of 0, gives the value
-    /// as well.
-    bool IsValueStored() const { return Value != 0 || Min > 0 || Max < 0; }
+    /// False where reading the ends into a fresh object, whose value is `usual`, gives the value as well.
+    bool IsValueStored(float usual) const { return Value != usual || Min > usual || Max < usual; }
 };
 
 } // namespace Vz

@@ -36,6 +36,10 @@ struct TProp {
     /// by itself. Null: nothing more.
     void (*Reset)(TPersistent&) = nullptr;
 
+    /// The value that the object is there to show: what accessibility speaks, what a gallery moves. At most one
+    /// row of a table.
+    bool IsMain = false;
+
     /// An event: sets a handler that calls `called` whatever the event carries.
     void (*Attach)(TPersistent&, std::function<void()> called) = nullptr;
 };
@@ -196,6 +200,12 @@ template <auto Setter> consteval TProp EventProp(std::string_view name) {
     row.Name = name;
     row.Type = {TValueKind::Event, "event"};
     row.Attach = &Detail::TEventAccess<Setter>::Attach;
+    return row;
+}
+
+/// The row as that of the object's main value.
+constexpr TProp Main(TProp row) {
+    row.IsMain = true;
     return row;
 }
 

@@ -21,6 +21,8 @@ public:
         set.FMask = mask;
         return set;
     }
+    /// The set of the first member to `last`; UpTo of the last member is the full set.
+    static constexpr TSet UpTo(E last) { return FromMask((Bit(last) - 1) | Bit(last)); }
     /// The set as bits, also those that no member has.
     constexpr std::uint32_t GetMask() const { return FMask; }
 

@@ -1,6 +1,7 @@
 #include "tavro/instruments/round/AnalogCalendar.h"
 
-#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/instruments/CircularGaugePublish.h"
+#include "tavro/instruments/Editing.h"
 
 #include <algorithm>
 
@@ -8,12 +9,10 @@ namespace Vz {
 
 std::span<const TProp> TVZAnalogCalendar::GetPropTable() const {
     using T = TVZAnalogCalendar;
-    static constexpr auto Rows = PublishGauge<Setup>(std::array{
-        Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time"),
+    static constexpr auto Rows = PublishGauge<Setup>(Publish(std::array{
+        Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time")),
         Prop<&T::GetDayOfYear, &T::SetDayOfYear, &T::IsDayOfYearStored>("DayOfYear"),
-        GaugeSizeRows[0],
-        GaugeSizeRows[1],
-    });
+    }, SizeProps<200, 200>()));
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

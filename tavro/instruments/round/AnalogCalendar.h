@@ -8,7 +8,7 @@ namespace Vz {
 /// the day of the month, a month to a turn. It has no timer; it shows the day of Time, to begin with that on
 /// which it was made. The length of the month is that of the month in which Value lies, taken as a date: 31
 /// days, while nobody sets a value, which is not published.
-class TVZAnalogCalendar final : public TCreatable<TVZAnalogCalendar, TVZCustomCircularGauge> {
+class TVZAnalogCalendar : public TCreatable<TVZAnalogCalendar, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZAnalogCalendar";
     using TCreatable::TCreatable;
@@ -29,7 +29,7 @@ public:
 
 protected:
     void Construct() override;
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     int GetDaysInMonth() const;

@@ -1,6 +1,7 @@
 #include "tavro/instruments/round/CircularAltimeter.h"
 
-#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/instruments/CircularGaugePublish.h"
+#include "tavro/instruments/Editing.h"
 
 #include <cmath>
 
@@ -21,7 +22,7 @@ float DecadeAngle(double units, double turn) {
 std::span<const TProp> TVZCircularAltimeter::GetPropTable() const {
     using T = TVZCircularAltimeter;
     static constexpr auto Rows = PublishGauge<Setup>(std::array{
-        Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value),
+        Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value)),
         Prop<&T::GetHands, &T::SetHands, &T::IsHandsStored>("Hands", Setup.Hands),
     });
     static_assert(NamesAreUnique(Rows));

@@ -8,7 +8,7 @@ namespace Vz {
 
 /// A round altimeter with three hands that count decades: the thin hand turns once in 1,000 units, the big
 /// one in 10,000, the little one in 100,000. Value is in feet, or in whatever the texts say, from 0 up.
-class TVZCircularAltimeter final : public TCreatable<TVZCircularAltimeter, TVZCustomCircularGauge> {
+class TVZCircularAltimeter : public TCreatable<TVZCircularAltimeter, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularAltimeter";
     using TCreatable::TCreatable;
@@ -18,7 +18,7 @@ public:
     void UpdateHands() override;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
     /// The digits of a decade.
     double GetLabelNumber(int index) const override { return index; }
 

@@ -1,6 +1,7 @@
 #include "tavro/instruments/round/CircularBarometer.h"
 
-#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/instruments/CircularGaugePublish.h"
+#include "tavro/instruments/Editing.h"
 
 namespace Vz {
 

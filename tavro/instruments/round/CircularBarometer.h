@@ -5,7 +5,7 @@
 namespace Vz {
 
 /// A round barometer with one hand, from 950 to 1,050 hectopascals over three quarters of a turn.
-class TVZCircularBarometer final : public TCreatable<TVZCircularBarometer, TVZCustomCircularGauge> {
+class TVZCircularBarometer : public TCreatable<TVZCircularBarometer, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularBarometer";
     using TCreatable::TCreatable;
@@ -13,7 +13,7 @@ public:
     std::span<const TProp> GetPropTable() const override;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     static constexpr TGaugeSetup Setup{

@@ -7,7 +7,7 @@ namespace Vz {
 /// A round clock with Roman numerals: the little hand shows the hours, the big one the minutes, the thin one
 /// the seconds of Time, the date left aside. It has no timer; it shows the time that it is given, midnight to
 /// begin with.
-class TVZCircularClock final : public TCreatable<TVZCircularClock, TVZCustomCircularGauge> {
+class TVZCircularClock : public TCreatable<TVZCircularClock, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularClock";
     using TCreatable::TCreatable;
@@ -15,7 +15,7 @@ public:
     std::span<const TProp> GetPropTable() const override;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     static constexpr TGaugeSetup Setup{

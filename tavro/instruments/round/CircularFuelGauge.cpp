@@ -1,6 +1,7 @@
 #include "tavro/instruments/round/CircularFuelGauge.h"
 
-#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/instruments/CircularGaugePublish.h"
+#include "tavro/instruments/Editing.h"
 
 namespace Vz {
 

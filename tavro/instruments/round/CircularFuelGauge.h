@@ -6,7 +6,7 @@ namespace Vz {
 
 /// A round fuel gauge with one hand, in per cent of a full tank, labelled E at its lower end and F at its
 /// upper one, whatever the scale.
-class TVZCircularFuelGauge final : public TCreatable<TVZCircularFuelGauge, TVZCustomCircularGauge> {
+class TVZCircularFuelGauge : public TCreatable<TVZCircularFuelGauge, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularFuelGauge";
     using TCreatable::TCreatable;
@@ -14,7 +14,7 @@ public:
     std::span<const TProp> GetPropTable() const override;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     static constexpr TGaugeSetup Setup{

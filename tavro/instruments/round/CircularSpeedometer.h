@@ -6,7 +6,7 @@ namespace Vz {
 
 /// A round speedometer with one hand. Values have no unit of their own; the scale runs from Min to Max, 0 to
 /// 120 to begin with, across twelve o'clock.
-class TVZCircularSpeedometer final : public TCreatable<TVZCircularSpeedometer, TVZCustomCircularGauge> {
+class TVZCircularSpeedometer : public TCreatable<TVZCircularSpeedometer, TVZCustomCircularGauge> {
 public:
     static constexpr std::string_view TypeName = "TVZCircularSpeedometer";
     using TCreatable::TCreatable;
@@ -14,7 +14,7 @@ public:
     std::span<const TProp> GetPropTable() const override;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     static constexpr TGaugeSetup Setup{

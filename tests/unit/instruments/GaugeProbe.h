@@ -1,11 +1,14 @@
 #pragma once
 
+#include "tavro/VZSVGControl.h"
 #include "tavro/Vz.Tavro.Altimeters.h"
 #include "tavro/Vz.Tavro.Barometers.h"
 #include "tavro/Vz.Tavro.Clocks.h"
 #include "tavro/Vz.Tavro.FuelGauges.h"
 #include "tavro/Vz.Tavro.Speedometers.h"
-#include "tavro/instruments/CircularGaugeProps.h"
+#include "tavro/instruments/CircularGaugePublish.h"
+#include "tavro/instruments/Editing.h"
+#include "tavro/runtime/Strings.h"
 
 #include <cmath>
 #include <limits>
@@ -28,7 +31,7 @@ public:
     using TVZCustomCircularGauge::GetValueAngle;
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     static constexpr TGaugeSetup Setup{};

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tavro/instruments/Instrument.h"
-#include "tavro/instruments/InstrumentProps.h"
+#include "tavro/instruments/Editing.h"
+#include "tavro/instruments/Publish.h"
 
 #include <functional>
 #include <string>
@@ -45,16 +45,17 @@ public:
 
     std::span<const TProp> GetPropTable() const override {
         static constexpr auto Rows = Publish(
-            {Prop<&TProbe::GetFaceColor, &TProbe::SetFaceColor>("FaceColor", 0xFF112233)},
-            {"Design", "Decoration", "DecorationPath", "DecorationFillColor", "DecorationStrokeColor",
-             "EnableGradients", "LightColor", "FormatStr", "Stretch", "Opacity", "Transform", "OnChange"});
+            ColorProps<Setup>(),
+            Inherited<Setup>({"Design", "Decoration", "DecorationPath", "DecorationFillColor",
+                              "DecorationStrokeColor", "EnableGradients", "LightColor", "FormatStr", "Stretch",
+                              "Opacity", "Transform", "OnChange"}));
         return Rows;
     }
 
-    TVZGPColor GetFaceColor() const { return FFaceColor; }
-    void SetFaceColor(TVZGPColor value) {
-        Change(FFaceColor, value, [&] { SetElementFill("Face", value); });
-    }
+    TVZGPColor GetFaceColor() const { return GetColor(0); }
+    void SetFaceColor(TVZGPColor value) { SetColor(0, value); }
+    TVZGPColor GetFirstStop() const { return GetColor(1); }
+    TVZGPColor GetLastStop() const { return GetColor(2); }
 
     std::string GetSVGResourceName() const override {
         const_cast<TProbe*>(this)->Log.push_back("GetSVGResourceName");
@@ -67,11 +68,6 @@ public:
     void LoadSVGProperties() override {
         Log.push_back("LoadSVGProperties");
         TVZSVGCustomInstrument::LoadSVGProperties();
-        const TColorRow rows[] = {{"Face", TColorPlace::Fill, &FFaceColor},
-                                  {"Shade", TColorPlace::FirstStop, &First, true},
-                                  {"Shade", TColorPlace::LastStop, &Last},
-                                  {"Empty", TColorPlace::FirstStop, &First, true}};
-        ReadColors(rows);
     }
     void Resize() override {
         Log.push_back("Resize " + std::to_string(GetWidth()) + "x" + std::to_string(GetHeight()));
@@ -87,8 +83,7 @@ public:
     }
     void DoEnableGradients(bool enable) override {
         Note(enable ? "DoEnableGradients on" : "DoEnableGradients off");
-        const TGradientRow rows[] = {{"Face", "Shade", 0xFF010203}};
-        SwitchGradients(rows, enable);
+        TVZSVGCustomInstrument::DoEnableGradients(enable);
     }
     void DoUpdateDesign() override { Note("DoUpdateDesign"); }
     void DoUpdateLight() override { Note("DoUpdateLight"); }
@@ -98,7 +93,6 @@ public:
         TVZSVGCustomInstrument::UpdateDecoration();
     }
     void UpdateNumbers() override { Note("UpdateNumbers"); }
-    std::string_view GetActiveElementId() const override { return "Hand"; }
 
     template <class T> T& Get(std::string_view id) { return *Find<T>(id); }
 
@@ -113,12 +107,9 @@ public:
     using TVZSVGCustomInstrument::TurnElement;
     using TVZSVGCustomInstrument::WriteScale;
 
-    TVZGPColor First = 0;
-    TVZGPColor Last = 0;
-
 protected:
+    const TInstrumentSetup& GetSetup() const override { return Setup; }
     void Construct() override {
-        FDecorationElementId = "Emblem";
         TVZSVGCustomInstrument::Construct();
         Log.push_back("Constructed");
     }
@@ -133,7 +124,20 @@ private:
         if (OnStep) OnStep();
     }
 
-    TVZGPColor FFaceColor = 0;
+    static constexpr TColorRow Colors[] = {
+        {"FaceColor", 0xFF112233, Rows::FillOf("Face"), {Rows::Fill("Face")}},
+        {"FirstStop", 0xFF010101, Rows::FirstStopOf("Shade"), {Rows::Recolour("Shade")}},
+        {"LastStop", 0xFF020202, Rows::LastStopOf("Shade"), {Rows::RecolourFromLast("Shade")}},
+        {"EmptyColor", 0xFF030303, Rows::FirstStopOf("Empty"), {Rows::EveryStop("Empty")}},
+    };
+    static constexpr TGradientRow Gradients[] = {Rows::Switch("Face", "Shade", "FirstStop")};
+    static constexpr TInstrumentSetup Setup{
+        .Artwork = "ProbeSVG",
+        .ActiveElement = "Hand",
+        .DecorationElement = "Emblem",
+        .Colors = Colors,
+        .Gradients = Gradients,
+    };
 };
 
 /// Counts an instrument's repaint requests, events and document notices while it lives.

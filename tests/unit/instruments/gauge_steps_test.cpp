@@ -92,7 +92,7 @@ public:
     }
 
 protected:
-    const TGaugeSetup& GetSetup() const override { return Setup; }
+    const TGaugeSetup& GetGaugeSetup() const override { return Setup; }
 
 private:
     void Note(std::string what) { Log.push_back(std::move(what)); }

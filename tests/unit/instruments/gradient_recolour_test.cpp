@@ -110,8 +110,8 @@ TEST(GradientRecolour, SavedColorsComeBack) {
 TEST(GradientRecolour, DoesNotAddUp) {
     const auto probe = TProbe::Create();
     const auto last = [&] { return probe->Get<TSVGCustomGradient>("Shade").GetStop(1).GetStopColor(); };
-    EXPECT_EQ(probe->First, 0xFF808080u);
-    EXPECT_EQ(probe->Last, 0xFF404040u);
+    EXPECT_EQ(probe->GetFirstStop(), 0xFF808080u);
+    EXPECT_EQ(probe->GetLastStop(), 0xFF404040u);
     for (const TVZGPColor color : {0xFFFF0000u, 0xFF000000u, 0xFF0000FFu})
         probe->RecolourGradient("Shade", color);
     EXPECT_EQ(last(), 0xFF000080u);

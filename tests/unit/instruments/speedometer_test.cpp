@@ -31,8 +31,8 @@ TEST(Speedometer, FreshOne) {
     EXPECT_EQ(speed->GetMin(), 0);
     EXPECT_EQ(speed->GetMax(), 240);
     EXPECT_EQ(speed->GetValue(), 0);
-    EXPECT_EQ(speed->GetNeedleMin(), -10);
-    EXPECT_EQ(speed->GetNeedleMax(), 250);
+    EXPECT_EQ(speed->GetLowest(), -10);
+    EXPECT_EQ(speed->GetHighest(), 250);
     EXPECT_EQ(speed->GetParts().GetMask(), 511u);
     EXPECT_EQ(speed->GetDecoration(), TDecoration::dcFuelTank);
     EXPECT_EQ(speed->GetDecorationElementId(), "Decoration");
@@ -90,8 +90,8 @@ TEST(Speedometer, UpperEnd) {
     speed->SetValue(180);
     TWatch watch(*speed);
     speed->SetMax(100);
-    EXPECT_EQ(speed->GetNeedleMin(), -4); // round(4.167)
-    EXPECT_EQ(speed->GetNeedleMax(), 104);
+    EXPECT_EQ(speed->GetLowest(), -4); // round(4.167)
+    EXPECT_EQ(speed->GetHighest(), 104);
     EXPECT_EQ(speed->GetValue(), 100);
     EXPECT_EQ(speed.Labels(), "0 16.7 33.3 50 66.7 83.3 100");
     EXPECT_EQ(watch.Changes, 0);
@@ -110,8 +110,8 @@ TEST(Speedometer, LowerEnd) {
     speed->SetMin(500); // above Max
     EXPECT_EQ(speed->GetMax(), 501);
     EXPECT_EQ(speed->GetValue(), 500);
-    EXPECT_EQ(speed->GetNeedleMin(), 500); // round(0.04167) = 0
-    EXPECT_EQ(speed->GetNeedleMax(), 501);
+    EXPECT_EQ(speed->GetLowest(), 500); // round(0.04167) = 0
+    EXPECT_EQ(speed->GetHighest(), 501);
     EXPECT_NEAR(speed.Angle(), -100.05, 1e-4);
     EXPECT_EQ(watch.Changes, 0);
 }
@@ -119,29 +119,29 @@ TEST(Speedometer, LowerEnd) {
 TEST(Speedometer, OverrunRoundsHalfToEven) {
     TSpeed speed;
     speed->SetMax(50000); // 2083.5
-    EXPECT_EQ(speed->GetNeedleMin(), -2084);
+    EXPECT_EQ(speed->GetLowest(), -2084);
     speed->SetMax(150000); // 6250.5
-    EXPECT_EQ(speed->GetNeedleMin(), -6250);
-    EXPECT_EQ(speed->GetNeedleMax(), 156250);
+    EXPECT_EQ(speed->GetLowest(), -6250);
+    EXPECT_EQ(speed->GetHighest(), 156250);
 }
 
 TEST(Speedometer, OverrunIsWholeAlsoWhereTheScaleIsNot) {
     TSpeed speed;
     speed->SetMin(-40);
     speed->SetMax(200);
-    EXPECT_EQ(speed->GetNeedleMin(), -50);
-    EXPECT_EQ(speed->GetNeedleMax(), 210);
+    EXPECT_EQ(speed->GetLowest(), -50);
+    EXPECT_EQ(speed->GetHighest(), 210);
     speed->SetMin(0.25f);
     speed->SetMax(12.75f); // 12.5 * 0.04167 = 0.52
-    EXPECT_EQ(speed->GetNeedleMin(), -0.75f);
-    EXPECT_EQ(speed->GetNeedleMax(), 13.75f);
+    EXPECT_EQ(speed->GetLowest(), -0.75f);
+    EXPECT_EQ(speed->GetHighest(), 13.75f);
     speed->SetMax(11.25f); // 11 * 0.04167 = 0.458
-    EXPECT_EQ(speed->GetNeedleMin(), 0.25f);
-    EXPECT_EQ(speed->GetNeedleMax(), 11.25f);
+    EXPECT_EQ(speed->GetLowest(), 0.25f);
+    EXPECT_EQ(speed->GetHighest(), 11.25f);
     speed->SetMin(0);
     speed->SetMax(1e10f); // more than a single holds exactly: the ends are rounded once
-    EXPECT_EQ(speed->GetNeedleMax(), float(1e10 + 416700000));
-    EXPECT_EQ(speed->GetNeedleMin(), -416700000.0f);
+    EXPECT_EQ(speed->GetHighest(), float(1e10 + 416700000));
+    EXPECT_EQ(speed->GetLowest(), -416700000.0f);
 }
 
 TEST(Speedometer, NeedleAgreesWithTheFormulaOnRandomScales) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "tavro/instruments/CircularGauge.h"
-#include "tavro/instruments/InstrumentProps.h"
+#include "tavro/instruments/InstrumentFont.h"
+#include "tavro/instruments/Publish.h"
+#include "tavro/runtime/Strings.h"
 
 namespace Vz {
 
@@ -11,17 +13,11 @@ template <class T, const TGaugeSetup& Setup>
 inline constexpr std::array GaugeScaleRows{
     Prop<&T::GetMin, &T::SetMin, &T::IsMinStored>("Min", Setup.Min),
     Prop<&T::GetMax, &T::SetMax, &T::IsMaxStored>("Max", Setup.Max),
-    Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value),
+    Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value)),
     Prop<&T::GetStartAngle, &T::SetStartAngle>("StartAngle", Setup.StartAngle),
     Prop<&T::GetStopAngle, &T::SetStopAngle>("StopAngle", Setup.StopAngle),
     Prop<&T::GetMajorMarkers, &T::SetMajorMarkers>("MajorMarkers", Setup.MajorMarkers),
     Prop<&T::GetMinorMarkers, &T::SetMinorMarkers>("MinorMarkers", Setup.MinorMarkers),
-};
-
-/// The size, for classes that declare a default of it.
-inline constexpr std::array GaugeSizeRows{
-    Prop<&TVZCustomCircularGauge::GetWidth, &TVZCustomCircularGauge::SetWidth>("Width", 200),
-    Prop<&TVZCustomCircularGauge::GetHeight, &TVZCustomCircularGauge::SetHeight>("Height", 200),
 };
 
 namespace Detail {
@@ -48,7 +44,7 @@ inline constexpr std::array GaugeRows{
     Prop<&T::GetMinorMarkersColor, &T::SetMinorMarkersColor>("MinorMarkersColor", 0xFFFFFFFF),
     Prop<&T::GetLabelsFillColor, &T::SetLabelsFillColor>("LabelsFillColor", 0xFFFFFFFF),
     Prop<&T::GetLabelsStrokeColor, &T::SetLabelsStrokeColor>("LabelsStrokeColor", 0xFF000000),
-    Prop<&T::GetBigHandColor, &T::SetBigHandColor>("BigHandColor", 0xFFFFFFFF),
+    Prop<&T::GetBigHandColor, &T::SetBigHandColor>("BigHandColor", Setup.BigHandColor),
     Prop<&T::GetLittleHandColor, &T::SetLittleHandColor>("LittleHandColor", 0xFFFFFFFF),
     Prop<&T::GetThinHandColor, &T::SetThinHandColor>("ThinHandColor", 0xFF0000FF),
 };
@@ -85,17 +81,10 @@ inline constexpr TProp GaugeLabelsRow =
 template <const TGaugeSetup& Setup, std::size_t N>
 constexpr auto PublishGauge(const std::array<TProp, N>& own) {
     constexpr auto& shared = Detail::GaugeRows<Setup>;
-    constexpr TInstrumentDefaults defaults{Setup.Decoration};
-    std::array<TProp, N + std::size(shared) + std::size(Detail::GaugeInherited) + 1> rows{};
-    std::size_t count = 0;
-    for (const TProp& row : own)
-        rows[count++] = row;
-    for (const TProp& row : shared)
-        rows[count++] = row;
-    for (const std::string_view name : Detail::GaugeInherited)
-        rows[count++] = Detail::InheritedRow(name, defaults);
-    rows[count] = Detail::GaugeLabelsRow;
-    return rows;
+    std::array<TProp, std::size(Detail::GaugeInherited)> inherited{};
+    for (std::size_t i = 0; i < inherited.size(); ++i)
+        inherited[i] = Detail::InheritedRow(Detail::GaugeInherited[i], {.Decoration = Setup.Decoration});
+    return Publish(own, shared, inherited, std::array{Detail::GaugeLabelsRow});
 }
 
 } // namespace Vz
