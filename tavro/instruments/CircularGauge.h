@@ -211,7 +211,8 @@ public:
     /// Texts, markers, labels, hands, emblem, parts, design and fonts, in that order; then the hands stand
     /// where the value, or the time, says. A list of labels that was set is kept.
     void DoInitializeGauge() override;
-    /// The simple design has neither bolts nor glass, nor light and shade; the gradients are switched once more.
+    /// The simple design has neither bolts nor glass, nor light and shade; the gradients are switched once
+    /// more.
     void DoUpdateDesign() override;
     /// The star, the toothed ring and the globe are the round gauge's own; all else is the catalogue's.
     void UpdateDecoration() override;
@@ -268,8 +269,8 @@ protected:
     /// Sets the time that a fresh component shows, without any notice.
     void SetDefaultTime(TDateTime value) { FTime = FDefaultTime = value; }
 
-    /// Id of the element that the value turns and that BigHandColor fills. What a class sets before its base is
-    /// constructed goes before the setup's.
+    /// Id of the element that the value turns and that BigHandColor fills. What a class sets before its base
+    /// is constructed goes before the setup's.
     std::string FValueHandId;
     /// Whether the user's clicks turn the value hand of the classes that react to them.
     bool FInteraction = true;

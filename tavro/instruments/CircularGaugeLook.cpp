@@ -13,7 +13,9 @@ using TPart = TVZCustomCircularGauge::TPart;
 using TParts = TVZCustomCircularGauge::TParts;
 
 constexpr TColorRow Colors[] = {
-    {"FrameColor", 0xFFA9A9A9, FillOf("FrameColor"),
+    {"FrameColor",
+     0xFFA9A9A9,
+     FillOf("FrameColor"),
      {Fill("Frame"), Flat("FrameBevelUpper", Dodged), Flat("FrameBevelLower", Burned),
       Flat("BackfaceBevelLower", Dodged), Flat("BackfaceBevelUpper", Burned)}},
     {"BackfaceColor", 0xFF000000, FillOf("DialColor"), {Fill("DialColor")}},
@@ -61,7 +63,8 @@ constexpr TGradientRow Gradients[] = {
     Switch("BackfaceBevelLower", "linearGradient4575", "FrameColor", Dodged),
 };
 
-constexpr TColorEdit LightEdits[] = {EveryStop("GradientDarken", Shadow), EveryStop("GradientLighten", Light)};
+constexpr TColorEdit LightEdits[] = {EveryStop("GradientDarken", Shadow),
+                                     EveryStop("GradientLighten", Light)};
 
 using K = TArtworkKind;
 constexpr TArtworkRow Structure[] = {

@@ -17,7 +17,9 @@ namespace Vz {
 
 // What the sources of instruments are written with; Instrument.h says what each does.
 
-template <class T> T* TVZSVGCustomInstrument::Find(std::string_view id) const { return GetDocument().Find<T>(id); }
+template <class T> T* TVZSVGCustomInstrument::Find(std::string_view id) const {
+    return GetDocument().Find<T>(id);
+}
 
 template <class F> void TVZSVGCustomInstrument::EditDocument(F edits) {
     const TUpdateScope update(GetDocument());

@@ -381,12 +381,12 @@ void TVZSVGCustomInstrument::ReplaceContent(const std::function<void()>& load) {
 
     EditDocument([&] {
         LoadSVGProperties();
+        if (FLightColor != DefaultLightColor) UpdateLight();
         if (!FEnableGradients) UpdateGradients();
         for (std::size_t i = 0; i < colors.size(); ++i)
             if (colors[i].IsSet()) SetColor(i, colors[i].Now);
         if (fill.IsSet()) SetDecorationFillColor(fill.Now);
         if (stroke.IsSet()) SetDecorationStrokeColor(stroke.Now);
-        if (FLightColor != DefaultLightColor) UpdateLight();
         InitializeGauge();
         if (IsDecorationPathStored()) SetDecorationPath(path);
     });

@@ -29,8 +29,8 @@ struct TTint;
 /// live document, and offers what all instruments share.
 ///
 /// A class says in the tables of its TInstrumentSetup (Tables.h) which element shows what, and rebuilds what
-/// is not in the tables in DoInitializeGauge, which runs once after construction and at the end of each update
-/// batch. Its source includes Editing.h for what steps and setters are written with.
+/// is not in the tables in DoInitializeGauge, which runs once after construction and at the end of each
+/// update batch. Its source includes Editing.h for what steps and setters are written with.
 class TVZSVGCustomInstrument : public TVZSVGControl {
 public:
     static constexpr std::string_view DefaultFormatStr = "0.#";
@@ -203,8 +203,8 @@ protected:
     /// Stores the parts of a fresh object, without any edit.
     void TakeParts(std::uint32_t value) { FParts = value; }
 
-    // What setters and steps are written with (the templates stand in Editing.h). Ids that the artwork does not
-    // have are passed over; one of another class raises EInvalidCast.
+    // What setters and steps are written with (the templates stand in Editing.h). Ids that the artwork does
+    // not have are passed over; one of another class raises EInvalidCast.
 
     template <class T> T* Find(std::string_view id) const;
     /// Runs edits of the document inside one update of it, also ended by an exception.

@@ -24,7 +24,8 @@ consteval auto InheritedRows() {
         ObjectProp<&T::GetDecorationPath, &T::SetDecorationPath, &T::IsDecorationPathStored,
                    &T::ResetDecorationPath>("DecorationPath"),
         Prop<&T::GetDecorationFillColor, &T::SetDecorationFillColor>("DecorationFillColor", TVZGPColor{}),
-        Prop<&T::GetDecorationStrokeColor, &T::SetDecorationStrokeColor>("DecorationStrokeColor", TVZGPColor{}),
+        Prop<&T::GetDecorationStrokeColor, &T::SetDecorationStrokeColor>("DecorationStrokeColor",
+                                                                         TVZGPColor{}),
         Prop<&T::GetEnableGradients, &T::SetEnableGradients>("EnableGradients", true),
         Prop<&T::GetLightColor, &T::SetLightColor>("LightColor", T::DefaultLightColor),
         Prop<&T::GetFormatStr, &T::SetFormatStr, &T::IsFormatStrStored>("FormatStr", T::DefaultFormatStr),
@@ -76,7 +77,8 @@ template <const TInstrumentSetup& Setup, std::size_t I> constexpr TProp ColorRow
 template <const TInstrumentSetup& Setup> constexpr auto ColorProps() {
     return []<std::size_t... I>(std::index_sequence<I...>) {
         return std::array{Detail::ColorRow<Setup, I>()...};
-    }(std::make_index_sequence<Setup.Colors.size()>());
+    }
+    (std::make_index_sequence<Setup.Colors.size()>());
 }
 
 /// The size, for classes that declare a default of it.

@@ -211,7 +211,8 @@ void TVZSVGCustomInstrument::ApplyEdit(const TColorEdit& edit, TVZGPColor color)
     });
 }
 
-void TVZSVGCustomInstrument::SetStops(TSVGCustomGradient& gradient, const TColorEdit& edit, TVZGPColor color) {
+void TVZSVGCustomInstrument::SetStops(TSVGCustomGradient& gradient, const TColorEdit& edit,
+                                      TVZGPColor color) {
     // Light and shade are what the stops' opacities make of the colour; with its alpha they would be flat.
     const bool keepsAlpha = edit.Tint.Kind == TTint::TKind::Light || edit.Tint.Kind == TTint::TKind::Shadow;
     for (std::size_t i = 0; i < gradient.GetStopCount(); ++i)

@@ -7,8 +7,8 @@ namespace Vz {
 
 /// Base of the instruments that show a value on a scale from Min to Max. Values have no unit of their own.
 ///
-/// A class says in GetLowest and GetHighest how far the value may go beyond the scale, and shows in ShowScale and
-/// ShowValue what changed.
+/// A class says in GetLowest and GetHighest how far the value may go beyond the scale, and shows in ShowScale
+/// and ShowValue what changed.
 class TVZCustomScaleInstrument : public TVZSVGCustomInstrument {
 public:
     using TVZSVGCustomInstrument::TVZSVGCustomInstrument;
@@ -17,8 +17,8 @@ public:
     // value is the present one.
 
     /// Lower end of the scale, in scale units; any finite number, others are ignored. Default: the class's.
-    /// One above Max moves Max to one above it; Value comes up to it. Equal ends are taken: what shows the value
-    /// then stays where it is.
+    /// One above Max moves Max to one above it; Value comes up to it. Equal ends are taken: what shows the
+    /// value then stays where it is.
     float GetMin() const { return FScale.Min; }
     void SetMin(float value);
     bool IsMinStored() const { return FScale.Min != FDefaults.Min; }

@@ -13,16 +13,16 @@
 
 namespace Vz {
 
-// The tables in which an instrument says what it does to its artwork. Each row names elements by their ids; a row
-// whose element the artwork lacks is passed over. From the same rows come the contract with the artwork
+// The tables in which an instrument says what it does to its artwork. Each row names elements by their ids; a
+// row whose element the artwork lacks is passed over. From the same rows come the contract with the artwork
 // (GetArtworkContract) and, for colours, the published properties.
 
 /// What becomes of a colour before it is written.
 struct TTint {
     enum class TKind : std::uint8_t {
-        Same,          ///< the colour itself
-        Scaled,        ///< red, green and blue times Amount, rounded half to even, held in 0..255; alpha stays
-        Lowered,       ///< red, green and blue less Amount, held in 0..255; alpha stays
+        Same,    ///< the colour itself
+        Scaled,  ///< red, green and blue times Amount, rounded half to even, held in 0..255; alpha stays
+        Lowered, ///< red, green and blue less Amount, held in 0..255; alpha stays
         PlusHalfLight, ///< red, green and blue plus half of LightColor's, rounded down, held in 0..255
         Dodged,        ///< DodgeColor with the grey 0xFF808080
         Burned,        ///< BurnColor with the grey 0xFF808080
@@ -110,8 +110,8 @@ struct TPartRow {
         , Element(element) {}
 };
 
-/// What switching gradients does to one element: it gets a gradient or, without gradients, a flat colour; or it is
-/// shown with gradients only.
+/// What switching gradients does to one element: it gets a gradient or, without gradients, a flat colour; or
+/// it is shown with gradients only.
 struct TGradientRow {
     enum class TWhat : std::uint8_t { Fill, Stroke, Shown, ShownInDetail };
     TWhat What = TWhat::Fill;
@@ -121,8 +121,8 @@ struct TGradientRow {
     TTint Tint = {};
 };
 
-/// What an element of an artwork must be for the code that uses it. Of two rows for one element the stricter one
-/// counts, which stands further below.
+/// What an element of an artwork must be for the code that uses it. Of two rows for one element the stricter
+/// one counts, which stands further below.
 enum class TArtworkKind : std::uint8_t {
     Graphic,  ///< anything that is drawn
     Group,    ///< a group
@@ -160,9 +160,9 @@ struct TInstrumentSetup {
     std::span<const TPartRow> PartElements = {};
     std::span<const std::string_view> DetailElements = {}; ///< shown with the detailed design only
     std::span<const TGradientRow> Gradients = {};
-    std::span<const TColorEdit> LightEdits = {};          ///< of LightColor
+    std::span<const TColorEdit> LightEdits = {};           ///< of LightColor
     std::span<const std::string_view> SavedGradients = {}; ///< that the class's own code restores
-    std::span<const TArtworkRow> Structure = {};           ///< of the contract, what the rows above do not say
+    std::span<const TArtworkRow> Structure = {}; ///< of the contract, what the rows above do not say
 };
 
 /// The words of the tables' rows, for sources that say `using namespace Vz::Rows`.
@@ -220,7 +220,8 @@ constexpr TEdit Always(TEdit edit) {
 }
 
 using TSwitch = TGradientRow;
-constexpr TSwitch Switch(std::string_view element, std::string_view gradient, std::string_view color, TTint tint = {}) {
+constexpr TSwitch Switch(std::string_view element, std::string_view gradient, std::string_view color,
+                         TTint tint = {}) {
     return {TSwitch::TWhat::Fill, element, gradient, color, tint};
 }
 constexpr TSwitch SwitchStroke(std::string_view element, std::string_view gradient, std::string_view color) {

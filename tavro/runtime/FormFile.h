@@ -34,11 +34,11 @@ inline constexpr int MaxFormObjects = 4096;
 inline constexpr std::size_t MaxFormSize = std::size_t{16} << 20;
 
 /// Creates what `text` describes. The classes must be registered; what stands inside an object is owned by
-/// it. Each component's properties are set between its BeginUpdate and EndUpdate, in the order of the text,
-/// owned texts once more behind it; then the objects inside it are made. All or nothing: the first fault in
-/// the text's order is raised, after everything made has been destroyed again, with `sourceName`, line and
-/// column: EReadError for the form of the text, EClassNotFound, EPropertyError for a property that there is
-/// not or that refused its value, EConvertError for a value that cannot be read.
+/// it. Each component's properties are set one by one in the order of the text, as a program would, outside
+/// of any update batch; then the objects inside it are made. All or nothing: the first fault in the text's
+/// order is raised, after everything made has been destroyed again, with `sourceName`, line and column:
+/// EReadError for the form of the text, EClassNotFound, EPropertyError for a property that there is not or
+/// that refused its value, EConvertError for a value that cannot be read.
 std::unique_ptr<TComponent> ReadForm(std::string_view text, std::string_view sourceName = {});
 
 /// Sets the properties of a component that is there already, which must be of the outermost object's class,

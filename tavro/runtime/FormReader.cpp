@@ -5,7 +5,6 @@
 #include "tavro/runtime/FormTextInternal.h"
 #include "tavro/runtime/PropAccess.h"
 #include "tavro/runtime/PropText.h"
-#include "tavro/runtime/Updates.h"
 #include "tavro/runtime/Utf8.h"
 
 #include <algorithm>
@@ -55,30 +54,13 @@ public:
         return component;
     }
 
-    /// Name and properties, between the component's own brackets. Owned texts are set once more behind these:
-    /// what a component does at the end of a batch may replace them (an emblem that an instrument loads by
-    /// its name).
+    /// Sets the name and the properties in the order of the text, one by one as a program would.
     void SetProperties(TComponent& component, const TFormObject& object) const {
         Placed(object.NamePlace, [&] {
             if (!object.Name.empty()) component.SetName(object.Name);
         });
-        Placed(object.Place, [&] { component.BeginUpdate(); });
-        std::exception_ptr fault;
-        try {
-            for (const TFormProperty& property : object.Properties)
-                SetProperty(component, property);
-        } catch (...) {
-            fault = std::current_exception();
-        }
-        try {
-            Placed(object.Place, [&] { component.EndUpdate(); });
-        } catch (...) {
-            if (!fault) fault = std::current_exception();
-        }
-        if (fault) std::rethrow_exception(fault);
         for (const TFormProperty& property : object.Properties)
-            if (ResolveProp(component, property.Path).Prop->Type.Kind == TValueKind::TextObject)
-                SetProperty(component, property);
+            SetProperty(component, property);
     }
 
     /// Runs `action`; what it raises is raised with this place, in the family of errors in outside data.
@@ -152,10 +134,7 @@ public:
     /// A setter that refuses its own earlier value does not keep the others from theirs.
     void Restore() const {
         FComponent.SetName(FName);
-        {
-            const TUpdateScope update(FComponent);
-            RunBackwards(FUndo);
-        }
+        RunBackwards(FUndo);
         RunBackwards(FTextUndo);
     }
 

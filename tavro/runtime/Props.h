@@ -36,8 +36,8 @@ struct TProp {
     /// by itself. Null: nothing more.
     void (*Reset)(TPersistent&) = nullptr;
 
-    /// The value that the object is there to show: what accessibility speaks, what a gallery moves. At most one
-    /// row of a table.
+    /// The value that the object is there to show: what accessibility speaks, what a gallery moves. At most
+    /// one row of a table.
     bool IsMain = false;
 
     /// An event: sets a handler that calls `called` whatever the event carries.

@@ -19,12 +19,19 @@ constexpr double SweepDeg = 200.2;
 constexpr double StartDeg = -100.05;
 
 constexpr TColorRow Colors[] = {
-    {"FrameColor", 0xFF888A85, FirstStopOf("linearGradientFrame"),
+    {"FrameColor",
+     0xFF888A85,
+     FirstStopOf("linearGradientFrame"),
      {Recolour("linearGradientFrame"), Flat("OuterFrame")}},
-    {"BackfaceColor", 0xFF555753, FirstStopOf("linearGradientBackface"),
+    {"BackfaceColor",
+     0xFF555753,
+     FirstStopOf("linearGradientBackface"),
      {Recolour("linearGradientBackfaceHighlight"), Recolour("linearGradientBackface"), Flat("BackfaceFlat")}},
     {"MarkersFillColor", 0xFFFFFFFF, FillOf("MarkersMajor"), {Fill("MarkersMajor"), Fill("MarkersMinor")}},
-    {"MarkersStrokeColor", 0xFF000000, StrokeOf("MarkersMajor"), {Stroke("MarkersMajor"), Stroke("MarkersMinor")}},
+    {"MarkersStrokeColor",
+     0xFF000000,
+     StrokeOf("MarkersMajor"),
+     {Stroke("MarkersMajor"), Stroke("MarkersMinor")}},
     {"LabelsFillColor", 0xFFFFFFFF, FillOf("Labels"), {Fill("Labels")}},
     {"LabelsStrokeColor", 0xFF000000, StrokeOf("Labels"), {Stroke("Labels")}},
     {"KnobFillColor", 0xFFFFFFFF, FirstStopOf("GradientKnob"), {Recolour("GradientKnob"), Flat("Knob")}},
@@ -100,13 +107,14 @@ constexpr TScale DefaultScale{0, 240, 0};
 
 std::span<const TProp> TVZSpeedometer::GetPropTable() const {
     using T = TVZSpeedometer;
-    static constexpr auto Rows = Publish(
-        ScaleProps<DefaultScale>(),
-        std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts), ObjectProp<&T::GetFont, &T::SetFont>("Font")},
-        ColorProps<Setup>(),
-        Inherited<Setup>({"Decoration", "Design", "EnableGradients", "FormatStr", "LightColor", "DecorationFillColor",
-                          "DecorationStrokeColor", "DecorationPath", "Buffered", "Quality", "OnChange", "OnDrawing",
-                          "OnDrawn"}));
+    static constexpr auto Rows =
+        Publish(ScaleProps<DefaultScale>(),
+                std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts),
+                           ObjectProp<&T::GetFont, &T::SetFont>("Font")},
+                ColorProps<Setup>(),
+                Inherited<Setup>({"Decoration", "Design", "EnableGradients", "FormatStr", "LightColor",
+                                  "DecorationFillColor", "DecorationStrokeColor", "DecorationPath",
+                                  "Buffered", "Quality", "OnChange", "OnDrawing", "OnDrawn"}));
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

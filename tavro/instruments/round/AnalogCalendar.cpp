@@ -9,10 +9,12 @@ namespace Vz {
 
 std::span<const TProp> TVZAnalogCalendar::GetPropTable() const {
     using T = TVZAnalogCalendar;
-    static constexpr auto Rows = PublishGauge<Setup>(Publish(std::array{
-        Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time")),
-        Prop<&T::GetDayOfYear, &T::SetDayOfYear, &T::IsDayOfYearStored>("DayOfYear"),
-    }, SizeProps<200, 200>()));
+    static constexpr auto Rows = PublishGauge<Setup>(Publish(
+        std::array{
+            Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time")),
+            Prop<&T::GetDayOfYear, &T::SetDayOfYear, &T::IsDayOfYearStored>("DayOfYear"),
+        },
+        SizeProps<200, 200>()));
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

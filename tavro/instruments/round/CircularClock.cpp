@@ -7,10 +7,12 @@ namespace Vz {
 
 std::span<const TProp> TVZCircularClock::GetPropTable() const {
     using T = TVZCircularClock;
-    static constexpr auto Rows = PublishGauge<Setup>(Publish(std::array{
-        Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time", TDateTime{})),
-        Prop<&T::GetHands, &T::SetHands, &T::IsHandsStored>("Hands", Setup.Hands),
-    }, SizeProps<200, 200>()));
+    static constexpr auto Rows = PublishGauge<Setup>(Publish(
+        std::array{
+            Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time", TDateTime{})),
+            Prop<&T::GetHands, &T::SetHands, &T::IsHandsStored>("Hands", Setup.Hands),
+        },
+        SizeProps<200, 200>()));
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

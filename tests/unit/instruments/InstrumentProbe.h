@@ -44,11 +44,11 @@ public:
     std::function<void()> OnStep;
 
     std::span<const TProp> GetPropTable() const override {
-        static constexpr auto Rows = Publish(
-            ColorProps<Setup>(),
-            Inherited<Setup>({"Design", "Decoration", "DecorationPath", "DecorationFillColor",
-                              "DecorationStrokeColor", "EnableGradients", "LightColor", "FormatStr", "Stretch",
-                              "Opacity", "Transform", "OnChange"}));
+        static constexpr auto Rows =
+            Publish(ColorProps<Setup>(),
+                    Inherited<Setup>({"Design", "Decoration", "DecorationPath", "DecorationFillColor",
+                                      "DecorationStrokeColor", "EnableGradients", "LightColor", "FormatStr",
+                                      "Stretch", "Opacity", "Transform", "OnChange"}));
         return Rows;
     }
 

@@ -107,7 +107,7 @@ TEST(ArtworkCheck, OtherKinds) {
         {{"<radialGradient id=\"radialGradientKnob\"", "<g id=\"radialGradientKnob\"/><radialGradient"},
          "\"radialGradientKnob\" is a g and should be a gradient"},
         {{"<text id=\"speed0\"", "<rect id=\"speed0\"/><text"},
-         "\"Labels\" is a g and should be a group that holds texts "
+         "\"Labels\" is a g and should be a group or text that holds texts "
          "and nothing else"},
         {{"id=\"InnerFrame\"", "id=\"InnerFrame_\""}, "there is no element \"InnerFrame\""},
     };

@@ -130,27 +130,36 @@ TEST(GaugeLook, PartsOfAPartGoWithIt) {
                                                    TPart::gpMainLabel, TPart::gpDetailLabel}));
 }
 
-TEST(GaugeLook, PartsSurviveABatch) {
+TEST(GaugeLook, LastWriterDecides) {
     const auto gauge = TBareGauge::Create();
-    const TParts parts = AllParts - TParts{TPart::gpGlass, TPart::gpBolts};
-    gauge->SetParts(parts);
-    const auto atOnce = Painted(*gauge);
+    gauge->SetParts(AllParts - TParts{TPart::gpGlass, TPart::gpBolts});
+    EXPECT_FALSE(IsShown(*gauge, "GlassGroup") || IsShown(*gauge, "Bolts"));
+    gauge->UpdateDesign(); // shows both exactly when the design is detailed
+    EXPECT_TRUE(IsShown(*gauge, "GlassGroup") && IsShown(*gauge, "Bolts"));
+    gauge->UpdateParts();
+    EXPECT_FALSE(IsShown(*gauge, "GlassGroup") || IsShown(*gauge, "Bolts"));
+    gauge->UpdateGradients(); // its elements, exactly when gradients are on and the design is detailed
+    EXPECT_TRUE(IsShown(*gauge, "GlassGroup"));
+    EXPECT_FALSE(IsShown(*gauge, "Bolts"));
+
+    gauge->SetParts({TPart::gpHands});
+    EXPECT_FALSE(IsShown(*gauge, "DialLight"));
+    gauge->UpdateGradients();
+    EXPECT_TRUE(IsShown(*gauge, "DialLight"));
+    gauge->SetDesign(TSVGDesign::sdSimple);
+    EXPECT_FALSE(IsShown(*gauge, "DialLight") || IsShown(*gauge, "GlassGroup") || IsShown(*gauge, "Bolts"));
     gauge->SetParts(AllParts);
-    gauge->BeginUpdate();
-    gauge->SetParts(parts);
-    gauge->EndUpdate();
-    EXPECT_EQ(Painted(*gauge), atOnce);
+    EXPECT_TRUE(IsShown(*gauge, "DialLight") && IsShown(*gauge, "GlassGroup") && IsShown(*gauge, "Bolts"));
+    EXPECT_FALSE(IsShown(*gauge, "KnobHighlight")); // no part of its own
 }
 
-TEST(GaugeLook, OrderOfPartsAndDesignDoesNotCount) {
-    const TParts parts = AllParts - TParts{TPart::gpKnob};
-    const auto one = TBareGauge::Create();
-    one->SetDesign(TSVGDesign::sdSimple);
-    one->SetParts(parts);
-    const auto other = TBareGauge::Create();
-    other->SetParts(parts);
-    other->SetDesign(TSVGDesign::sdSimple);
-    EXPECT_EQ(one->GetDocument().WriteText(), other->GetDocument().WriteText());
+TEST(GaugeLook, ABatchEndsWithTheDesign) {
+    const auto gauge = TBareGauge::Create();
+    gauge->BeginUpdate();
+    gauge->SetParts(AllParts - TParts{TPart::gpGlass});
+    EXPECT_FALSE(IsShown(*gauge, "GlassGroup"));
+    gauge->EndUpdate();
+    EXPECT_TRUE(IsShown(*gauge, "GlassGroup"));
 }
 
 // Design, gradients and light

@@ -114,10 +114,7 @@ public:
     void SetOnChange(TNotifyEvent event) { OnChange = std::move(event); }
 
     void BeginUpdate() override { Log.push_back("Begin"); }
-    void EndUpdate() override {
-        Log.push_back("End");
-        if (FCount == 99) throw EInvalidCast("ninety-nine is found out at the end");
-    }
+    void EndUpdate() override { Log.push_back("End"); }
     void SetParentComponent(TComponent& parent) override { Log.push_back("Parent " + parent.GetName()); }
 
     std::vector<std::string> Log;

@@ -80,10 +80,10 @@ TEST_F(TFormFileTest, ReadsWhatThePageShows) {
 
 TEST_F(TFormFileTest, WritesWhatItRead) { EXPECT_EQ(WriteForm(*ReadForm(Dashboard)), Dashboard); }
 
-TEST_F(TFormFileTest, PropertiesStandBetweenTheUpdateBrackets) {
+TEST_F(TFormFileTest, PropertiesAreSetOneByOneOutsideOfAnyBatch) {
     const auto form = ReadForm(Dashboard);
     const auto& speed = dynamic_cast<TTestGauge&>(*form->FindComponent("Speed"));
-    EXPECT_EQ(speed.Log, (std::vector<std::string>{"Parent Dashboard", "Begin", "Count", "End"}));
+    EXPECT_EQ(speed.Log, (std::vector<std::string>{"Parent Dashboard", "Count"}));
 }
 
 TEST_F(TFormFileTest, FreshComponentWritesOnlyWhatHasNoDefault) {
@@ -182,8 +182,6 @@ TEST_F(TFormFileTest, FaultsOfMeaningHaveTheirPlace) {
     EXPECT_EQ(FaultOf<EReadError>(
                   "object TTestForm\n  object A: TTestForm\n  end\n  object A: TTestGauge\n  end\nend"),
               "a.form:4:10: a component named \"A\" already exists");
-    EXPECT_EQ(FaultOf<EReadError>("object TTestForm\n  object A: TTestGauge\n    Count = 99\n  end\nend"),
-              "a.form:2:3: ninety-nine is found out at the end");
 }
 
 TEST_F(TFormFileTest, TheFirstFaultOfAnyKindIsNamed) {
