@@ -27,14 +27,6 @@ using Bench::Median;
 using Bench::Timed;
 
 /// A property that moves what the instrument shows, and where it moves to in equal steps.
-struct TMotion {
-    std::string_view Name;
-    double From;
-    double To;
-};
-/// The first that a class publishes is taken. Within a published scale, its ends go before those named here.
-constexpr TMotion Motions[] = {{"Value", 0, 9000}, {"Time", 46000, 46360}, {"Angle", 0, 350}};
-
 double NumberOf(TComponent& component, std::string_view name, double otherwise) {
     const TProp* const row = FindProp(component, name);
     return row ? AsDouble(row->Get(component)) : otherwise;
@@ -45,13 +37,12 @@ class TMover {
 public:
     explicit TMover(TComponent& component)
         : FComponent(component) {
-        for (const TMotion& motion : Motions) {
-            FRow = FindProp(component, motion.Name);
-            if (!FRow) continue;
-            FFrom = NumberOf(component, "Min", motion.From);
-            FTo = NumberOf(component, "Max", motion.To);
-            break;
-        }
+        for (const TProp& row : component.GetPropTable())
+            if (row.Main != TQuantity::None) FRow = &row;
+        if (!FRow) return;
+        const bool isTime = FRow->Type.Kind == TValueKind::DateTime; // days, around a date of these years
+        FFrom = NumberOf(component, "Min", isTime ? 46000 : 0);
+        FTo = NumberOf(component, "Max", isTime ? 46360 : FRow->Main == TQuantity::Heading ? 350 : 9000);
     }
     bool CanMove() const { return FRow != nullptr; }
     void Step() {
@@ -62,6 +53,11 @@ public:
             return FRow->Set(FComponent, TValue(static_cast<float>(place)));
         case TValueKind::DateTime:
             return FRow->Set(FComponent, TValue(TDateTime(place)));
+        case TValueKind::Boolean:
+        case TValueKind::Set:
+            return FRow->Set(FComponent, OtherState());
+        case TValueKind::Integer:
+            return FRow->Set(FComponent, TValue(static_cast<std::int64_t>(place)));
         default:
             return FRow->Set(FComponent, TValue(place));
         }

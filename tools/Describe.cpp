@@ -18,6 +18,7 @@ struct TRow {
     std::optional<std::string> Default;
     std::optional<std::string> Value;
     bool IsStored = false;
+    bool IsMain = false;
 };
 
 void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow>& rows);
@@ -35,6 +36,7 @@ void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow
         TRow& row = rows.emplace_back();
         row.Name = prefix + std::string(prop.Name);
         row.Type = prop.Type;
+        row.IsMain = prop.Main != TQuantity::None;
         if (prop.Default.index() != 0) row.Default = ValueToText(prop.Default);
         if (prop.Type.Kind == TValueKind::Object) {
             TPersistent* const owned = prop.GetObject(object);
@@ -106,7 +108,8 @@ std::string DescribeAsJson(TComponent& fresh) {
                 ", \"default\": " + JsonOrNull(row.Default) +
                 ", \"stored\": " + (row.IsStored ? "true" : "false") +
                 ", \"value\": " + JsonOrNull(row.Value) +
-                (row.Type.Members ? JsonMembers(*row.Type.Members) : "") + '}';
+                (row.Type.Members ? JsonMembers(*row.Type.Members) : "") +
+                (row.IsMain ? ", \"main\": true}" : "}");
     }
     return json.empty() ? "[]\n" : json + "\n]\n";
 }

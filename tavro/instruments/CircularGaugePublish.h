@@ -9,11 +9,11 @@ namespace Vz {
 
 /// The rows of a scale that the user sets. The ends stand before the value, so that a stream does not clamp
 /// it.
-template <class T, const TGaugeSetup& Setup>
+template <class T, const TGaugeSetup& Setup, TQuantity Quantity = TQuantity::Value>
 inline constexpr std::array GaugeScaleRows{
     Prop<&T::GetMin, &T::SetMin, &T::IsMinStored>("Min", Setup.Min),
     Prop<&T::GetMax, &T::SetMax, &T::IsMaxStored>("Max", Setup.Max),
-    Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value)),
+    Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value), Quantity),
     Prop<&T::GetStartAngle, &T::SetStartAngle>("StartAngle", Setup.StartAngle),
     Prop<&T::GetStopAngle, &T::SetStopAngle>("StopAngle", Setup.StopAngle),
     Prop<&T::GetMajorMarkers, &T::SetMajorMarkers>("MajorMarkers", Setup.MajorMarkers),

@@ -4,6 +4,7 @@
 #include "tavro/runtime/Object.h"
 #include "tavro/runtime/Value.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -15,6 +16,24 @@
 namespace Vz {
 
 class TStrings;
+
+/// What the main value of an object tells.
+enum class TQuantity : std::uint8_t {
+    None,        ///< the property is not the main one
+    Value,       ///< a number
+    Speed,       ///< a number, from standing still up
+    Pressure,    ///< a number, the air's
+    Temperature, ///< a number
+    Supply,      ///< a number that is used up, such as a tank's
+    Charge,      ///< a number that goes up and down, such as a battery's
+    Height,      ///< a number, from the ground up
+    Heading,     ///< degrees, clockwise from north
+    Position,    ///< a number of few whole ones, such as a dial's
+    TimeOfDay,
+    Date,
+    Lamps,  ///< a set of what is lit
+    Switch, ///< on or off
+};
 
 /// One published property: all that a stream, an inspector or a test must know of it. Made by Prop,
 /// ObjectProp and EventProp below; a class's rows stand in one constexpr array, which its GetPropTable gives.
@@ -36,9 +55,9 @@ struct TProp {
     /// by itself. Null: nothing more.
     void (*Reset)(TPersistent&) = nullptr;
 
-    /// The value that the object is there to show: what accessibility speaks, what a gallery moves. At most
-    /// one row of a table.
-    bool IsMain = false;
+    /// What the property tells, where it is the one that the object is there to show: what accessibility
+    /// speaks, what a gallery moves, a bench changes. At most one row of a table has it.
+    TQuantity Main = TQuantity::None;
 
     /// An event: sets a handler that calls `called` whatever the event carries.
     void (*Attach)(TPersistent&, std::function<void()> called) = nullptr;
@@ -204,8 +223,8 @@ template <auto Setter> consteval TProp EventProp(std::string_view name) {
 }
 
 /// The row as that of the object's main value.
-constexpr TProp Main(TProp row) {
-    row.IsMain = true;
+constexpr TProp Main(TProp row, TQuantity quantity = TQuantity::Value) {
+    row.Main = quantity;
     return row;
 }
 

@@ -252,7 +252,7 @@ public:
     }
 
 private:
-    static bool IsMain(const TWidgetProp& prop) { return prop.Name == "value" || prop.Name == "time"; }
+    static bool IsMain(const TWidgetProp& prop) { return prop.Prop->Main != TQuantity::None; }
     static std::string Signal(const TProp& event) {
         const std::string name = QtName(event.Name);
         return name.starts_with("on") ? LowerFirst(name.substr(2)) : name;

@@ -108,7 +108,7 @@ constexpr TScale DefaultScale{0, 240, 0};
 std::span<const TProp> TVZSpeedometer::GetPropTable() const {
     using T = TVZSpeedometer;
     static constexpr auto Rows =
-        Publish(ScaleProps<DefaultScale>(),
+        Publish(ScaleProps<DefaultScale, TQuantity::Speed>(),
                 std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts),
                            ObjectProp<&T::GetFont, &T::SetFont>("Font")},
                 ColorProps<Setup>(),

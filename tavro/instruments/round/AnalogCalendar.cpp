@@ -11,7 +11,7 @@ std::span<const TProp> TVZAnalogCalendar::GetPropTable() const {
     using T = TVZAnalogCalendar;
     static constexpr auto Rows = PublishGauge<Setup>(Publish(
         std::array{
-            Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time")),
+            Main(Prop<&T::GetTime, &T::SetTime, &T::IsTimeStored>("Time"), TQuantity::Date),
             Prop<&T::GetDayOfYear, &T::SetDayOfYear, &T::IsDayOfYearStored>("DayOfYear"),
         },
         SizeProps<200, 200>()));

@@ -22,7 +22,7 @@ float DecadeAngle(double units, double turn) {
 std::span<const TProp> TVZCircularAltimeter::GetPropTable() const {
     using T = TVZCircularAltimeter;
     static constexpr auto Rows = PublishGauge<Setup>(std::array{
-        Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value)),
+        Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value), TQuantity::Height),
         Prop<&T::GetHands, &T::SetHands, &T::IsHandsStored>("Hands", Setup.Hands),
     });
     static_assert(NamesAreUnique(Rows));

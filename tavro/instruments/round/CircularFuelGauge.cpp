@@ -6,7 +6,7 @@
 namespace Vz {
 
 std::span<const TProp> TVZCircularFuelGauge::GetPropTable() const {
-    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularFuelGauge, Setup>);
+    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularFuelGauge, Setup, TQuantity::Supply>);
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

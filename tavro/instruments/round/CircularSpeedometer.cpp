@@ -6,7 +6,7 @@
 namespace Vz {
 
 std::span<const TProp> TVZCircularSpeedometer::GetPropTable() const {
-    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularSpeedometer, Setup>);
+    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularSpeedometer, Setup, TQuantity::Speed>);
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }
