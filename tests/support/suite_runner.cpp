@@ -42,11 +42,13 @@ struct TCase {
     int Height = 0;
 };
 
-std::unique_ptr<TVZSVGControl> Load(const TCase& item) {
-    auto control = TVZSVGControl::Create();
-    control->LoadFromFile(item.Svg);
-    control->SetBounds(0, 0, item.Width, item.Height);
-    return control;
+/// The document by itself, as its file says: a control would set the alignments.
+void Draw(const TCase& item, TVZGPBitmap& bitmap) {
+    TSVGDocument document;
+    document.LoadFromFile(item.Svg);
+    const TRectF all{0, 0, float(item.Width), float(item.Height)};
+    document.FitToRect(all);
+    document.Draw(bitmap.GetCanvas(), document.GetDrawMatrix(), all);
 }
 
 void WriteReason(const TCase& item, const std::string& reason) {
@@ -57,9 +59,9 @@ void WriteReason(const TCase& item, const std::string& reason) {
 /// The child's work; its exit status.
 int DrawCase(const TCase& item) {
     try {
-        const auto control = Load(item);
-        THeadlessHost host(*control);
-        WriteFileAtomically(item.Png, EncodePng(host.Paint().GetPixels()));
+        TVZGPBitmap bitmap(static_cast<unsigned>(item.Width), static_cast<unsigned>(item.Height));
+        Draw(item, bitmap);
+        WriteFileAtomically(item.Png, EncodePng(bitmap.GetPixels()));
         return 0;
     } catch (const std::exception& error) {
         WriteReason(item, std::string("error: ") + error.what());
