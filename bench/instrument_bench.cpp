@@ -37,8 +37,7 @@ class TMover {
 public:
     explicit TMover(TComponent& component)
         : FComponent(component) {
-        for (const TProp& row : component.GetPropTable())
-            if (row.Main != TQuantity::None) FRow = &row;
+        FRow = FindMainProp(component);
         if (!FRow) return;
         const bool isTime = FRow->Type.Kind == TValueKind::DateTime; // days, around a date of these years
         FFrom = NumberOf(component, "Min", isTime ? 46000 : 0);
@@ -64,6 +63,14 @@ public:
     }
 
 private:
+    /// On for off, and the first member in or out of a set.
+    TValue OtherState() const {
+        TValue value = FRow->Get(FComponent);
+        if (bool* const on = std::get_if<bool>(&value)) *on = !*on;
+        if (TSetValue* const set = std::get_if<TSetValue>(&value)) set->Mask ^= 1;
+        return value;
+    }
+
     TComponent& FComponent;
     const TProp* FRow = nullptr;
     double FFrom = 0;

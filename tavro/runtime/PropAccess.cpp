@@ -57,6 +57,12 @@ std::vector<const TProp*> ListRows(const TPersistent& object) {
     return rows;
 }
 
+const TProp* FindMainProp(const TPersistent& object) {
+    for (const TProp& row : object.GetPropTable())
+        if (row.Main != TQuantity::None) return &row;
+    return nullptr;
+}
+
 const TProp* FindProp(const TPersistent& object, std::string_view name) {
     if (const TProp* row = FindRow(object.GetCommonProps(), name)) return row;
     return FindRow(object.GetPropTable(), name);

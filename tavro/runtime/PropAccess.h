@@ -23,6 +23,9 @@ struct TNamedProp {
 /// All rows of an object in stream order: the common ones, then those of its class that are no common ones.
 std::vector<const TProp*> ListRows(const TPersistent& object);
 
+/// The row of the object's main value, or null.
+const TProp* FindMainProp(const TPersistent& object);
+
 /// The row of that name (exact case) among the object's common properties and those of its class, or null.
 const TProp* FindProp(const TPersistent& object, std::string_view name);
 

@@ -1,6 +1,7 @@
 #include "hosts/qt/gallery/Motion.h"
 
 #include "hosts/qt/VzWidget.h"
+#include "tavro/runtime/PropAccess.h"
 
 #include <QDateTime>
 #include <QMetaProperty>
@@ -11,6 +12,8 @@
 #include <span>
 
 namespace {
+
+using Vz::TQuantity;
 
 /// A point of a curve: where in the range (0 to 1) at which second.
 struct Stop {
@@ -26,15 +29,16 @@ constexpr Stop Weather[] = {{0, 0.62}, {9, 0.68}, {20, 0.34}, {27, 0.2}, {33, 0.
 constexpr Stop Tank[] = {{0, 0.96}, {12, 0.71}, {20, 0.58}, {33, 0.22}, {40, 0.07}, {42, 0.06}, {46, 0.96}};
 constexpr Stop Charge[] = {{0, 1}, {24, 0.12}, {26, 0.1}, {38, 0.94}, {42, 1}};
 constexpr Stop Flight[] = {{0, 0}, {3, 0}, {25, 0.82}, {32, 0.85}, {40, 0.85}, {62, 0.04}, {66, 0}, {70, 0}};
+constexpr Stop Day[] = {{0, 0.35}, {14, 0.22}, {30, 0.55}, {42, 0.78}, {48, 0.76}, {60, 0.35}};
 constexpr Stop Wander[] = {{0, 0.1}, {8, 0.85}, {14, 0.55}, {22, 0.95}, {30, 0.05}, {34, 0.1}};
 
-/// The curves of single classes, by a word of the class's name.
+/// The curves of quantities that have one of their own.
 constexpr struct {
-    const char* word;
+    TQuantity quantity;
     std::span<const Stop> curve;
 } Curves[] = {
-    {"Speedometer", Drive}, {"Barometer", Weather}, {"FuelGauge", Tank},
-    {"Battery", Charge},    {"Altimeter", Flight},  {"Thermometer", Weather},
+    {TQuantity::Speed, Drive},   {TQuantity::Pressure, Weather}, {TQuantity::Supply, Tank},
+    {TQuantity::Charge, Charge}, {TQuantity::Height, Flight},    {TQuantity::Temperature, Day},
 };
 
 constexpr double FlightCeiling = 36000; // feet; for a height without a range
@@ -42,10 +46,9 @@ constexpr double MinutesPerSecond = 24; // a day in a minute
 constexpr double DaysPerSecond = 3;
 constexpr double SecondsPerStep = 2;
 
-std::span<const Stop> curveOf(const VzWidget& widget) {
-    const QByteArray name = widget.metaObject()->className();
+std::span<const Stop> curveOf(TQuantity quantity) {
     for (const auto& row : Curves)
-        if (name.contains(row.word)) return row.curve;
+        if (row.quantity == quantity) return row.curve;
     return Wander;
 }
 
@@ -61,9 +64,12 @@ double shareAt(std::span<const Stop> curve, double seconds) {
 
 bool has(const VzWidget& widget, const char* name) { return widget.metaObject()->indexOfProperty(name) >= 0; }
 
-QVariant valueOfRange(const VzWidget& widget, double seconds) {
-    const double share = shareAt(curveOf(widget), seconds);
-    if (!has(widget, "maximum")) return FlightCeiling * share;
+qint64 stepAt(double seconds) { return qint64(std::max(seconds, 0.0) / SecondsPerStep); }
+
+QVariant valueOfRange(const VzWidget& widget, TQuantity quantity, double seconds) {
+    const double share = shareAt(curveOf(quantity), seconds);
+    if (!has(widget, "maximum"))
+        return quantity == TQuantity::Position ? double(stepAt(seconds) % 2) : FlightCeiling * share;
     const QVariant low = widget.property("minimum");
     const double value = std::lerp(low.toDouble(), widget.property("maximum").toDouble(), share);
     return low.userType() == QMetaType::Int ? std::round(value) : value; // a dial has whole positions
@@ -85,8 +91,6 @@ QVariant heading(double seconds) {
     return std::fmod(360 + 40 + 55 * std::sin(turn / 17) + 80 * std::sin(turn / 41), 360);
 }
 
-qint64 stepAt(double seconds) { return qint64(std::max(seconds, 0.0) / SecondsPerStep); }
-
 /// One member after the other.
 QVariant memberOf(const VzWidget& widget, const char* name, double seconds) {
     const QMetaObject& meta = *widget.metaObject();
@@ -94,27 +98,30 @@ QVariant memberOf(const VzWidget& widget, const char* name, double seconds) {
     return members.keyCount() > 0 ? members.value(int(stepAt(seconds) % members.keyCount())) : 0;
 }
 
-/// What can be driven, the first that a widget has.
-constexpr struct {
-    const char* property;
-    const char* beside; ///< another property that the widget must have, or null
-    QVariant (*valueAt)(const VzWidget& widget, double seconds);
-} Drives[] = {
-    {"time", "dayOfYear", [](const VzWidget&, double s) { return day(s); }},
-    {"time", nullptr, [](const VzWidget&, double s) { return timeOfDay(s); }},
-    {"value", "maximum", valueOfRange},
-    {"checked", nullptr, [](const VzWidget&, double s) { return QVariant(stepAt(s) % 2 == 0); }},
-    {"lights", nullptr, [](const VzWidget& w, double s) { return memberOf(w, "lights", s); }},
-    {"angle", nullptr, [](const VzWidget&, double s) { return heading(s); }},
-    {"value", nullptr, valueOfRange},
-};
+QVariant valueAt(const VzWidget& widget, const char* name, TQuantity quantity, double seconds) {
+    switch (quantity) {
+    case TQuantity::TimeOfDay:
+        return timeOfDay(seconds);
+    case TQuantity::Date:
+        return day(seconds);
+    case TQuantity::Heading:
+        return heading(seconds);
+    case TQuantity::Switch:
+        return stepAt(seconds) % 2 == 0;
+    case TQuantity::Lamps:
+        return memberOf(widget, name, seconds);
+    default:
+        return valueOfRange(widget, quantity, seconds);
+    }
+}
 
 } // namespace
 
 Motion motionOf(const VzWidget& widget) {
-    for (const auto& row : Drives)
-        if (has(widget, row.property) && (!row.beside || has(widget, row.beside)))
-            return {row.property,
-                    [&widget, at = row.valueAt](double seconds) { return at(widget, seconds); }};
-    return {};
+    const Vz::TProp* const row = Vz::FindMainProp(widget.component());
+    const char* const name = widget.metaObject()->userProperty().name();
+    if (!row || !name) return {};
+    return {name, [&widget, name, quantity = row->Main](double seconds) {
+                return valueAt(widget, name, quantity, seconds);
+            }};
 }

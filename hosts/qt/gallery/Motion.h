@@ -13,8 +13,8 @@ struct Motion {
     std::function<QVariant(double seconds)> valueAt; ///< seconds since the motion began
 };
 
-/// The motion that suits the widget, found from its properties: a time of day runs through a day in a minute,
-/// a value through its range, an angle turns, a switch is switched, a set goes through its members. Some
-/// classes have a curve of their own, such as a drive for a speedometer. The motion is the same at the same
-/// moment, whenever it is asked; the widget must outlive it.
+/// The motion that suits the widget's main value, from what that value tells: a time of day runs through a
+/// day in a minute, a number through its range, along a drive for a speed, a heading turns, a switch is
+/// switched, lamps are lit one after the other. The motion is the same at the same moment, whenever it is
+/// asked; the widget must outlive it.
 Motion motionOf(const VzWidget& widget);

@@ -711,7 +711,7 @@ TEST(VzWidgetAccessible, RoleNameValueAndRange) {
     widget.setValue(87.26);
     QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&widget);
     ASSERT_TRUE(seen);
-    EXPECT_EQ(seen->role(), QAccessible::Dial);
+    EXPECT_EQ(seen->role(), QAccessible::Indicator);
     EXPECT_EQ(seen->text(QAccessible::Name), QStringLiteral("Speedometer"));
     EXPECT_EQ(seen->text(QAccessible::Value), QStringLiteral("87.3"));
     ASSERT_TRUE(seen->valueInterface());
