@@ -1,9 +1,7 @@
 #include "tavro/svg/model/Image.h"
 
-#include "tavro/graphics/Bitmap.h"
-#include "tavro/runtime/Exceptions.h"
 #include "tavro/svg/model/Document.h"
-#include "tavro/svg/values/DataUri.h"
+#include "tavro/svg/model/PictureInternal.h"
 
 namespace Vz {
 
@@ -14,32 +12,27 @@ TSVGImage::~TSVGImage() = default;
 
 bool TSVGImage::ReadAttribute(std::string_view name, std::string_view value) {
     if (name != "href") return TSVGViewElement::ReadAttribute(name, value);
-    FHref = value;
-    FBitmap = nullptr;
-    FEmbedded = nullptr;
-    try {
-        const auto content = ReadDataUri(value);
-        if (!content)
-            Refuse(name, value);
-        else if (content->starts_with("\x89PNG"))
-            FBitmap = DecodePng(*content);
-        else if (GetDocument().GetEmbeddingDepth() < TSVGDocument::MaxEmbedding &&
-                 content->find("<svg") != std::string::npos) {
-            auto embedded = std::make_shared<TSVGDocument>();
-            embedded->LoadEmbedded(*content, GetDocument().GetEmbeddingDepth() + 1);
-            FEmbedded = std::move(embedded);
-        } else
-            Refuse(name, value);
-    } catch (const EVZError&) {
-        Refuse(name, value);
-    }
+    FPicture = nullptr; // first: its pixels count no more
+    FPicture = TSVGPicture::Read(GetDocument(), value);
+    if (const std::string fault = FPicture->Fault(); !fault.empty()) Refuse(name, value, fault);
     Changed(TSVGChangeKind::Shape);
     return true;
 }
 
+std::shared_ptr<const TVZGPBitmap> TSVGImage::GetBitmap() const {
+    return FPicture ? FPicture->Bitmap : nullptr;
+}
+
+const TSVGDocument* TSVGImage::GetEmbedded() const { return FPicture ? FPicture->Embedded.get() : nullptr; }
+
+void TSVGImage::SetPicture(std::shared_ptr<const TSVGPicture> picture) {
+    FPicture = std::move(picture);
+    Changed(TSVGChangeKind::Shape);
+}
+
 void TSVGImage::WriteAttributes(IAttributeSink& sink) const {
     TSVGViewElement::WriteAttributes(sink);
-    if (!FHref.empty()) sink.Put("xlink:href", FHref);
+    if (FPicture && !FPicture->Uri.empty()) sink.Put("xlink:href", FPicture->Uri);
 }
 
 std::unique_ptr<TSVGElement> TSVGImage::NewAlike(TSVGDocument& document) const {
@@ -49,9 +42,7 @@ std::unique_ptr<TSVGElement> TSVGImage::NewAlike(TSVGDocument& document) const {
 void TSVGImage::CopyFrom(const TSVGElement& source) {
     TSVGViewElement::CopyFrom(source);
     const auto& other = static_cast<const TSVGImage&>(source);
-    FHref = other.FHref;
-    FBitmap = other.FBitmap;
-    FEmbedded = other.FEmbedded;
+    FPicture = other.FPicture;
 }
 
 } // namespace Vz

@@ -5,6 +5,7 @@
 namespace Vz {
 
 class TVZGPBitmap;
+struct TSVGPicture;
 
 /// A picture: PNG or SVG by data URI. Files are never opened.
 class TSVGImage final : public TSVGViewElement {
@@ -12,9 +13,11 @@ public:
     explicit TSVGImage(TSVGDocument& document);
     ~TSVGImage() override;
     /// The decoded PNG; null where there is none.
-    std::shared_ptr<const TVZGPBitmap> GetBitmap() const { return FBitmap; }
+    std::shared_ptr<const TVZGPBitmap> GetBitmap() const;
     /// The embedded SVG document; null where there is none.
-    const TSVGDocument* GetEmbedded() const { return FEmbedded.get(); }
+    const TSVGDocument* GetEmbedded() const;
+    /// Shows what another element has read. Null: nothing.
+    void SetPicture(std::shared_ptr<const TSVGPicture> picture);
 
     bool ReadAttribute(std::string_view name, std::string_view value) override;
     void WriteAttributes(IAttributeSink& sink) const override;
@@ -24,9 +27,7 @@ protected:
     void CopyFrom(const TSVGElement& source) override;
 
 private:
-    std::string FHref;
-    std::shared_ptr<const TVZGPBitmap> FBitmap;
-    std::shared_ptr<const TSVGDocument> FEmbedded;
+    std::shared_ptr<const TSVGPicture> FPicture;
 };
 
 } // namespace Vz

@@ -1,5 +1,7 @@
 #include "tavro/svg/model/PlainElement.h"
 
+#include "tavro/svg/model/PictureInternal.h"
+
 #include <algorithm>
 
 namespace Vz {
@@ -21,6 +23,12 @@ bool TSVGPlainElement::ReadAttribute(std::string_view name, std::string_view val
         FAttributes.emplace_back(name, value);
     else
         at->second = value;
+    if (name == "href" && FName == "feImage") {
+        FPicture = nullptr;
+        if (!value.starts_with('#')) FPicture = TSVGPicture::Read(GetDocument(), value);
+        if (const std::string fault = FPicture ? FPicture->Fault() : ""; !fault.empty())
+            Refuse(name, value, fault);
+    }
     return true;
 }
 
@@ -38,6 +46,7 @@ void TSVGPlainElement::CopyFrom(const TSVGElement& source) {
     const auto& other = static_cast<const TSVGPlainElement&>(source);
     FText = other.FText;
     FAttributes = other.FAttributes;
+    FPicture = other.FPicture;
 }
 
 } // namespace Vz
