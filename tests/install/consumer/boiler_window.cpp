@@ -1,6 +1,8 @@
 // The widget that was written for an instrument of this project's own, and where there is one, Designer's
 // plugin with it.
 
+#include "Boiler.h"
+
 #include <VzBoiler.h>
 
 #include <QApplication>
