@@ -13,17 +13,20 @@ constexpr std::string_view Artwork = R"(<svg xmlns="http://www.w3.org/2000/svg" 
 <rect id="Water" x="30" y="20" width="40" height="60" fill="#39f"/>
 </svg>)";
 
+constexpr Vz::TInstrumentSetup Setup{.Artwork = "BoilerSVG"};
+
 } // namespace
 
 std::span<const Vz::TProp> TBoiler::GetPropTable() const {
-    static constexpr auto Rows = Vz::Publish({Vz::Prop<&TBoiler::GetLevel, &TBoiler::SetLevel>("Level", 0.0)},
-                                             {"Opacity", "OnChange"});
+    static constexpr auto Rows = Vz::Publish(
+        std::array{Vz::Main(Vz::Prop<&TBoiler::GetLevel, &TBoiler::SetLevel>("Level", 0.0))},
+        Vz::Inherited<Setup>({"Opacity", "OnChange"}));
     return Rows;
 }
 
-std::string TBoiler::GetSVGResourceName() const {
+const Vz::TInstrumentSetup& TBoiler::GetSetup() const {
     Vz::AddResource("BoilerSVG", Artwork);
-    return "BoilerSVG";
+    return Setup;
 }
 
 void TBoiler::SetLevel(double value) {

@@ -15,7 +15,9 @@ public:
     void SetLevel(double value);
 
     std::span<const Vz::TProp> GetPropTable() const override;
-    std::string GetSVGResourceName() const override;
+
+protected:
+    const Vz::TInstrumentSetup& GetSetup() const override;
 
 private:
     double FLevel = 0;

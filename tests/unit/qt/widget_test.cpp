@@ -7,6 +7,7 @@
 #include "VzSpeedometer.h"
 
 #include "hosts/qt/WidgetList.h"
+#include "tavro/VZSVGControl.h"
 #include "tavro/Vz.Tavro.Clocks.h"
 #include "tavro/Vz.Tavro.Speedometers.h"
 #include "tavro/controls/Form.h"
@@ -14,6 +15,7 @@
 #include "tavro/graphics/Bitmap.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/ClassRegistry.h"
+#include "tavro/runtime/Exceptions.h"
 #include "tavro/runtime/Resources.h"
 
 #include <QAccessible>
