@@ -11,9 +11,10 @@ namespace {
 std::atomic<std::size_t> Allocations = 0;
 std::atomic<std::size_t> AllocatedBytes = 0;
 
+/// Relaxed: a count that ordered the threads would hide their races from the thread sanitizer.
 void CountOne(std::size_t size) {
-    ++Allocations;
-    AllocatedBytes += size;
+    Allocations.fetch_add(1, std::memory_order_relaxed);
+    AllocatedBytes.fetch_add(size, std::memory_order_relaxed);
 }
 
 } // namespace
