@@ -10,6 +10,7 @@ import argparse
 import base64
 import glob
 import html
+import json
 import os
 import shutil
 import subprocess
@@ -19,16 +20,11 @@ INK, FAINT = '#1f2733', '#5c6675'
 DIAL = 'examples/svg/dial.svg'
 DECORATIONS = ('Star Modern Dragon Anchor Wheel Plane PlaneTop Jet Car SimpleBoat Globe FuelTank Bolt Biohazard Wifi '
                'Cloudy Sunny Stormy Rainy Snowy PartlyCloudy Winter Spring Summer Autumn').split()
-# Where an instrument stands so that one sees what it is; of each, what the class publishes.
-POSITIONS = {
-    'TVZSpeedometer': ['Value=87'],
-    'TVZCircularAltimeter': ['Value=12345'],
-    'TVZCircularBarometer': ['Value=1013'],
-    'TVZCircularFuelGauge': ['Value=62'],
-    'TVZCircularSpeedometer': ['Value=74'],
-    'TVZCircularClock': ['Time=10:08:36'],
-    'TVZAnalogCalendar': ['Time=2026-03-15'],
-}
+# Where an instrument stands so that one sees what it is, by what its main value tells; a number on a published scale
+# stands at a share of it.
+PLACES = {'TimeOfDay': '10:08:36', 'Date': '2026-03-15', 'Height': '12345', 'Heading': '40', 'Lamps': '[ltGreen]',
+          'Switch': 'true'}
+SHARES = {'Speed': 0.36, 'Pressure': 0.63, 'Temperature': 0.55, 'Supply': 0.62, 'Charge': 0.72}
 
 
 def everywhere(color, *names):
@@ -78,9 +74,8 @@ class Tool:
         return png
 
     def properties(self, name):
-        """Declared defaults by the properties' names; a class that is no instrument has none."""
-        fields = [line.split('\t') for line in self.run('describe', name).splitlines()]
-        properties = {field[0]: field[2] for field in fields}
+        """What describes the properties, by their names; a class that is no instrument has none."""
+        properties = {row['name']: row for row in json.loads(self.run('describe', name, '--json'))}
         return properties if 'Design' in properties else {}
 
 
@@ -88,6 +83,18 @@ def sets(properties, edits):
     """Those of the edits that a class understands, as arguments."""
     known = [edit for edit in edits if edit.split('=')[0] in (*properties, 'Enabled')]
     return [word for edit in known for word in ('--set', edit)]
+
+
+def place_of(properties):
+    """The edit that brings the main value to where one sees what it is; none where there is no place for it."""
+    for name, row in properties.items():
+        quantity = row.get('main')
+        if quantity in PLACES:
+            return [f'{name}={PLACES[quantity]}']
+        if quantity in SHARES and 'Max' in properties:
+            low, high = (float(properties[end]['value']) for end in ('Min', 'Max'))
+            return [f'{name}={low + SHARES[quantity] * (high - low):g}']
+    return []
 
 
 class Sheet:
@@ -139,7 +146,7 @@ def instruments_sheet(tool, tile):
             x = left + GAP + column * step
             sheet.text(look, x + tile / 2, HEADING - GAP - 8)
             for row, (name, properties) in enumerate(names):
-                arguments = sets(properties, [*POSITIONS.get(name, []), *edits])
+                arguments = sets(properties, [*place_of(properties), *edits])
                 png = tool.picture(f'{name}/{look}', name, '--size', f'{tile}x{tile}', *arguments)
                 sheet.image(png, x, HEADING + row * (tile + CAPTION), tile)
     for row, (name, _) in enumerate(names):

@@ -18,7 +18,7 @@ struct TRow {
     std::optional<std::string> Default;
     std::optional<std::string> Value;
     bool IsStored = false;
-    bool IsMain = false;
+    TQuantity Main = TQuantity::None;
 };
 
 void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow>& rows);
@@ -36,7 +36,7 @@ void AppendRows(TPersistent& object, const std::string& prefix, std::vector<TRow
         TRow& row = rows.emplace_back();
         row.Name = prefix + std::string(prop.Name);
         row.Type = prop.Type;
-        row.IsMain = prop.Main != TQuantity::None;
+        row.Main = prop.Main;
         if (prop.Default.index() != 0) row.Default = ValueToText(prop.Default);
         if (prop.Type.Kind == TValueKind::Object) {
             TPersistent* const owned = prop.GetObject(object);
@@ -83,6 +83,13 @@ std::string JsonText(std::string_view text) {
 
 std::string JsonOrNull(const std::optional<std::string>& text) { return text ? JsonText(*text) : "null"; }
 
+/// What a main value tells, in the order of TQuantity.
+constexpr std::string_view Quantities[] = {"",          "Value",  "Speed",  "Pressure", "Temperature",
+                                           "Supply",    "Charge", "Height", "Heading",  "Position",
+                                           "TimeOfDay", "Date",   "Lamps",  "Switch"};
+static_assert(std::size(Quantities) == std::size_t(TQuantity::Switch) + 1);
+std::string_view NameOf(TQuantity quantity) { return Quantities[static_cast<std::size_t>(quantity)]; }
+
 std::string JsonMembers(const TEnumType& type) {
     std::string json;
     for (const std::string_view member : type.Members)
@@ -109,7 +116,7 @@ std::string DescribeAsJson(TComponent& fresh) {
                 ", \"stored\": " + (row.IsStored ? "true" : "false") +
                 ", \"value\": " + JsonOrNull(row.Value) +
                 (row.Type.Members ? JsonMembers(*row.Type.Members) : "") +
-                (row.IsMain ? ", \"main\": true}" : "}");
+                (row.Main == TQuantity::None ? "}" : ", \"main\": " + JsonText(NameOf(row.Main)) + '}');
     }
     return json.empty() ? "[]\n" : json + "\n]\n";
 }

@@ -216,6 +216,22 @@ TEST(Registry, SetStreamedAndReadBackAlike) {
     });
 }
 
+/// The component's document as text; empty where it has none.
+std::string DocumentOf(TComponent& component) {
+    const auto* const svg = dynamic_cast<const TVZSVGControl*>(&component);
+    return svg ? svg->GetDocument().WriteText() : std::string();
+}
+
+TEST(Registry, AFormGivesTheDocumentThatWasSaved) {
+    ForEachProp([&](TComponent& component, const TNamedProp& prop) {
+        for (const TProp& row : component.GetPropTable()) // what shows the present time shows one time
+            if (row.Type.Kind == TValueKind::DateTime) row.Set(component, TValue(TDateTime(45000.25)));
+        Vary(component, prop);
+        const auto copy = ReadForm(WriteForm(component));
+        EXPECT_TRUE(DocumentOf(*copy) == DocumentOf(component));
+    });
+}
+
 TEST(Registry, AllPropertiesTogetherReadBackAlike) {
     for (const TClassEntry& entry : Classes()) {
         SCOPED_TRACE(entry.Name);
