@@ -269,21 +269,39 @@ void TVZSVGCustomInstrument::SetElementText(std::string_view id, std::string_vie
     if (auto* const element = Find<TSVGCustomText>(id)) element->SetText(text);
 }
 
-void TVZSVGCustomInstrument::WriteScale(std::string_view groupId, float first, float last) {
+TSVGBasicShape* TVZSVGCustomInstrument::FindRect(std::string_view id) const {
+    auto* const shape = Find<TSVGBasicShape>(id);
+    if (shape && shape->GetTag() != TSVGTag::Rect)
+        throw EInvalidCast("the element \"" + std::string(id) + "\" is no rect");
+    return shape;
+}
+
+void TVZSVGCustomInstrument::WriteScale(std::string_view groupId, float first, float last,
+                                        std::string_view twinId) {
     auto* const group = Find<TSVGGraphicElement>(groupId);
-    if (!group) return;
-    EditDocument([&] {
-        const auto count = static_cast<int>(group->GetChildCount());
-        const double step = (double{last} - double{first}) / std::max(count - 1, 1);
-        std::vector<double> numbers;
-        for (double number = first; static_cast<int>(numbers.size()) < count; number += step)
-            numbers.push_back(number);
-        auto number = FormatNumbers(numbers).begin();
-        for (const auto& child : group->Children()) {
-            auto* const text = dynamic_cast<TSVGCustomText*>(child.get());
-            if (!text) throw EInvalidCast(std::string(groupId) + ": a child that is no text");
-            text->SetText(*number++);
+    auto* const twin = twinId.empty() ? group : Find<TSVGGraphicElement>(twinId);
+    if (!group || !twin) return;
+    const std::size_t count = group->GetChildCount();
+    if (twin->GetChildCount() < count)
+        throw EArgumentOutOfRange(std::string(twinId) + ": fewer texts than in " + std::string(groupId));
+    std::vector<TSVGCustomText*> texts;
+    const auto take = [&](const TSVGGraphicElement& parent, std::string_view id) {
+        for (std::size_t i = 0; i < count; ++i) {
+            texts.push_back(dynamic_cast<TSVGCustomText*>(parent.Children()[i].get()));
+            if (!texts.back()) throw EInvalidCast(std::string(id) + ": a child that is no text");
         }
+    };
+    take(*group, groupId);
+    if (twin != group) take(*twin, twinId);
+
+    const double step = (double{last} - double{first}) / std::max(static_cast<int>(count) - 1, 1);
+    std::vector<double> numbers;
+    for (double number = first; numbers.size() < count; number += step)
+        numbers.push_back(number);
+    const std::vector<std::string>& written = FormatNumbers(numbers);
+    EditDocument([&] {
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            texts[i]->SetText(written[i % count]);
     });
 }
 

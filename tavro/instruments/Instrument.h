@@ -15,6 +15,7 @@
 
 namespace Vz {
 
+class TSVGBasicShape;
 class TSVGCustomGradient;
 class TSVGFont;
 class TVZPathData;
@@ -207,6 +208,7 @@ protected:
     // not have are passed over; one of another class raises EInvalidCast.
 
     template <class T> T* Find(std::string_view id) const;
+    TSVGBasicShape* FindRect(std::string_view id) const;
     /// Runs edits of the document inside one update of it, also ended by an exception.
     template <class F> void EditDocument(F edits);
     /// What most setters are: nothing when the value is equal; else stores it, edits the document, marks the
@@ -237,8 +239,10 @@ protected:
     /// Carries out one edit of the tables for a colour, whatever its When.
     void ApplyEdit(const TColorEdit& edit, TVZGPColor color);
     /// Writes numbers into the children of a group, which are texts (else EInvalidCast): the first one's is
-    /// `first`, the last one's `last`, evenly between.
-    void WriteScale(std::string_view groupId, float first, float last);
+    /// `first`, the last one's `last`, evenly between. The first children of its twin, where one is named,
+    /// get the same; one with fewer children raises EArgumentOutOfRange. Nothing happens where a group is
+    /// missing.
+    void WriteScale(std::string_view groupId, float first, float last, std::string_view twinId = {});
     /// Gives an element the font; what the font leaves open is as the artwork has it.
     void ApplyFont(std::string_view elementId, const TSVGFont& font);
     /// Turns an element about the centre of `centerId`'s box, which is taken under its own transform, by

@@ -46,6 +46,8 @@ protected:
     void RefreshDefaults() { FDefaults = FScale; }
     /// Shows another Min or Max, and the value on it. Runs inside a document's update.
     virtual void ShowScale() = 0;
+    /// What ShowScale edits; of the picture the caches are marked stale behind it. The base's: the picture.
+    virtual TReach GetScaleReach() const;
     /// Shows another value, and invalidates.
     virtual void ShowValue() = 0;
 
@@ -53,6 +55,8 @@ protected:
     const TScale& GetDefaults() const { return FDefaults; }
 
 private:
+    void ScaleMoved();
+
     TScale FScale;
     TScale FDefaults;
 };

@@ -1,7 +1,10 @@
 #include "tavro/package/Package.h"
 
 #include "tavro/controls/Form.h"
+#include "tavro/instruments/meters/Battery.h"
+#include "tavro/instruments/meters/BatteryModern.h"
 #include "tavro/instruments/meters/Speedometer.h"
+#include "tavro/instruments/meters/Thermometer.h"
 #include "tavro/instruments/round/AnalogCalendar.h"
 #include "tavro/instruments/round/CircularAltimeter.h"
 #include "tavro/instruments/round/CircularBarometer.h"
@@ -52,6 +55,9 @@ void RegisterComponentClasses() {
     RegisterClass<TVZCircularSpeedometer>();
     RegisterClass<TVZCircularClock>();
     RegisterClass<TVZAnalogCalendar>();
+    RegisterClass<TVZThermometer>();
+    RegisterClass<TVZBattery>();
+    RegisterClass<TVZBatteryModern>();
 }
 
 std::span<const TPackageUnit> GetPackageUnits() { return Units; }

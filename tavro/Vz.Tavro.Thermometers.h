@@ -1,0 +1,5 @@
+#pragma once
+
+// Opens the thermometers: TVZThermometer.
+
+#include "tavro/instruments/meters/Thermometer.h"
