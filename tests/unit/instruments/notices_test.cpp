@@ -70,6 +70,24 @@ INSTANTIATE_TEST_SUITE_P(Speedometer, TNoticesTest,
                                          TSetting{"TVZSpeedometer", "DecorationStrokeColor", "0xFF112233",
                                                   "i"}));
 
+// The thermometer does as the speedometer; a battery's scale is all in its level.
+INSTANTIATE_TEST_SUITE_P(Levels, TNoticesTest,
+                         testing::Values(TSetting{"TVZThermometer", "Value", "30", "ic"},
+                                         TSetting{"TVZThermometer", "Max", "100", "ii"},
+                                         TSetting{"TVZThermometer", "Min", "500", "ii"},
+                                         TSetting{"TVZThermometer", "Font.Size", "10", "i"},
+                                         TSetting{"TVZThermometer", "FormatStr", "0.00", "i"},
+                                         TSetting{"TVZThermometer", "MarkersColor", "0x00000000", "i"},
+                                         TSetting{"TVZBattery", "Value", "30", "ic"},
+                                         TSetting{"TVZBattery", "Max", "-10", "i"},
+                                         TSetting{"TVZBattery", "Min", "500", "i"},
+                                         TSetting{"TVZBattery", "Decoration", "dcNone", "i"},
+                                         TSetting{"TVZBattery", "MarkersStrokeColor", "0x00000000", "i"},
+                                         TSetting{"TVZBatteryModern", "Value", "30", "ic"},
+                                         TSetting{"TVZBatteryModern", "Max", "-10", "i"},
+                                         TSetting{"TVZBatteryModern", "Min", "500", "i"},
+                                         TSetting{"TVZBatteryModern", "FillColor", "0xFF112233", "i"}));
+
 // The round gauge's numbers are a list that tells of itself, and so do its marker paths.
 INSTANTIATE_TEST_SUITE_P(
     RoundGauge, TNoticesTest,

@@ -309,6 +309,15 @@ constexpr TOrdered OrderedProps[] = {
     {"TVZSpeedometer", "Design",
      "decides the same of the emblem's fill; and the glass is shown by what ran last"},
     {"TVZSpeedometer", "Parts", "the glass is shown by what ran last, parts or design"},
+    {"TVZThermometer", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
+    {"TVZThermometer", "Design", "frame and glass are shown by what ran last, parts, design or gradients"},
+    {"TVZThermometer", "Parts", "likewise"},
+    {"TVZBattery", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
+    {"TVZBattery", "Design", "what shines is shown by what ran last, parts, design or gradients"},
+    {"TVZBattery", "Parts", "likewise"},
+    {"TVZBatteryModern", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
+    {"TVZBatteryModern", "Design", "the shadow is shown by what ran last, parts, design or gradients"},
+    {"TVZBatteryModern", "Parts", "likewise"},
 };
 
 bool IsOrdered(std::string_view className, std::string_view name) {
