@@ -87,7 +87,7 @@ constexpr TInstrumentSetup Setup{
 std::span<const TProp> TVZBattery::GetPropTable() const {
     using T = TVZBattery;
     static constexpr auto Rows =
-        Publish(ColorProps<Setup>(), ScaleProps<DefaultScale>(),
+        Publish(ColorProps<Setup>(), ScaleProps<DefaultScale, TQuantity::Charge>(),
                 std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts)},
                 Inherited<Setup>({"Decoration", "DecorationPath", "DecorationFillColor",
                                   "DecorationStrokeColor", "Design", "EnableGradients", "LightColor",

@@ -93,7 +93,7 @@ constexpr TInstrumentSetup Setup{
 std::span<const TProp> TVZBatteryModern::GetPropTable() const {
     using T = TVZBatteryModern;
     static constexpr auto Rows =
-        Publish(ColorProps<Setup>(), ScaleProps<DefaultScale>(),
+        Publish(ColorProps<Setup>(), ScaleProps<DefaultScale, TQuantity::Charge>(),
                 std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts)},
                 Inherited<Setup>({"Decoration", "DecorationPath", "DecorationFillColor",
                                   "DecorationStrokeColor", "Design", "EnableGradients", "LightColor",

@@ -115,7 +115,7 @@ using TLength = TSVGBasicShape::TPart;
 std::span<const TProp> TVZThermometer::GetPropTable() const {
     using T = TVZThermometer;
     static constexpr auto Rows = Publish(
-        ScaleProps<DefaultScale>(),
+        ScaleProps<DefaultScale, TQuantity::Temperature>(),
         std::array{Prop<&T::GetParts, &T::SetParts>("Parts", AllParts),
                    ObjectProp<&T::GetFont, &T::SetFont>("Font")},
         ColorProps<Setup>(),
