@@ -574,14 +574,25 @@ template <class T> void ExpectTinted(TCell<T>& cell, const char* gradient, TVZGP
         EXPECT_EQ(cell.Stop(gradient, i), WithAlpha(color, AlphaOf(drawn[i]))) << gradient << ' ' << i;
 }
 
+/// What shines stays as transparent as the artwork has it.
+TYPED_TEST(Batteries, WhiteLightGivesTheFirstPictureBack) {
+    TCell<TypeParam> cell;
+    cell->SetValue(60);
+    const auto fresh = cell.Paint();
+    cell->SetLightColor(0xFFFFC080);
+    EXPECT_NE(cell.Paint(), fresh);
+    cell->SetLightColor(0xFFFFFFFF);
+    EXPECT_EQ(cell.Paint(), fresh);
+}
+
 TEST(Battery, LightTintsWhatShines) {
     TCell<TVZBattery> cell;
     TWatch watch(*cell);
     cell->SetLightColor(0xFFFFC080);
     EXPECT_EQ(watch.Invalidates, 1);
     ExpectTinted(cell, "GradientHighlights", 0xFFFFC080);
-    EXPECT_EQ(WithAlpha(cell.Fill("BatteryTopBumpHighlight"), 255), 0xFFFFC080u);
-    EXPECT_EQ(WithAlpha(cell.Fill("BatteryBottomToplight"), 255), 0xFFFFC080u);
+    EXPECT_EQ(cell.Fill("BatteryTopBumpHighlight"), 0xFFFFC080u);
+    EXPECT_EQ(cell.Fill("BatteryBottomToplight"), 0xFFFFC080u);
 }
 
 TEST(BatteryModern, LightTintsWhatShinesAndItsShadow) {
@@ -592,8 +603,8 @@ TEST(BatteryModern, LightTintsWhatShinesAndItsShadow) {
     for (const char* id : {"GradientRightHighlight", "GradientShadow"})
         ExpectTinted(cell, id, 0xFF7F4000);
     for (const char* id : {"LevelHighlight", "LeftHighlight", "ThinLeftHighlight"})
-        EXPECT_EQ(WithAlpha(cell.Fill(id), 255), 0xFFFFC080u) << id;
-    EXPECT_EQ(WithAlpha(cell.Fill("RightShadow"), 255), 0xFF7F4000u);
+        EXPECT_EQ(cell.Fill(id), 0xFFFFC080u) << id;
+    EXPECT_EQ(cell.Fill("RightShadow"), 0xFF7F4000u);
 }
 
 } // namespace

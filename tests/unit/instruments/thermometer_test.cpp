@@ -474,7 +474,7 @@ TEST(Thermometer, GradientsAreSwitched) {
             const TSVGBrush brush = warmth.Get(row.Element).GetBrush();
             EXPECT_EQ(brush.GetKind(), enable ? TVZGPBrushKind::URI : TVZGPBrushKind::Solid);
             EXPECT_EQ(brush.GetURI(), enable ? row.Gradient : "");
-            if (!enable) EXPECT_EQ(WithAlpha(brush.GetColor(), 255), row.Color);
+            if (!enable) EXPECT_EQ(brush.GetColor(), row.Color);
         }
         for (const char* id : {"MercuryHighlight", "BulbHighlight", "Glass"})
             EXPECT_EQ(warmth.IsVisible(id), enable) << id;
@@ -502,6 +502,16 @@ TEST(Thermometer, LightTintsWhatShines) {
                 << gradients[g];
     EXPECT_EQ(warmth.Stop("linearGradientFrameBevel", 0), shade);
     EXPECT_EQ(warmth.Stop("linearGradientFrameBevel", 1), 0xFFFFC080u);
+}
+
+/// What shines stays as transparent as the artwork has it.
+TEST(Thermometer, WhiteLightGivesTheFirstPictureBack) {
+    TWarmth warmth;
+    const auto fresh = warmth.Paint();
+    warmth->SetLightColor(0xFFFFC080);
+    EXPECT_NE(warmth.Paint(), fresh);
+    warmth->SetLightColor(0xFFFFFFFF);
+    EXPECT_EQ(warmth.Paint(), fresh);
 }
 
 // Another artwork
