@@ -81,8 +81,9 @@ template <const TInstrumentSetup& Setup> constexpr auto ColorProps() {
     (std::make_index_sequence<Setup.Colors.size()>());
 }
 
-/// The size, for classes that declare a default of it.
-template <int Width, int Height> constexpr auto SizeProps() {
+/// The size, for classes that declare a default of it. consteval, because clang 14 calls Prop with a
+/// parameter of the template from nothing else.
+template <int Width, int Height> consteval auto SizeProps() {
     using T = TVZSVGCustomInstrument;
     return std::array{Prop<&T::GetWidth, &T::SetWidth>("Width", Width),
                       Prop<&T::GetHeight, &T::SetHeight>("Height", Height)};
