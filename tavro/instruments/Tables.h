@@ -31,7 +31,7 @@ struct TTint {
         Fixed,         ///< the colour Value in place of the colour
     };
     TKind Kind = TKind::Same;
-    float Amount = 0;
+    double Amount = 0;
     TVZGPColor Value = 0;
 };
 
@@ -174,8 +174,8 @@ constexpr TTint Shadow{TTint::TKind::Shadow};
 constexpr TTint PlusHalfLight{TTint::TKind::PlusHalfLight};
 constexpr TTint Dodged{TTint::TKind::Dodged};
 constexpr TTint Burned{TTint::TKind::Burned};
-constexpr TTint Scaled(float factor) { return {TTint::TKind::Scaled, factor}; }
-constexpr TTint Lowered(float amount) { return {TTint::TKind::Lowered, amount}; }
+constexpr TTint Scaled(double factor) { return {TTint::TKind::Scaled, factor}; }
+constexpr TTint Lowered(double amount) { return {TTint::TKind::Lowered, amount}; }
 constexpr TTint Fixed(TVZGPColor color) { return {TTint::TKind::Fixed, 0, color}; }
 
 constexpr TColorSource FillOf(std::string_view id) { return {TColorSource::TPlace::Fill, id}; }
