@@ -9,6 +9,7 @@
 #include "tavro/Vz.Tavro.Barometers.h"
 #include "tavro/Vz.Tavro.Batteries.h"
 #include "tavro/Vz.Tavro.Clocks.h"
+#include "tavro/Vz.Tavro.Compass.h"
 #include "tavro/Vz.Tavro.FuelGauges.h"
 #include "tavro/Vz.Tavro.Instruments.h"
 #include "tavro/Vz.Tavro.Speedometers.h"

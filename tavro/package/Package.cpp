@@ -3,12 +3,14 @@
 #include "tavro/controls/Form.h"
 #include "tavro/instruments/meters/Battery.h"
 #include "tavro/instruments/meters/BatteryModern.h"
+#include "tavro/instruments/compass/Compass.h"
 #include "tavro/instruments/meters/Speedometer.h"
 #include "tavro/instruments/meters/Thermometer.h"
 #include "tavro/instruments/round/AnalogCalendar.h"
 #include "tavro/instruments/round/CircularAltimeter.h"
 #include "tavro/instruments/round/CircularBarometer.h"
 #include "tavro/instruments/round/CircularClock.h"
+#include "tavro/instruments/round/CircularCompass.h"
 #include "tavro/instruments/round/CircularFuelGauge.h"
 #include "tavro/instruments/round/CircularSpeedometer.h"
 #include "tavro/runtime/ClassRegistry.h"
@@ -58,6 +60,8 @@ void RegisterComponentClasses() {
     RegisterClass<TVZThermometer>();
     RegisterClass<TVZBattery>();
     RegisterClass<TVZBatteryModern>();
+    RegisterClass<TVZCircularCompass>();
+    RegisterClass<TVZCompass>();
 }
 
 std::span<const TPackageUnit> GetPackageUnits() { return Units; }

@@ -1,4 +1,5 @@
 #include "GaugeProbe.h"
+#include "tavro/Vz.Tavro.Compass.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/FormFile.h"
 #include "tavro/runtime/PropAccess.h"
@@ -14,8 +15,9 @@ namespace {
 constexpr double Near = 1e-3;
 
 template <class T> class GaugeVariants : public testing::Test {};
-using TVariants = testing::Types<TVZCircularAltimeter, TVZCircularBarometer, TVZCircularFuelGauge,
-                                 TVZCircularSpeedometer, TVZCircularClock, TVZAnalogCalendar>;
+using TVariants =
+    testing::Types<TVZCircularAltimeter, TVZCircularBarometer, TVZCircularFuelGauge, TVZCircularSpeedometer,
+                   TVZCircularClock, TVZAnalogCalendar, TVZCircularCompass>;
 TYPED_TEST_SUITE(GaugeVariants, TVariants);
 
 TYPED_TEST(GaugeVariants, FreshIsWhatItDeclares) {

@@ -123,6 +123,20 @@ INSTANTIATE_TEST_SUITE_P(
                     TSetting{"TVZCircularClock", "Hands", "[ghBig]", "i"},
                     TSetting{"TVZAnalogCalendar", "DayOfYear", "400", "ic"}));
 
+// What turns a part invalidates by itself; Rotate turns two of them and the whole is painted.
+INSTANTIATE_TEST_SUITE_P(Compasses, TNoticesTest,
+                         testing::Values(TSetting{"TVZCompass", "Angle", "30", "i"},
+                                         TSetting{"TVZCompass", "Rotate", "cmpNeedle", "i"},
+                                         TSetting{"TVZCompass", "Parts", "[]", "i"},
+                                         TSetting{"TVZCompass", "Design", "sdSimple", "i"},
+                                         TSetting{"TVZCompass", "EnableGradients", "false", "i"},
+                                         TSetting{"TVZCompass", "LightColor", "0xFFFF0000", "i"},
+                                         TSetting{"TVZCompass", "NeedleHighColor", "0xFF112233", "i"},
+                                         TSetting{"TVZCompass", "Decoration", "dcModern", "i"},
+                                         TSetting{"TVZCompass", "Decoration", "dcBolt", "i"},
+                                         TSetting{"TVZCircularCompass", "Angle", "30", "ic"},
+                                         TSetting{"TVZCircularCompass", "Rotate", "cmpNeedle", "i"}));
+
 TEST(Notices, EndsThatMoveTheValueDoNotTellOfAChange) {
     const auto gauge = TVZCircularBarometer::Create();
     gauge->SetValue(1000);

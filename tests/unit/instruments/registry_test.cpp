@@ -318,6 +318,11 @@ constexpr TOrdered OrderedProps[] = {
     {"TVZBatteryModern", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
     {"TVZBatteryModern", "Design", "the shadow is shown by what ran last, parts, design or gradients"},
     {"TVZBatteryModern", "Parts", "likewise"},
+    {"TVZCompass", "EnableGradients",
+     "decides whether a colour goes into a gradient or a flat fill; and shows the ornaments, as the design "
+     "does"},
+    {"TVZCompass", "Design", "shows numbers and markers, as the parts do, and the ornaments"},
+    {"TVZCompass", "Parts", "numbers and markers are shown by what ran last, parts or design"},
 };
 
 bool IsOrdered(std::string_view className, std::string_view name) {
