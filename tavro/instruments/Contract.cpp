@@ -66,7 +66,7 @@ std::vector<TArtworkRow> TVZSVGCustomInstrument::GetArtworkContract() const {
     for (const std::string_view id : setup.DetailElements)
         contract.Ask(id, TArtworkKind::Graphic);
     contract.Ask(GetActiveElementId(), TArtworkKind::Graphic);
-    contract.Ask(FDecorationElementId, TArtworkKind::Path);
+    contract.Ask(FDecorationElementId, setup.DecorationKind);
     return contract.Take();
 }
 

@@ -390,7 +390,8 @@ void TVZSVGCustomInstrument::ReplaceContent(const std::function<void()>& load) {
     const std::vector<TReadColor> colors = FColors;
     const TReadColor fill = FDecorationFillColor, stroke = FDecorationStrokeColor;
     TVZPathData path;
-    if (const TVZPathData* const own = FIsComplete ? GetDecorationPath() : nullptr) path.Assign(*own);
+    if (FIsComplete && IsDecorationPathStored())
+        if (const TVZPathData* const own = GetDecorationPath()) path.Assign(*own);
     TVZSVGControl::ReplaceContent(load);
     FArtworkStyles->clear();
     SetActiveSVGElement(Find<TSVGGraphicElement>(GetActiveElementId()));

@@ -150,6 +150,8 @@ struct TInstrumentSetup {
     std::string_view ActiveElement = {}; ///< id of the element that moves; empty: none
     /// Id of the path that shows the decoration; empty: the class has none.
     std::string_view DecorationElement = "Decoration";
+    /// Group where the class draws its emblems by itself.
+    TArtworkKind DecorationKind = TArtworkKind::Path;
     TDecoration Decoration = TDecoration::dcNone; ///< of a fresh one, and declared
     TVZGPColor DecorationFill = 0xFF87CEEB;       ///< declared, as DecorationStroke
     TVZGPColor DecorationStroke = 0xFF000000;

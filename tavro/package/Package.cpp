@@ -4,6 +4,8 @@
 #include "tavro/instruments/meters/Battery.h"
 #include "tavro/instruments/meters/BatteryModern.h"
 #include "tavro/instruments/compass/Compass.h"
+#include "tavro/instruments/lights/CubeLight.h"
+#include "tavro/instruments/lights/TrafficLight.h"
 #include "tavro/instruments/meters/Speedometer.h"
 #include "tavro/instruments/meters/Thermometer.h"
 #include "tavro/instruments/round/AnalogCalendar.h"
@@ -13,6 +15,8 @@
 #include "tavro/instruments/round/CircularCompass.h"
 #include "tavro/instruments/round/CircularFuelGauge.h"
 #include "tavro/instruments/round/CircularSpeedometer.h"
+#include "tavro/instruments/switches/RotaryDial.h"
+#include "tavro/instruments/switches/RotarySwitch.h"
 #include "tavro/runtime/ClassRegistry.h"
 #include "tavro/runtime/Exceptions.h"
 #include "tavro/svg/Control.h"
@@ -62,6 +66,10 @@ void RegisterComponentClasses() {
     RegisterClass<TVZBatteryModern>();
     RegisterClass<TVZCircularCompass>();
     RegisterClass<TVZCompass>();
+    RegisterClass<TVZRotarySwitch>();
+    RegisterClass<TVZRotaryDial>();
+    RegisterClass<TVZTrafficLight>();
+    RegisterClass<TVZCubeLight>();
 }
 
 std::span<const TPackageUnit> GetPackageUnits() { return Units; }

@@ -1,5 +1,6 @@
 #include "GaugeProbe.h"
 #include "tavro/Vz.Tavro.Compass.h"
+#include "tavro/Vz.Tavro.Switches.h"
 #include "tavro/package/Package.h"
 #include "tavro/runtime/FormFile.h"
 #include "tavro/runtime/PropAccess.h"
@@ -17,7 +18,7 @@ constexpr double Near = 1e-3;
 template <class T> class GaugeVariants : public testing::Test {};
 using TVariants =
     testing::Types<TVZCircularAltimeter, TVZCircularBarometer, TVZCircularFuelGauge, TVZCircularSpeedometer,
-                   TVZCircularClock, TVZAnalogCalendar, TVZCircularCompass>;
+                   TVZCircularClock, TVZAnalogCalendar, TVZCircularCompass, TVZRotarySwitch>;
 TYPED_TEST_SUITE(GaugeVariants, TVariants);
 
 TYPED_TEST(GaugeVariants, FreshIsWhatItDeclares) {

@@ -137,6 +137,33 @@ INSTANTIATE_TEST_SUITE_P(Compasses, TNoticesTest,
                                          TSetting{"TVZCircularCompass", "Angle", "30", "ic"},
                                          TSetting{"TVZCircularCompass", "Rotate", "cmpNeedle", "i"}));
 
+// What shows a lamp invalidates by itself; so a lamp's colour does it twice.
+INSTANTIATE_TEST_SUITE_P(Lights, TNoticesTest,
+                         testing::Values(TSetting{"TVZTrafficLight", "Lights", "[ltGreen]", "ic"},
+                                         TSetting{"TVZTrafficLight", "RedLightColor", "0xFF112233", "ii"},
+                                         TSetting{"TVZTrafficLight", "OffColor", "0xFF112233", "ii"},
+                                         TSetting{"TVZTrafficLight", "DomeColor", "0xFF112233", "i"},
+                                         TSetting{"TVZTrafficLight", "HousingColor", "0xFF112233", "i"},
+                                         TSetting{"TVZTrafficLight", "YellowDecoration", "dcStar", "i"},
+                                         TSetting{"TVZTrafficLight", "DecorationFillColor", "0xFF112233",
+                                                  "i"},
+                                         TSetting{"TVZTrafficLight", "MultiSelect", "true", ""},
+                                         TSetting{"TVZTrafficLight", "EnableActions", "false", ""},
+                                         TSetting{"TVZTrafficLight", "Parts", "[]", "i"},
+                                         TSetting{"TVZCubeLight", "Checked", "false", "ic"},
+                                         TSetting{"TVZCubeLight", "OnColor", "0xFF112233", "ii"},
+                                         TSetting{"TVZCubeLight", "FrameColor", "0xFF112233", "i"},
+                                         TSetting{"TVZCubeLight", "HousingColor", "0xFF112233", "i"},
+                                         TSetting{"TVZCubeLight", "EnableActions", "false", ""},
+                                         TSetting{"TVZCubeLight", "Decoration", "dcBolt", "i"}));
+
+INSTANTIATE_TEST_SUITE_P(Knobs, TNoticesTest,
+                         testing::Values(TSetting{"TVZRotarySwitch", "Checked", "true", "ic"},
+                                         TSetting{"TVZRotarySwitch", "Value", "1", "ic"},
+                                         TSetting{"TVZRotaryDial", "Value", "3", "ic"},
+                                         TSetting{"TVZRotaryDial", "Max", "20", "iii"},
+                                         TSetting{"TVZRotaryDial", "Min", "-2", "iii"}));
+
 TEST(Notices, EndsThatMoveTheValueDoNotTellOfAChange) {
     const auto gauge = TVZCircularBarometer::Create();
     gauge->SetValue(1000);

@@ -202,6 +202,21 @@ TEST_F(TCommandTest, TraceNamesComponentsInside) {
               "--click 60,10\n--click 49,49,middle\n  OnMouseDown\n  OnMouseUp\n");
 }
 
+TEST_F(TCommandTest, TraceOfClicksThatSwitch) {
+    const std::string events = "  OnMouseDown\n  OnClick\n  OnMouseUp\n";
+    EXPECT_EQ(Output({"trace", "TVZCubeLight", "--click", "100,100", "--set", "EnableActions=false",
+                      "--click", "100,100"}),
+              "--click 100,100\n" + events +
+                  "  Invalidate\n  OnChange\n--set EnableActions=false\n"
+                  "--click 100,100\n" +
+                  events);
+    EXPECT_EQ(
+        Output({"get", "TVZTrafficLight", "--set", "MultiSelect=true", "--click", "100,169,ctrl", "Lights"}),
+        "Lights=[ltRed, ltGreen]\n");
+    EXPECT_EQ(Output({"get", "TVZRotaryDial", "--click", "100,20", "Value"}), "Value=5\n");
+    EXPECT_EQ(Output({"get", "TVZRotarySwitch", "--click", "100,20,right", "Checked"}), "Checked=true\n");
+}
+
 TEST_F(TCommandTest, HelpAndVersion) {
     EXPECT_THAT(Output({"--version"}), StartsWith("tavro "));
     const std::string help = Output({"--help"});

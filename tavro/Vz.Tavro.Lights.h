@@ -1,0 +1,6 @@
+#pragma once
+
+// Opens the signal lights: TVZTrafficLight, TVZCubeLight.
+
+#include "tavro/instruments/lights/CubeLight.h"
+#include "tavro/instruments/lights/TrafficLight.h"
