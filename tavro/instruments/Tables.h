@@ -220,6 +220,11 @@ constexpr TEdit Always(TEdit edit) {
     edit.When = TEdit::TWhen::Always;
     return edit;
 }
+/// The edit while gradients are off.
+constexpr TEdit WithoutGradients(TEdit edit) {
+    edit.When = TEdit::TWhen::WithoutGradients;
+    return edit;
+}
 
 using TSwitch = TGradientRow;
 constexpr TSwitch Switch(std::string_view element, std::string_view gradient, std::string_view color,

@@ -6,6 +6,8 @@
 #include "tavro/instruments/compass/Compass.h"
 #include "tavro/instruments/lights/CubeLight.h"
 #include "tavro/instruments/lights/TrafficLight.h"
+#include "tavro/instruments/clocks/Clock.h"
+#include "tavro/instruments/clocks/DigitalClock.h"
 #include "tavro/instruments/meters/Speedometer.h"
 #include "tavro/instruments/meters/Thermometer.h"
 #include "tavro/instruments/round/AnalogCalendar.h"
@@ -70,6 +72,8 @@ void RegisterComponentClasses() {
     RegisterClass<TVZRotaryDial>();
     RegisterClass<TVZTrafficLight>();
     RegisterClass<TVZCubeLight>();
+    RegisterClass<TVZClock>();
+    RegisterClass<TVZDigitalClock>();
 }
 
 std::span<const TPackageUnit> GetPackageUnits() { return Units; }

@@ -163,6 +163,27 @@ INSTANTIATE_TEST_SUITE_P(Knobs, TNoticesTest,
                                          TSetting{"TVZRotaryDial", "Value", "3", "ic"},
                                          TSetting{"TVZRotaryDial", "Max", "20", "iii"},
                                          TSetting{"TVZRotaryDial", "Min", "-2", "iii"}));
+INSTANTIATE_TEST_SUITE_P(
+    Clocks, TNoticesTest,
+    testing::Values(TSetting{"TVZClock", "Time", "10:08:36", "ic"}, TSetting{"TVZClock", "Parts", "[]", "i"},
+                    TSetting{"TVZClock", "Design", "sdSimple", "i"},
+                    TSetting{"TVZClock", "EnableGradients", "false", "i"},
+                    TSetting{"TVZClock", "LightColor", "0xFFFF0000", "i"},
+                    TSetting{"TVZClock", "FrameColor", "0xFF112233", "i"},
+                    TSetting{"TVZClock", "BackfaceColor", "0xFF112233", "i"},
+                    TSetting{"TVZClock", "HourHandFillColor", "0xFF112233", "i"},
+                    TSetting{"TVZClock", "SecondHandStrokeColor", "0x00000000", "i"},
+                    TSetting{"TVZClock", "LabelsStrokeColor", "0x00000000", "i"},
+                    TSetting{"TVZClock", "Decoration", "dcStar", "i"},
+                    TSetting{"TVZDigitalClock", "Time", "10:08:36", "ic"},
+                    TSetting{"TVZDigitalClock", "Time", "22:08:36", "ic"},
+                    TSetting{"TVZDigitalClock", "Parts", "[]", "i"},
+                    TSetting{"TVZDigitalClock", "Design", "sdSimple", "i"},
+                    TSetting{"TVZDigitalClock", "EnableGradients", "false", "i"},
+                    TSetting{"TVZDigitalClock", "LightColor", "0xFFFF0000", "i"},
+                    TSetting{"TVZDigitalClock", "FrameColor", "0xFF112233", "i"},
+                    TSetting{"TVZDigitalClock", "LabelsFillColor", "0xFF112233", "i"},
+                    TSetting{"TVZDigitalClock", "LabelsStrokeColor", "0xFF112233", "i"}));
 
 TEST(Notices, EndsThatMoveTheValueDoNotTellOfAChange) {
     const auto gauge = TVZCircularBarometer::Create();

@@ -166,6 +166,12 @@ constexpr TFreshValue FreshValues[] = {
     {"TVZRotaryDial", "Parts",
      "[gpFrame, gpBackface, gpHands, gpDecoration, gpMajorMarkers, gpMinorMarkers, gpLabels, "
      "gpMeasurementLabels, gpMainLabel, gpDetailLabel, gpBolts]"},
+    std::string_view Text; ///< empty: the present time
+};
+constexpr TFreshValue FreshValues[] = {
+    {"TVZClock", "Time", ""},
+    {"TVZClock", "LabelsFillColor", "0xFFF5F5F5"},
+    {"TVZClock", "DecorationFillColor", "0xFF87CEEB"},
 };
 
 TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
@@ -175,6 +181,8 @@ TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
             if (fresh.Class == component.ClassName() && fresh.Name == prop.Path) {
                 EXPECT_EQ(GetPropText(prop.Ref), fresh.Text);
                 EXPECT_NE(ValueToText(row.Default), fresh.Text);
+                if (!fresh.Text.empty()) EXPECT_EQ(GetPropText(prop.Ref), fresh.Text);
+                EXPECT_NE(ValueToText(row.Default), GetPropText(prop.Ref));
                 return;
             }
         if (std::holds_alternative<std::monostate>(row.Default)) return;
@@ -190,6 +198,12 @@ TEST(Registry, FreshComponentsStoreNothingElse) {
             if (fresh.Class == entry.Name)
                 stored += "  " + std::string(fresh.Name) + " = " + std::string(fresh.Text) + '\n';
         EXPECT_EQ(WriteForm(*entry.Create()), "object " + std::string(entry.Name) + '\n' + stored + "end\n");
+        const auto component = entry.Create();
+        std::string stored;
+        for (const TFreshValue& fresh : FreshValues)
+            if (fresh.Class == entry.Name)
+                stored += "  " + std::string(fresh.Name) + " = " + GetPropText(*component, fresh.Name) + '\n';
+        EXPECT_EQ(WriteForm(*component), "object " + std::string(entry.Name) + '\n' + stored + "end\n");
     }
 }
 
@@ -303,6 +317,7 @@ TEST(Registry, ColorsInAnyOrderGiveTheSamePicture) {
         std::vector<std::uint32_t> first;
         for (int round = 0; round < 3; ++round) {
             const auto component = entry.Create();
+            if (FindPublished(*component, "Time")) SetPropText(*component, "Time", "15:30:45");
             for (const auto& [name, text] : edits)
                 SetPropText(*component, name, text);
             const auto picture = Paint(dynamic_cast<TControl&>(*component));
@@ -347,10 +362,17 @@ constexpr TOrdered OrderedProps[] = {
      "does"},
     {"TVZCompass", "Design", "shows numbers and markers, as the parts do, and the ornaments"},
     {"TVZCompass", "Parts", "numbers and markers are shown by what ran last, parts or design"},
-=======
     {"TVZTrafficLight", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
     {"TVZCubeLight", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
->>>>>>> f5c5874 (instruments: add the signal lights and the knobs)
+=======
+    {"TVZClock", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
+    {"TVZClock", "Design", "the glass is shown by what ran last, parts or design"},
+    {"TVZClock", "Parts", "the glass is shown by what ran last, parts or design"},
+    {"TVZDigitalClock", "EnableGradients",
+     "decides whether a colour goes into a gradient or a flat fill, and shows the glass"},
+    {"TVZDigitalClock", "Design", "the glass is shown by what ran last, parts, design or gradients"},
+    {"TVZDigitalClock", "Parts", "the glass is shown by what ran last, parts, design or gradients"},
+>>>>>>> 4edc7ec (wip)
 };
 
 bool IsOrdered(std::string_view className, std::string_view name) {
