@@ -167,7 +167,7 @@ constexpr TFreshValue FreshValues[] = {
      "[gpFrame, gpBackface, gpHands, gpDecoration, gpMajorMarkers, gpMinorMarkers, gpLabels, "
      "gpMeasurementLabels, gpMainLabel, gpDetailLabel, gpBolts]"},
     std::string_view Text; ///< empty: the present time
-};
+};                         // namespace
 constexpr TFreshValue FreshValues[] = {
     {"TVZClock", "Time", ""},
     {"TVZClock", "LabelsFillColor", "0xFFF5F5F5"},
@@ -347,7 +347,6 @@ constexpr TOrdered OrderedProps[] = {
     {"TVZSpeedometer", "Design",
      "decides the same of the emblem's fill; and the glass is shown by what ran last"},
     {"TVZSpeedometer", "Parts", "the glass is shown by what ran last, parts or design"},
-<<<<<<< HEAD
     {"TVZThermometer", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
     {"TVZThermometer", "Design", "frame and glass are shown by what ran last, parts, design or gradients"},
     {"TVZThermometer", "Parts", "likewise"},
@@ -364,7 +363,6 @@ constexpr TOrdered OrderedProps[] = {
     {"TVZCompass", "Parts", "numbers and markers are shown by what ran last, parts or design"},
     {"TVZTrafficLight", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
     {"TVZCubeLight", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
-=======
     {"TVZClock", "EnableGradients", "decides whether a colour goes into a gradient or a flat fill"},
     {"TVZClock", "Design", "the glass is shown by what ran last, parts or design"},
     {"TVZClock", "Parts", "the glass is shown by what ran last, parts or design"},
@@ -372,7 +370,6 @@ constexpr TOrdered OrderedProps[] = {
      "decides whether a colour goes into a gradient or a flat fill, and shows the glass"},
     {"TVZDigitalClock", "Design", "the glass is shown by what ran last, parts, design or gradients"},
     {"TVZDigitalClock", "Parts", "the glass is shown by what ran last, parts, design or gradients"},
->>>>>>> 4edc7ec (wip)
 };
 
 bool IsOrdered(std::string_view className, std::string_view name) {
@@ -512,5 +509,5 @@ TEST(Registry, ExtremeWholeNumbersAreHarmless) {
     });
 }
 
-} // namespace
+} // namespace Vz::Test
 } // namespace Vz::Test
