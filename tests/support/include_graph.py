@@ -28,7 +28,7 @@ LIBRARIES = [
     (re.compile(r'^(Q[A-Z]|Qt)'), r'^(hosts/qt|examples)/'),
 ]
 GENERATED = re.compile(r'^ui_\w+\.h$')  # by Qt's form compiler
-MAX_DEPTH = 10
+MAX_DEPTH = 10  # below a unit's door; tavro/Tavro.h only gathers the doors
 
 
 def read_includes(root):
@@ -129,6 +129,7 @@ def check_cycles(graph):
         return faults
 
     faults = [f'cycle: {cycle}' for source in graph for cycle in visit(source)]
+    depth.pop('tavro/Tavro.h', None)
     deepest = max(depth, key=depth.get, default=None)
     if deepest and depth[deepest] > MAX_DEPTH:
         chain = [deepest]

@@ -62,7 +62,7 @@ constexpr TInstrumentSetup Setup{
 std::span<const TProp> TVZCubeLight::GetPropTable() const {
     using T = TVZCubeLight;
     static constexpr auto Rows = Publish(
-        std::array{Main(Prop<&T::GetChecked, &T::SetChecked>("Checked", true)),
+        std::array{Main(Prop<&T::GetChecked, &T::SetChecked>("Checked", true), TQuantity::Switch),
                    Prop<&T::GetEnableActions, &T::SetEnableActions>("EnableActions", true),
                    Prop<&T::GetParts, &T::SetParts>("Parts", AllParts)},
         ColorProps<Setup>(),

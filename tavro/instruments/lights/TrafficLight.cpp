@@ -127,10 +127,11 @@ constexpr TInstrumentSetup Setup{
 std::span<const TProp> TVZTrafficLight::GetPropTable() const {
     using T = TVZTrafficLight;
     static constexpr auto Rows = Publish(
-        std::array{Main(Prop<&T::GetLights, &T::SetLights>("Lights", TLights{TLight::ltRed})),
-                   Prop<&T::GetEnableActions, &T::SetEnableActions>("EnableActions", true),
-                   Prop<&T::GetMultiSelect, &T::SetMultiSelect>("MultiSelect", false),
-                   Prop<&T::GetParts, &T::SetParts>("Parts", AllParts)},
+        std::array{
+            Main(Prop<&T::GetLights, &T::SetLights>("Lights", TLights{TLight::ltRed}), TQuantity::Lamps),
+            Prop<&T::GetEnableActions, &T::SetEnableActions>("EnableActions", true),
+            Prop<&T::GetMultiSelect, &T::SetMultiSelect>("MultiSelect", false),
+            Prop<&T::GetParts, &T::SetParts>("Parts", AllParts)},
         ColorProps<Setup>(),
         std::array{
             Prop<&T::GetRedDecoration, &T::SetRedDecoration>("RedDecoration", TDecoration::dcNone),

@@ -25,7 +25,8 @@ std::span<const TProp> TVZRotaryDial::GetPropTable() const {
         std::array{
             Prop<&T::GetMinPosition, &T::SetMinPosition>("Min", 0),
             Prop<&T::GetMaxPosition, &T::SetMaxPosition>("Max", 10),
-            Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value)),
+            Main(Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value),
+                 TQuantity::Position),
         },
         SizeProps<200, 200>()));
     static_assert(NamesAreUnique(Rows));

@@ -9,7 +9,7 @@ std::span<const TProp> TVZRotarySwitch::GetPropTable() const {
     using T = TVZRotarySwitch;
     static constexpr auto Rows = PublishGauge<Setup>(Publish(
         std::array{
-            Main(Prop<&T::GetChecked, &T::SetChecked>("Checked", false)),
+            Main(Prop<&T::GetChecked, &T::SetChecked>("Checked", false), TQuantity::Switch),
             Prop<&T::GetValue, &T::SetValue, &T::IsDefaultValue>("Value", Setup.Value),
         },
         SizeProps<200, 200>()));

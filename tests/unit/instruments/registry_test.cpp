@@ -160,18 +160,15 @@ TEST(Registry, AResetOfItsOwnLeavesNothingChanged) {
 struct TFreshValue {
     std::string_view Class;
     std::string_view Name;
-    std::string_view Text;
-};
-constexpr TFreshValue FreshValues[] = {
-    {"TVZRotaryDial", "Parts",
-     "[gpFrame, gpBackface, gpHands, gpDecoration, gpMajorMarkers, gpMinorMarkers, gpLabels, "
-     "gpMeasurementLabels, gpMainLabel, gpDetailLabel, gpBolts]"},
     std::string_view Text; ///< empty: the present time
-};                         // namespace
+};
 constexpr TFreshValue FreshValues[] = {
     {"TVZClock", "Time", ""},
     {"TVZClock", "LabelsFillColor", "0xFFF5F5F5"},
     {"TVZClock", "DecorationFillColor", "0xFF87CEEB"},
+    {"TVZRotaryDial", "Parts",
+     "[gpFrame, gpBackface, gpHands, gpDecoration, gpMajorMarkers, gpMinorMarkers, gpLabels, "
+     "gpMeasurementLabels, gpMainLabel, gpDetailLabel, gpBolts]"},
 };
 
 TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
@@ -179,25 +176,17 @@ TEST(Registry, DeclaredDefaultsAreTheFreshValues) {
         const TProp& row = *prop.Ref.Prop;
         for (const TFreshValue& fresh : FreshValues)
             if (fresh.Class == component.ClassName() && fresh.Name == prop.Path) {
-                EXPECT_EQ(GetPropText(prop.Ref), fresh.Text);
-                EXPECT_NE(ValueToText(row.Default), fresh.Text);
                 if (!fresh.Text.empty()) EXPECT_EQ(GetPropText(prop.Ref), fresh.Text);
                 EXPECT_NE(ValueToText(row.Default), GetPropText(prop.Ref));
                 return;
             }
         if (std::holds_alternative<std::monostate>(row.Default)) return;
-        EXPECT_EQ(ValueToText(row.Default), ValueToText(row.Get(*prop.Ref.Object)));
         EXPECT_EQ(row.Default, row.Get(*prop.Ref.Object));
     });
 }
 
 TEST(Registry, FreshComponentsStoreNothingElse) {
     for (const TClassEntry& entry : Classes()) {
-        std::string stored;
-        for (const TFreshValue& fresh : FreshValues)
-            if (fresh.Class == entry.Name)
-                stored += "  " + std::string(fresh.Name) + " = " + std::string(fresh.Text) + '\n';
-        EXPECT_EQ(WriteForm(*entry.Create()), "object " + std::string(entry.Name) + '\n' + stored + "end\n");
         const auto component = entry.Create();
         std::string stored;
         for (const TFreshValue& fresh : FreshValues)
@@ -509,5 +498,5 @@ TEST(Registry, ExtremeWholeNumbersAreHarmless) {
     });
 }
 
-} // namespace Vz::Test
+} // namespace
 } // namespace Vz::Test

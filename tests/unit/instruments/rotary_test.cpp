@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace Vz::Test {
 namespace {
 
@@ -108,7 +110,7 @@ TYPED_TEST(Rotary, EventFirstThenTheTurn) {
     EXPECT_EQ(log, "up 0, changed");
     log.clear();
     ClickAt(*knob, 0); // it is there
-    EXPECT_EQ(log, std::is_same_v<TypeParam, TVZRotarySwitch> ? "up 1" : "up 5");
+    EXPECT_EQ(log, (std::is_same_v<TypeParam, TVZRotarySwitch> ? "up 1" : "up 5"));
 }
 
 TYPED_TEST(Rotary, AHandlerMayDestroyIt) {
@@ -176,8 +178,8 @@ TEST(RotarySwitch, FreshOne) {
     EXPECT_EQ(LabelTexts(*knob), (std::vector<std::string>{"Off", "On"}));
     EXPECT_FALSE(knob->GetChecked());
     EXPECT_NEAR(PointsTo(*knob, "KnobSwitch"), 270, Near);
-    EXPECT_TRUE(PropOf(*knob, "Checked").IsMain);
-    EXPECT_FALSE(PropOf(*knob, "Value").IsMain);
+    EXPECT_TRUE(PropOf(*knob, "Checked").Main != TQuantity::None);
+    EXPECT_TRUE(PropOf(*knob, "Value").Main == TQuantity::None);
     EXPECT_THROW(PropOf(*knob, "Max"), EInvalidOperation);
     EXPECT_EQ(PropOf(*knob, "Parts").Default, PropOf(*knob, "Parts").Get(*knob));
 }
@@ -250,7 +252,7 @@ TEST(RotaryDial, FreshOne) {
     EXPECT_EQ(LabelTexts(*dial),
               (std::vector<std::string>{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}));
     EXPECT_NEAR(PointsTo(*dial, "KnobSwitch"), 225, Near);
-    EXPECT_TRUE(PropOf(*dial, "Value").IsMain);
+    EXPECT_TRUE(PropOf(*dial, "Value").Main != TQuantity::None);
     EXPECT_THROW(PropOf(*dial, "MajorMarkers"), EInvalidOperation);
 }
 

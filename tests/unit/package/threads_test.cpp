@@ -28,6 +28,8 @@ public:
     explicit TShow(std::string_view className)
         : FComponent(GetClass(className).Create())
         , FControl(dynamic_cast<TControl&>(*FComponent)) {
+        for (const TProp& row : FComponent->GetPropTable()) // what shows the present time shows one time
+            if (row.Type.Kind == TValueKind::DateTime) row.Set(*FComponent, TValue(TDateTime(45000.25)));
         FControl.SetBounds(0, 0, 60, 60);
         FHost = std::make_unique<THeadlessHost>(FControl);
     }
