@@ -18,7 +18,7 @@ set_property(GLOBAL PROPERTY TAVRO_WIDGET_SOURCES ${TAVRO_WIDGET_SOURCES})
 # tavro_widget_name(VARIABLE CLASS): VzBoiler of Plant::TBoiler.
 function(tavro_widget_name variable class)
     string(REGEX REPLACE "^.*::" "" name ${class})
-    string(REGEX REPLACE "^(TVZ|T)" "" name ${name})
+    string(REGEX REPLACE "^(TVZ|T)(.*)$" "\\2" name ${name}) # the whole name, or a second T would go, too
     set(${variable} Vz${name} PARENT_SCOPE)
 endfunction()
 
