@@ -29,6 +29,7 @@
 
 #include <QBuffer>
 #include <memory>
+#include <set>
 
 namespace {
 
@@ -59,7 +60,7 @@ std::vector<QMetaProperty> ownProperties(const QObject& widget) {
 /// A value that the property does not have yet.
 QVariant another(const QMetaProperty& property, const QVariant& value) {
     const QString name = QString::fromLatin1(property.name());
-    if (property.isFlagType()) return value.toInt() & ~2;
+    if (property.isFlagType()) return value.toInt() ^ 2;
     if (property.isEnumType()) return value.toInt() == 1 ? 0 : 1;
     switch (property.metaType().id()) {
     case QMetaType::Bool:
@@ -172,7 +173,7 @@ TEST_F(TDesigner, OffersEveryWidget) {
         for (const int sizePx : {22, 44, 64}) {
             const QImage image = item.icon().pixmap(sizePx, sizePx).toImage();
             EXPECT_EQ(image.size(), QSize(sizePx, sizePx)) << qPrintable(name);
-            EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0) << qPrintable(name);
+            EXPECT_LT(qAlpha(image.pixel(0, 0)), 128) << qPrintable(name); // a square one has round corners
             EXPECT_GT(qAlpha(image.pixel(sizePx / 2, sizePx / 2)), 0) << qPrintable(name);
         }
     }
@@ -205,15 +206,33 @@ TEST_F(TDesigner, WhatIsDroppedOnAFormHasTheComponentsSize) {
     }
 }
 
+/// A fresh wall clock shows the present time in the artwork's own colours, a fresh dial has neither knob nor
+/// glass: these are not the declared defaults, and are saved.
+bool isStoredWhenFresh(const QWidget& fresh, const QMetaProperty& property) {
+    static const QByteArrayList stored{"VzClock.time", "VzClock.labelsFillColor",
+                                       "VzClock.decorationFillColor", "VzRotaryDial.parts"};
+    return stored.contains(QByteArray(fresh.metaObject()->className()) + '.' + property.name());
+}
+
 TEST_F(TDesigner, AFreshWidgetSavesNothingOfItsComponent) {
     open(formOf(classes()));
+    std::set<QString> own, stored;
     for (const QString& name : classes()) {
         QWidget& object = widget(qPrintable(u'a' + name));
         for (const QMetaProperty& property : ownProperties(object)) {
+            if (isStoredWhenFresh(object, property)) {
+                EXPECT_TRUE(isChanged(object, property.name())) << qPrintable(name) << '.' << property.name();
+                stored.insert(QString::fromLatin1(property.name()));
+                continue;
+            }
             EXPECT_FALSE(isChanged(object, property.name())) << qPrintable(name) << '.' << property.name();
-            EXPECT_FALSE(form->contents().contains(QStringLiteral("name=\"%1\"").arg(property.name())));
+            own.insert(QString::fromLatin1(property.name()));
         }
     }
+    for (const QString& name : own)
+        if (!stored.contains(name))
+            EXPECT_FALSE(form->contents().contains(QStringLiteral("name=\"%1\"").arg(name)))
+                << qPrintable(name);
 }
 
 TEST_F(TDesigner, LoadSetSaveGivesTheExpectedFile) {
@@ -275,6 +294,7 @@ TEST_F(TDesigner, EveryResetTakes) {
         for (const QMetaProperty& property : ownProperties(widget(qPrintable(u'a' + name)))) {
             open(formOf({name}));
             QWidget& object = widget(qPrintable(u'a' + name));
+            if (isStoredWhenFresh(object, property)) continue; // a reset gives the declared default
             const QVariant fresh = property.read(&object);
             set(object, property.name(), another(property, fresh));
             if (property.read(&object) == fresh)
@@ -384,6 +404,8 @@ TEST_F(TDesigner, EveryPropertyOfEveryWidgetGoesThroughAFile) {
         for (const QMetaProperty& property : ownProperties(object)) {
             const QVariant before = property.read(&object);
             property.write(&object, another(property, before));
+            if (property.read(&object) == before && before.typeId() == QMetaType::Double)
+                property.write(&object, before.toDouble() + 3); // clamped
             if (property.read(&object) == before) unchanged[name] += QByteArray(property.name()) + ' ';
         }
     }
