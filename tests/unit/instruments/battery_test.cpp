@@ -49,8 +49,9 @@ template <class T> struct TCell : TShown<T> {
         EXPECT_NEAR(matrix.M32, bottom * (1 - share), 1e-3);
         EXPECT_EQ(matrix.M11, 1);
         EXPECT_EQ(matrix.M31, 0);
-        if constexpr (std::is_same_v<T, TVZBatteryModern>)
+        if constexpr (std::is_same_v<T, TVZBatteryModern>) {
             EXPECT_NEAR(this->Length("LevelTop", TLength::Y), bottom - TFacts<T>::Height * share, 1e-3);
+        }
     }
 };
 
@@ -541,7 +542,8 @@ template <class T> void CheckSwitching(const std::vector<TSwitchedFill>& rows) {
             const TSVGBrush brush = cell.Get(row.Element).GetBrush();
             EXPECT_EQ(brush.GetKind(), enable ? TVZGPBrushKind::URI : TVZGPBrushKind::Solid);
             EXPECT_EQ(brush.GetURI(), enable ? row.Gradient : "");
-            if (!enable) EXPECT_EQ(brush.GetColor(), row.Color);
+            if (enable) continue;
+            EXPECT_EQ(brush.GetColor(), row.Color);
         }
     }
     EXPECT_EQ(cell.Paint(), before);

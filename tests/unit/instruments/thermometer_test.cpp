@@ -474,7 +474,8 @@ TEST(Thermometer, GradientsAreSwitched) {
             const TSVGBrush brush = warmth.Get(row.Element).GetBrush();
             EXPECT_EQ(brush.GetKind(), enable ? TVZGPBrushKind::URI : TVZGPBrushKind::Solid);
             EXPECT_EQ(brush.GetURI(), enable ? row.Gradient : "");
-            if (!enable) EXPECT_EQ(brush.GetColor(), row.Color);
+            if (enable) continue;
+            EXPECT_EQ(brush.GetColor(), row.Color);
         }
         for (const char* id : {"MercuryHighlight", "BulbHighlight", "Glass"})
             EXPECT_EQ(warmth.IsVisible(id), enable) << id;
