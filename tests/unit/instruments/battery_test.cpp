@@ -259,8 +259,10 @@ TYPED_TEST(Batteries, MovingTheLevelIsCheap) {
         setAndPaint();
     const std::size_t before = CountAllocations();
     setAndPaint();
-    // FIXME: what changes its shape or paint is compiled anew for each frame, which takes memory; a move does not.
-    EXPECT_LE(CountAllocations() - before, 100u * 80);
+    // FIXME: the modern one's cap changes its shape and so is compiled anew for each frame, which takes
+    // memory; a move does not.
+    const std::size_t most = std::is_same_v<TypeParam, TVZBattery> ? 0 : 100 * 80;
+    EXPECT_LE(CountAllocations() - before, most);
     EXPECT_FALSE(cell->AreBuffersStale());
     TCell<TypeParam> fresh;
     fresh->SetValue(99);
