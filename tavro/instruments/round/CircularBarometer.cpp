@@ -6,7 +6,8 @@
 namespace Vz {
 
 std::span<const TProp> TVZCircularBarometer::GetPropTable() const {
-    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularBarometer, Setup, TQuantity::Pressure>);
+    static constexpr auto Rows =
+        PublishGauge<Setup>(GaugeScaleRows<TVZCircularBarometer, Setup, TQuantity::Pressure>);
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

@@ -6,7 +6,8 @@
 namespace Vz {
 
 std::span<const TProp> TVZCircularFuelGauge::GetPropTable() const {
-    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularFuelGauge, Setup, TQuantity::Supply>);
+    static constexpr auto Rows =
+        PublishGauge<Setup>(GaugeScaleRows<TVZCircularFuelGauge, Setup, TQuantity::Supply>);
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

@@ -6,7 +6,8 @@
 namespace Vz {
 
 std::span<const TProp> TVZCircularSpeedometer::GetPropTable() const {
-    static constexpr auto Rows = PublishGauge<Setup>(GaugeScaleRows<TVZCircularSpeedometer, Setup, TQuantity::Speed>);
+    static constexpr auto Rows =
+        PublishGauge<Setup>(GaugeScaleRows<TVZCircularSpeedometer, Setup, TQuantity::Speed>);
     static_assert(NamesAreUnique(Rows));
     return Rows;
 }

@@ -18,9 +18,9 @@ constexpr Vz::TInstrumentSetup Setup{.Artwork = "BoilerSVG"};
 } // namespace
 
 std::span<const Vz::TProp> TBoiler::GetPropTable() const {
-    static constexpr auto Rows = Vz::Publish(
-        std::array{Vz::Main(Vz::Prop<&TBoiler::GetLevel, &TBoiler::SetLevel>("Level", 0.0))},
-        Vz::Inherited<Setup>({"Opacity", "OnChange"}));
+    static constexpr auto Rows =
+        Vz::Publish(std::array{Vz::Main(Vz::Prop<&TBoiler::GetLevel, &TBoiler::SetLevel>("Level", 0.0))},
+                    Vz::Inherited<Setup>({"Opacity", "OnChange"}));
     return Rows;
 }
 

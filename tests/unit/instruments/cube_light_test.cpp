@@ -214,7 +214,8 @@ TEST(CubeLight, SwitchingTakesBoundedMemory) {
     run();
     const std::size_t before = CountAllocations();
     run();
-    // FIXME: what changes its shape or paint is compiled anew for each frame, which takes memory; a move does not.
+    // FIXME: what changes its shape or paint is compiled anew for each frame, which takes memory; a move does
+    // not.
     EXPECT_LE(CountAllocations() - before, 10u * 550);
 }
 

@@ -624,7 +624,8 @@ TEST(Thermometer, MovingTheMercuryIsCheap) {
         setAndPaint();
     const std::size_t before = CountAllocations();
     setAndPaint();
-    // FIXME: what changes its shape or paint is compiled anew for each frame, which takes memory; a move does not.
+    // FIXME: what changes its shape or paint is compiled anew for each frame, which takes memory; a move does
+    // not.
     EXPECT_LE(CountAllocations() - before, 120u * 200);
     EXPECT_FALSE(warmth->AreBuffersStale());
     TWarmth fresh;
