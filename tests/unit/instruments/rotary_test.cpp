@@ -128,7 +128,7 @@ TYPED_TEST(Rotary, ClicksOfAnyKind) {
         Click(*knob, 100, 20, button);
         EXPECT_GT(knob->GetValue(), 0);
     }
-    for (const auto [x, y] : {std::pair{100, 100}, {0, 0}, {199, 199}})
+    for (const auto& [x, y] : {std::pair{100, 100}, {0, 0}, {199, 199}})
         EXPECT_NO_THROW(Click(*knob, x, y));
     knob->SetMajorMarkers(0);
     Click(*knob, 180, 20);

@@ -3,8 +3,12 @@
 #include "VzAnalogCalendar.h"
 #include "VzCircularAltimeter.h"
 #include "VzCircularClock.h"
+#include "VzCompass.h"
+#include "VzCubeLight.h"
+#include "VzRotaryDial.h"
 #include "VzSVGControl.h"
 #include "VzSpeedometer.h"
+#include "VzTrafficLight.h"
 
 #include "hosts/qt/WidgetList.h"
 #include "tavro/VZSVGControl.h"
@@ -728,6 +732,39 @@ TEST(VzWidgetAccessible, RoleNameValueAndRange) {
               QStringLiteral("Circular Clock"));
     VzSVGControl picture;
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&picture)->role(), QAccessible::Graphic);
+}
+
+QString spoken(QWidget& widget) {
+    return QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Value);
+}
+
+TEST(VzWidgetAccessible, WhatTheMainValueTells) {
+    VzCompass compass;
+    compass.setAngle(243.4);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&compass)->role(), QAccessible::Indicator);
+    EXPECT_EQ(spoken(compass), QStringLiteral("243 degrees, south-west"));
+    compass.setAngle(359);
+    EXPECT_EQ(spoken(compass), QStringLiteral("359 degrees, north"));
+
+    VzTrafficLight lights;
+    EXPECT_EQ(spoken(lights), QStringLiteral("red"));
+    lights.setLights(VzTrafficLight::ltYellow | VzTrafficLight::ltGreen);
+    EXPECT_EQ(spoken(lights), QStringLiteral("yellow, green"));
+    lights.setLights({});
+    EXPECT_EQ(spoken(lights), QStringLiteral("off"));
+
+    VzCubeLight cube;
+    QAccessibleInterface& seen = *QAccessible::queryAccessibleInterface(&cube);
+    EXPECT_EQ(seen.role(), QAccessible::CheckBox);
+    EXPECT_TRUE(seen.state().checkable && seen.state().checked);
+    cube.setChecked(false);
+    EXPECT_FALSE(seen.state().checked);
+    EXPECT_EQ(spoken(cube), QStringLiteral("off"));
+
+    VzRotaryDial dial;
+    dial.setValue(3);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&dial)->role(), QAccessible::Dial);
+    EXPECT_EQ(spoken(dial), QStringLiteral("3"));
 }
 
 } // namespace
